@@ -1,0 +1,2 @@
+// The demo driver.
+#include "runtime/Velmora.h"

@@ -1,0 +1,21 @@
+// One SDL OpenGL window per test process, for tests that read GL state back.
+#pragma once
+
+#include <gtest/gtest.h>
+
+class GLContext {
+public:
+    // Opens the window on first use (Xvfb or SDL's offscreen driver); false when no GL can be had.
+    static bool ensure(int width = 128, int height = 128);
+    static int width();
+    static int height();
+    // Reads one RGBA pixel of the current frame (before any swap).
+    static void readPixel(int x, int y, unsigned char rgba[4]);
+};
+
+// Fixture for GL tests: fails the test when no context can be opened,
+// and leaves a cleared frame with identity matrices behind each test start.
+class GLTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+};
