@@ -1,0 +1,68 @@
+// One image in system memory and the OpenGL texture object made from it on first bind.
+#pragma once
+
+#include "scene/object/NamedObject.h"
+
+typedef int TexQuality;
+
+class Texture : public NamedObject {
+public:
+    // The GL name a texture holds while it has no texture object.
+    static const unsigned int noName = 0xffffffffu;
+
+    Texture();
+    explicit Texture(const char* name);
+    // Takes ownership of data when create succeeds.
+    Texture(const char* name, int w, int h, int bpp, int format, unsigned char* data);
+    ~Texture() override;
+    Texture(const Texture&) = delete;
+    Texture& operator=(const Texture&) = delete;
+
+    // Takes ownership of data on success; false when data is null, the texture
+    // already holds pixels, or the size or format code is unusable.
+    virtual bool create(int w, int h, int bpp, int format, unsigned char* data);
+    virtual bool create(const char* name, int w, int h, int bpp, int format, unsigned char* data);
+    virtual void reset();
+    virtual bool reload();
+    virtual bool upload();
+    virtual bool reupload();
+    virtual bool unload();
+    virtual void updateSubTex();
+
+    bool bind();
+    void unbind();
+    void bind(unsigned int unit);
+    void unbind(unsigned int unit);
+
+    static void setTexQuality(TexQuality quality);
+    static TexQuality getTexQuality();
+    unsigned int getOpenGLFormat(int format) const;
+    // Bytes per pixel of a format code; 0 outside 1 to 8.
+    static int componentsOf(int format);
+
+    int getWidth() const { return width; }
+    int getHeight() const { return height; }
+    int getBitsPerPixel() const { return bitsPerPixel; }
+    int getFormat() const { return format; }
+    int getComponents() const { return components; }
+    unsigned int getGLName() const { return glName; }
+    // Size of the pixel buffer in bytes.
+    long long getDataSize() const;
+    unsigned char* getDataPtr() { return data; }
+    const unsigned char* getDataPtr() const { return data; }
+
+protected:
+    bool isLive() const;
+    // Stores the fields without the checks of create.
+    void store(int w, int h, int bpp, int format, unsigned char* data);
+
+    int width;
+    int height;
+    int bitsPerPixel;
+    int format;
+    int components;
+    unsigned char* data;
+    unsigned int glName;
+
+    static TexQuality texQuality;
+};

@@ -1,0 +1,37 @@
+// Base of the loaders that turn one kind of image file into a Texture.
+#pragma once
+
+class Texture;
+
+class TextureLoader {
+public:
+    // extensions: comma-separated, without dots, e.g. "ctx,mtx".
+    explicit TextureLoader(const char* extensions);
+    virtual ~TextureLoader();
+    TextureLoader(const TextureLoader&) = delete;
+    TextureLoader& operator=(const TextureLoader&) = delete;
+
+    virtual Texture* loadTexture(const char* name, int format) = 0;
+    virtual bool reloadTexture(const char* name, Texture* t) = 0;
+    virtual bool saveTexture(const char* name, Texture* t) = 0;
+
+    bool checkFilename(const char* name) const;
+    bool checkExtension(const char* ext) const;
+    const char* getExtension() const { return extensions; }
+
+    // Largest image side and pixel count any loader accepts from a file header.
+    static const int maxSide = 16384;
+    static const long long maxPixels = 1LL << 26;
+
+protected:
+    // A zero-filled buffer for w x h pixels of the format, or null when the
+    // size or the format (1 to 8) is unusable.
+    static unsigned char* allocPixels(int w, int h, int format);
+    static bool sizeUsable(long long w, long long h);
+    // Writes one pixel of the requested format from R, G, B and, when
+    // hasAlpha, A; returns the bytes written.
+    static int storePixel(unsigned char* out, int format, const unsigned char rgba[4], bool hasAlpha);
+
+private:
+    char* extensions;
+};
