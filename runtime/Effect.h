@@ -1,0 +1,29 @@
+// Base of every scene on the timeline: a layer, a time span and the four life-cycle steps.
+#pragma once
+
+#include "runtime/EffectTimer.h"
+
+class Effect {
+public:
+    Effect();
+    Effect(short layer, const EffectTimer& timer);
+    virtual ~Effect();
+
+    // Called once when the timeline starts the effect.
+    virtual void initiate() = 0;
+    // Called when the effect leaves the running list.
+    virtual void shutdown() = 0;
+    // Must advance the effect's own timer (updateTimer): the timeline retires effects by it.
+    virtual void update(float seconds) = 0;
+    virtual void display() = 0;
+
+    short getLayer() const { return layer; }
+    const EffectTimer& getTimer() const { return timer; }
+    void updateTimer(float seconds) { timer.update(seconds); }
+    bool isRunning() const;
+    bool isFinished() const;
+
+protected:
+    short layer;
+    EffectTimer timer;
+};

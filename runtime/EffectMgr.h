@@ -1,0 +1,53 @@
+// The timeline: starts pending effects when the scene clock reaches them, keeps the
+// running ones ordered by layer, and retires those whose own clock has left their span.
+#pragma once
+
+#include "runtime/EffectTimer.h"
+
+class Effect;
+
+class EffectMgr {
+public:
+    EffectMgr();
+    ~EffectMgr();
+
+    // Rewinds the scene clock to 0; call after every effect has been added.
+    void initiate();
+    // Deletes every effect still held, without calling their shutdown().
+    void shutdown();
+
+    // Takes ownership.
+    bool addEffect(Effect* effect);
+    // Hands the effect back to the caller (a running one gets shutdown()).
+    bool removeEffect(Effect* effect);
+    // Re-sorts a running effect whose layer has changed.
+    bool updateEffectFromData(Effect* effect);
+
+    void update(float seconds);
+    void display();
+
+    const EffectTimer& getTimer() const { return timer; }
+    unsigned getPendingCount() const { return pendingCount; }
+    unsigned getRunningCount() const { return runningCount; }
+
+private:
+    struct node_t {
+        Effect* effect;
+        node_t* next;
+    };
+
+    EffectMgr(const EffectMgr&) = delete;
+    EffectMgr& operator=(const EffectMgr&) = delete;
+
+    void checkPendingList();
+    void checkRunningList();
+    void addToRunningList(node_t* node, bool skipInitiate);
+    static node_t* unlink(node_t*& head, Effect* effect);
+    static void deleteAll(node_t*& head);
+
+    EffectTimer timer;
+    unsigned pendingCount;
+    node_t* pending;
+    unsigned runningCount;
+    node_t* running;
+};
