@@ -12,14 +12,14 @@ typedef int BlendMode;
 class Material : public NamedObject {
 public:
     // Flag bits.
-    static const unsigned long sphereMap = 0x40;
-    static const unsigned long eyeLinear = 0x100;
-    static const unsigned long objectLinear = 0x400;
-    static const unsigned long sphereMap2 = 0x80;
-    static const unsigned long eyeLinear2 = 0x200;
-    static const unsigned long objectLinear2 = 0x800;
-    static const unsigned long noDepthWrite = 0x20000000;
-    static const unsigned long defaultFlags = 0x10000003;
+    static constexpr unsigned long sphereMap = 0x40;
+    static constexpr unsigned long eyeLinear = 0x100;
+    static constexpr unsigned long objectLinear = 0x400;
+    static constexpr unsigned long sphereMap2 = 0x80;
+    static constexpr unsigned long eyeLinear2 = 0x200;
+    static constexpr unsigned long objectLinear2 = 0x800;
+    static constexpr unsigned long noDepthWrite = 0x20000000;
+    static constexpr unsigned long defaultFlags = 0x10000003;
 
     Material();
     explicit Material(const char* name);

@@ -8,7 +8,7 @@ typedef int TexQuality;
 class Texture : public NamedObject {
 public:
     // The GL name a texture holds while it has no texture object.
-    static const unsigned int noName = 0xffffffffu;
+    static constexpr unsigned int noName = 0xffffffffu;
 
     Texture();
     explicit Texture(const char* name);

@@ -20,10 +20,9 @@ public:
     const char* getExtension() const { return extensions; }
 
     // Largest image side and pixel count any loader accepts from a file header.
-    static const int maxSide = 16384;
-    static const long long maxPixels = 1LL << 26;
+    static constexpr int maxSide = 16384;
+    static constexpr long long maxPixels = 1LL << 26;
 
-protected:
     // A zero-filled buffer for w x h pixels of the format, or null when the
     // size or the format (1 to 8) is unusable.
     static unsigned char* allocPixels(int w, int h, int format);

@@ -1,0 +1,130 @@
+// JPEG decoding: libjpeg's error exit jumps back here, so the decoder holds no C++ objects.
+#include "texture/TextureLoaderJPG.h"
+
+#include "texture/Texture.h"
+
+#include <csetjmp>
+#include <cstdio>
+#include <jpeglib.h>
+
+namespace {
+
+struct JpegError {
+    jpeg_error_mgr manager;
+    jmp_buf jump;
+};
+
+void jumpBack(j_common_ptr info)
+{
+    std::longjmp(reinterpret_cast<JpegError*>(info->err)->jump, 1);
+}
+
+// Warnings (a cut-off or corrupt scan) end the load too: the file is damaged.
+void emitMessage(j_common_ptr info, int level)
+{
+    if (level < 0)
+        jumpBack(info);
+}
+
+void quiet(j_common_ptr) {}
+
+long fileSize(FILE* file)
+{
+    if (std::fseek(file, 0, SEEK_END) != 0)
+        return -1;
+    long size = std::ftell(file);
+    std::rewind(file);
+    return size;
+}
+
+// Every 8x8 block costs at least one Huffman-coded bit.
+const long long maxPixelsPerByte = 512;
+
+} // namespace
+
+static unsigned char* decodeJpeg(FILE* file, int format, int* width, int* height)
+{
+    long size = fileSize(file);
+    if (size <= 0)
+        return nullptr;
+    jpeg_decompress_struct info;
+    JpegError error;
+    unsigned char* volatile pixels = nullptr;
+    unsigned char* volatile row = nullptr;
+    info.err = jpeg_std_error(&error.manager);
+    error.manager.error_exit = jumpBack;
+    error.manager.emit_message = emitMessage;
+    error.manager.output_message = quiet;
+    if (setjmp(error.jump)) {
+        jpeg_destroy_decompress(&info);
+        delete[] pixels;
+        delete[] row;
+        return nullptr;
+    }
+    jpeg_create_decompress(&info);
+    jpeg_stdio_src(&info, file);
+    jpeg_read_header(&info, TRUE);
+    long long area = static_cast<long long>(info.image_width) * info.image_height;
+    if (!TextureLoader::sizeUsable(info.image_width, info.image_height) ||
+        (!info.arith_code && area > size * maxPixelsPerByte))
+        jumpBack(reinterpret_cast<j_common_ptr>(&info));
+    jpeg_start_decompress(&info);
+    // Greyscale files are not supported: every pixel must be three bytes.
+    if (info.output_components != 3)
+        jumpBack(reinterpret_cast<j_common_ptr>(&info));
+    int w = static_cast<int>(info.output_width);
+    int h = static_cast<int>(info.output_height);
+    pixels = TextureLoader::allocPixels(w, h, format);
+    if (!pixels)
+        jumpBack(reinterpret_cast<j_common_ptr>(&info));
+    row = new unsigned char[static_cast<size_t>(w) * 3];
+    unsigned char* out = pixels;
+    while (info.output_scanline < info.output_height) {
+        JSAMPROW line = row;
+        jpeg_read_scanlines(&info, &line, 1);
+        for (int x = 0; x < w; ++x) {
+            const unsigned char* p = row + x * 3;
+            unsigned char rgba[4] = {p[0], p[1], p[2], 255};
+            out += TextureLoader::storePixel(out, format, rgba, false);
+        }
+    }
+    jpeg_finish_decompress(&info);
+    jpeg_destroy_decompress(&info);
+    delete[] row;
+    *width = w;
+    *height = h;
+    return pixels;
+}
+
+TextureLoaderJPG::TextureLoaderJPG() : TextureLoader("jpg") {}
+
+Texture* TextureLoaderJPG::loadTexture(const char* name, int format)
+{
+    if (!name || Texture::componentsOf(format) == 0)
+        return nullptr;
+    FILE* file = std::fopen(name, "rb");
+    if (!file)
+        return nullptr;
+    int w = 0, h = 0;
+    unsigned char* pixels = decodeJpeg(file, format, &w, &h);
+    std::fclose(file);
+    if (!pixels)
+        return nullptr;
+    Texture* t = new Texture();
+    if (!t->create(name, w, h, 8, format, pixels)) {
+        delete[] pixels;
+        delete t;
+        return nullptr;
+    }
+    return t;
+}
+
+bool TextureLoaderJPG::reloadTexture(const char*, Texture*)
+{
+    return false;
+}
+
+bool TextureLoaderJPG::saveTexture(const char*, Texture*)
+{
+    return false;
+}
