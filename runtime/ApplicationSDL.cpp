@@ -1,0 +1,175 @@
+// The SDL shell: video mode, GL attributes, the frame loop and event dispatch.
+#include "runtime/ApplicationSDL.h"
+
+#include "runtime/TimerLinux.h"
+
+#include <SDL/SDL.h>
+#include <cstdlib>
+#include <iostream>
+
+ApplicationSDL::ApplicationSDL()
+{
+    timer = new TimerLinux();
+}
+
+ApplicationSDL::~ApplicationSDL()
+{
+    if (glReady)
+        shutdownGL();
+}
+
+void ApplicationSDL::channelSizes(int bitsPerPixel, int& red, int& green, int& blue)
+{
+    // 8-8-8 above 16 bits, 5-5-5 at exactly 15, 5-6-5 for anything else.
+    red = 5;
+    green = 6;
+    blue = 5;
+    if (bitsPerPixel > 16) {
+        red = green = blue = 8;
+    } else if (bitsPerPixel == 15) {
+        green = 5;
+    }
+}
+
+bool ApplicationSDL::setupGL()
+{
+    if (glReady)
+        return false;
+    // sdl12-compat's scaled framebuffer would stretch a resized window instead of letting
+    // the viewport follow it, and costs half the frame rate in software. Full screen keeps
+    // it so that any configured size fills the desktop. The user's own setting wins.
+    if (!info.fullscreen)
+        setenv("SDL12COMPAT_OPENGL_SCALING", "0", 0);
+    if (SDL_Init(SDL_INIT_VIDEO) < 0) {
+        std::cerr << "ERROR! Couldn't init SDL: " << SDL_GetError() << '\n';
+        return false;
+    }
+    atexit(SDL_Quit);
+
+    // The desktop's depth always wins over the requested one.
+    const SDL_VideoInfo* video = SDL_GetVideoInfo();
+    if (video && video->vfmt)
+        info.bitsPerPixel = video->vfmt->BitsPerPixel;
+
+    Uint32 flags = info.fullscreen ? (SDL_OPENGL | SDL_FULLSCREEN) : (SDL_OPENGL | SDL_RESIZABLE);
+    int red = 0, green = 0, blue = 0;
+    channelSizes(info.bitsPerPixel, red, green, blue);
+    SDL_GL_SetAttribute(SDL_GL_RED_SIZE, red);
+    SDL_GL_SetAttribute(SDL_GL_GREEN_SIZE, green);
+    SDL_GL_SetAttribute(SDL_GL_BLUE_SIZE, blue);
+    SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, info.depthBuffer);
+    SDL_GL_SetAttribute(SDL_GL_STENCIL_SIZE, info.stencilBuffer);
+    SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
+
+    if (!SDL_SetVideoMode(info.width, info.height, info.bitsPerPixel, flags)) {
+        std::cerr << "ERROR! Couldn't set OpenGL mode: " << SDL_GetError() << '\n';
+        SDL_Quit();
+        return false;
+    }
+
+    currentWidth = info.width;
+    currentHeight = info.height;
+    currentBitsPerPixel = info.bitsPerPixel;
+    currentDepthBits = info.depthBuffer;
+    currentStencilBits = info.stencilBuffer;
+    currentFullscreen = info.fullscreen;
+    glReady = true;
+    if (!info.cursor)
+        SDL_ShowCursor(SDL_DISABLE);
+    if (title)
+        SDL_WM_SetCaption(title, NULL);
+    return true;
+}
+
+bool ApplicationSDL::shutdownGL()
+{
+    if (!glReady)
+        return false;
+    SDL_Quit();
+    glReady = false;
+    return true;
+}
+
+void ApplicationSDL::swapBuffersGL()
+{
+    if (glReady)
+        SDL_GL_SwapBuffers();
+}
+
+void ApplicationSDL::sendQuit()
+{
+    SDL_Event event;
+    event.type = SDL_QUIT;
+    SDL_PushEvent(&event);
+}
+
+bool ApplicationSDL::run(int, char**)
+{
+    if (!setupGL())
+        return false;
+    onInit();
+    onResize(currentWidth, currentHeight);
+    if (timer)
+        timer->setup();
+    // Never sleeps and never caps the rate.
+    while (handleEvents()) {
+        if (timer) {
+            timer->update();
+            onUpdate(static_cast<float>(timer->getDeltaTime()));
+        }
+        onDisplay();
+        swapBuffersGL();
+    }
+    shutdownGL();
+    glReady = false;
+    return true;
+}
+
+bool ApplicationSDL::handleEvents()
+{
+    bool keepRunning = true;
+    SDL_Event event;
+    // A quit still lets the rest of the batch be dispatched.
+    for (int taken = 0; taken < EVENTS_PER_FRAME && SDL_PollEvent(&event); ++taken) {
+        switch (event.type) {
+        case SDL_KEYDOWN:
+            onKey(static_cast<unsigned char>(event.key.keysym.sym & 0xFF));
+            break;
+        case SDL_MOUSEMOTION:
+            onMouseMove(event.motion.x, event.motion.y);
+            break;
+        case SDL_MOUSEBUTTONDOWN:
+            onMouseButton(event.button.x, event.button.y, event.button.button);
+            break;
+        case SDL_QUIT:
+            onQuit();
+            keepRunning = false;
+            break;
+        case SDL_VIDEORESIZE:
+            onResize(event.resize.w, event.resize.h);
+            break;
+        default:
+            break;
+        }
+    }
+    return keepRunning;
+}
+
+int ApplicationSDL::keyState(int key) const
+{
+    int count = 0;
+    const Uint8* keys = SDL_GetKeyState(&count);
+    if (!keys || key < 0 || key >= count)
+        return -1;
+    return keys[key];
+}
+
+bool ApplicationSDL::keyPressed(int key) const
+{
+    return keyState(key) == 1;
+}
+
+bool ApplicationSDL::keyReleased(int key) const
+{
+    return keyState(key) == 0;
+}

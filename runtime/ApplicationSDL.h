@@ -1,0 +1,34 @@
+// The application shell over SDL 1.2: window, GL context, frame loop and event dispatch.
+#pragma once
+
+#include "runtime/ApplicationGL.h"
+
+class ApplicationSDL : public ApplicationGL {
+public:
+    // Creates the frame timer.
+    ApplicationSDL();
+    ~ApplicationSDL() override;
+
+    // The arguments are not used. False only when the display could not be set up.
+    bool run(int argc, char** argv) override;
+    void sendQuit() override;
+    bool setupGL() override;
+    bool shutdownGL() override;
+    void swapBuffersGL() override;
+    bool keyPressed(int key) const override;
+    bool keyReleased(int key) const override;
+
+    // GL colour channel sizes for a desktop depth.
+    static void channelSizes(int bitsPerPixel, int& red, int& green, int& blue);
+
+    // At most this many events are dispatched per frame; the rest wait.
+    static const int EVENTS_PER_FRAME = 5;
+
+protected:
+    // Dispatches one frame's events; false once a quit event was seen.
+    bool handleEvents();
+
+private:
+    // Reads the key-state table entry, or -1 for a key outside it.
+    int keyState(int key) const;
+};
