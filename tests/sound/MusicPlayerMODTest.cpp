@@ -24,8 +24,7 @@ std::string writeModule(const std::string& name, const TinyModule& module = Tiny
 
 std::string writeBytes(const std::string& name, const std::string& bytes) {
     std::string path = scratchPath(name);
-    std::ofstream out(path, std::ios::binary);
-    out << bytes;
+    std::ofstream(path, std::ios::binary) << bytes;
     return path;
 }
 
@@ -110,15 +109,11 @@ TEST_F(MusicPlayerMODTest, ShutdownFreesTheSong) {
 
 // ---- play, stop, pause ----
 
-TEST_F(MusicPlayerMODTest, PlayOnAPlayingSongFails) {
+TEST_F(MusicPlayerMODTest, PlayAndStopEachWorkOnlyOnce) {
+    EXPECT_FALSE(player.stop());
     EXPECT_TRUE(player.play());
     EXPECT_TRUE(player.isPlaying());
     EXPECT_FALSE(player.play());
-}
-
-TEST_F(MusicPlayerMODTest, StopOnlyStopsOnce) {
-    EXPECT_FALSE(player.stop());
-    ASSERT_TRUE(player.play());
     EXPECT_TRUE(player.stop());
     EXPECT_FALSE(player.stop());
     EXPECT_TRUE(player.play());
@@ -134,28 +129,16 @@ TEST(MusicPlayerMODPlay, TempoIsReadWhenPlayStarts) {
     EXPECT_EQ(140.0f, player.getBpm());
 }
 
-TEST_F(MusicPlayerMODTest, PauseTwiceResumes) {
+TEST_F(MusicPlayerMODTest, PauseTwiceResumesAndNeedsAPlayingSong) {
+    EXPECT_FALSE(player.pause());
     ASSERT_TRUE(player.play());
     EXPECT_TRUE(player.pause());
     EXPECT_TRUE(player.isPaused());
     EXPECT_TRUE(player.isPlaying());
     EXPECT_TRUE(player.pause());
     EXPECT_FALSE(player.isPaused());
-}
-
-TEST_F(MusicPlayerMODTest, PauseOnAStoppedSongFails) {
-    EXPECT_FALSE(player.pause());
-    ASSERT_TRUE(player.play());
     ASSERT_TRUE(player.stop());
     EXPECT_FALSE(player.pause());
-}
-
-TEST_F(MusicPlayerMODTest, PlayAfterAPausedStopStartsUnpaused) {
-    ASSERT_TRUE(player.play());
-    ASSERT_TRUE(player.pause());
-    ASSERT_TRUE(player.stop());
-    ASSERT_TRUE(player.play());
-    EXPECT_FALSE(player.isPaused());
 }
 
 TEST_F(MusicPlayerMODTest, InitiateRestartsAStoppedSongFromOrderZero) {
@@ -166,13 +149,6 @@ TEST_F(MusicPlayerMODTest, InitiateRestartsAStoppedSongFromOrderZero) {
     player.initiate();
     EXPECT_TRUE(player.isPlaying());
     EXPECT_EQ(0, player.getOrder());
-}
-
-TEST_F(MusicPlayerMODTest, InitiateLeavesAPlayingSongAlone) {
-    ASSERT_TRUE(player.play());
-    ASSERT_TRUE(player.forward(20.0f));
-    player.initiate();
-    EXPECT_EQ(2, player.getOrder());
 }
 
 // ---- seeking by orders (16 rows at 125 bpm: 0.128 orders per second) ----
@@ -197,32 +173,17 @@ TEST_F(MusicPlayerMODTest, StepsAreTruncatedTowardZero) {
     EXPECT_EQ(3, player.getOrder());
     EXPECT_TRUE(player.backward(15.7f));
     EXPECT_EQ(1, player.getOrder());
-}
-
-TEST_F(MusicPlayerMODTest, NegativeSecondsSeekTheOtherWay) {
-    ASSERT_TRUE(player.play());
-    ASSERT_TRUE(player.forward(20.0f));
+    // Negative seconds seek the other way.
     EXPECT_TRUE(player.forward(-7.9f));
-    EXPECT_EQ(1, player.getOrder());
-    EXPECT_TRUE(player.backward(-7.9f));
-    EXPECT_EQ(2, player.getOrder());
-}
-
-TEST_F(MusicPlayerMODTest, ForwardPastTheEndLandsOnTheNumberOfOrders) {
-    ASSERT_TRUE(player.play());
-    EXPECT_TRUE(player.forward(1000.0f));
-    EXPECT_EQ(player.getNumOrders(), player.getOrder());
-}
-
-TEST_F(MusicPlayerMODTest, BackwardPastTheStartLandsOnZero) {
-    ASSERT_TRUE(player.play());
-    ASSERT_TRUE(player.forward(20.0f));
-    EXPECT_TRUE(player.backward(1000.0f));
     EXPECT_EQ(0, player.getOrder());
 }
 
-TEST_F(MusicPlayerMODTest, EndlessOrSenselessSecondsStayInRange) {
+TEST_F(MusicPlayerMODTest, SeeksClampToZeroAndOnePastTheLastOrder) {
     ASSERT_TRUE(player.play());
+    EXPECT_TRUE(player.forward(1000.0f));
+    EXPECT_EQ(player.getNumOrders(), player.getOrder());
+    EXPECT_TRUE(player.backward(1000.0f));
+    EXPECT_EQ(0, player.getOrder());
     const float inf = std::numeric_limits<float>::infinity();
     EXPECT_TRUE(player.forward(inf));
     EXPECT_EQ(4, player.getOrder());
@@ -256,12 +217,7 @@ TEST_F(MusicPlayerMODTest, VolumeIsClampedToZeroThrough256) {
     EXPECT_EQ(256, player.getVolume());
     EXPECT_TRUE(player.setVolume(-3));
     EXPECT_EQ(0, player.getVolume());
-    EXPECT_TRUE(player.setVolume(255));
-    EXPECT_EQ(255, player.getVolume());
-}
-
-TEST(MusicPlayerMODVolume, NeedsASong) {
-    MusicPlayerMOD player;
+    player.shutdown();
     EXPECT_FALSE(player.setVolume(100));
     EXPECT_EQ(-1, player.getVolume());
 }
@@ -306,19 +262,6 @@ TEST_F(MusicPlayerMODTest, LocationCountsTheSoundProducedSincePlay) {
     ASSERT_TRUE(player.stop());
     ASSERT_TRUE(player.play());
     EXPECT_EQ(0.0f, player.getCurrentLocation());
-}
-
-TEST_F(MusicPlayerMODTest, RenderingIsRepeatableBitForBit) {
-    MusicPlayerMOD twin;
-    ASSERT_TRUE(twin.load(path.c_str()));
-    std::vector<int16_t> a(2 * 8192), b(2 * 8192);
-    ASSERT_EQ(8192u, player.render(a.data(), 8192, kRate));
-    ASSERT_EQ(8192u, twin.render(b.data(), 8192, kRate));
-    EXPECT_EQ(a, b);
-    bool audible = false;
-    for (int16_t s : a)
-        audible = audible || s != 0;
-    EXPECT_TRUE(audible);
 }
 
 TEST(MusicPlayerMODRender, NothingWithoutASongOrARate) {

@@ -96,19 +96,18 @@ bool silent(const std::vector<int16_t>& pcm) {
 
 // ---- starting and stopping the output ----
 
-TEST_F(SoundTest, SilentDriverInitiatesWithoutADevice) {
+TEST_F(SoundTest, SilentDriverInitiatesOnceWithoutADevice) {
     EXPECT_TRUE(sound->isInitialised());
     EXPECT_FALSE(sound->isOutputOpen());
     EXPECT_EQ(32, sound->getChannels());
     EXPECT_FALSE(sound->initiate(44100, 32));
-}
-
-TEST_F(SoundTest, ShutdownRestoresTheStartValues) {
     sound->shutdown();
     EXPECT_FALSE(sound->isInitialised());
     EXPECT_EQ(0, sound->getDriver());
     EXPECT_EQ(44100, sound->getMixRate());
     EXPECT_EQ(16, sound->getChannels());
+    EXPECT_FALSE(sound->initiate(0, 32));
+    EXPECT_FALSE(sound->initiate(44100, -1));
 }
 
 TEST_F(SoundTest, DummyDeviceOpensAtTheAskedRate) {
@@ -142,13 +141,6 @@ TEST_F(SoundTest, NoDeviceMeansNoSoundSystem) {
     EXPECT_TRUE(sound->isOutputOpen());
 }
 
-TEST_F(SoundTest, SenselessRatesAreRefused) {
-    sound->shutdown();
-    EXPECT_FALSE(sound->initiate(0, 32));
-    EXPECT_FALSE(sound->initiate(44100, -1));
-    EXPECT_FALSE(sound->isInitialised());
-}
-
 // ---- global volume ----
 
 TEST_F(SoundTest, GlobalVolumeIsClampedToZeroThrough255) {
@@ -156,13 +148,7 @@ TEST_F(SoundTest, GlobalVolumeIsClampedToZeroThrough255) {
     EXPECT_EQ(255, sound->getGlobalVolume());
     sound->setGlobalVolume(-5);
     EXPECT_EQ(0, sound->getGlobalVolume());
-    sound->setGlobalVolume(128);
-    EXPECT_EQ(128, sound->getGlobalVolume());
-}
-
-TEST_F(SoundTest, InitiateRaisesTheGlobalVolumeToFull) {
     sound->shutdown();
-    sound->setGlobalVolume(10);
     ASSERT_TRUE(sound->initiate(44100, 32));
     EXPECT_EQ(255, sound->getGlobalVolume());
 }
@@ -178,15 +164,10 @@ TEST_F(SoundTest, FirstPlayerAddedBecomesCurrentWithoutPlaying) {
     EXPECT_TRUE(sound->addMusic(second));
     EXPECT_EQ(first, sound->getCurrentMusic());
     EXPECT_EQ(0, calls.plays);
-}
-
-TEST_F(SoundTest, APlayerIsRegisteredOnlyOnce) {
-    Calls calls;
-    CountingPlayer* player = new CountingPlayer(calls, "once.xm");
-    EXPECT_TRUE(sound->addMusic(player));
-    EXPECT_FALSE(sound->addMusic(player));
+    // Registered twice it would be deleted twice.
+    EXPECT_FALSE(sound->addMusic(first));
     sound->shutdown();
-    EXPECT_EQ(1, calls.deletes);
+    EXPECT_EQ(2, calls.deletes);
 }
 
 TEST_F(SoundTest, FindMusicMatchesTheWholeNameExactly) {
@@ -219,17 +200,6 @@ TEST_F(SoundTest, RemoveUnlinksWithoutDeleting) {
     delete player;
 }
 
-TEST_F(SoundTest, RemovingAnotherPlayerKeepsTheCurrentOne) {
-    Calls calls;
-    CountingPlayer* first = new CountingPlayer(calls, "first.xm");
-    CountingPlayer* second = new CountingPlayer(calls, "second.xm");
-    ASSERT_TRUE(sound->addMusic(first));
-    ASSERT_TRUE(sound->addMusic(second));
-    EXPECT_TRUE(sound->removeMusic(second));
-    EXPECT_EQ(first, sound->getCurrentMusic());
-    delete second;
-}
-
 TEST_F(SoundTest, SetCurrentMusicStopsTheOldAndPlaysTheNew) {
     Calls oldCalls, newCalls;
     CountingPlayer* old = new CountingPlayer(oldCalls, "old.xm");
@@ -245,24 +215,15 @@ TEST_F(SoundTest, SetCurrentMusicStopsTheOldAndPlaysTheNew) {
     EXPECT_EQ(old, sound->getCurrentMusic());
     EXPECT_EQ(1, newCalls.stops);
     EXPECT_EQ(1, oldCalls.plays);
-}
-
-TEST_F(SoundTest, SetCurrentMusicOnTheCurrentOneDoesNothing) {
-    Calls calls;
-    CountingPlayer* player = new CountingPlayer(calls, "only.xm");
-    ASSERT_TRUE(sound->addMusic(player));
-    EXPECT_TRUE(sound->setCurrentMusic(player));
-    EXPECT_EQ(0, calls.plays);
-    EXPECT_EQ(0, calls.stops);
-}
-
-TEST_F(SoundTest, SetCurrentMusicNeedsARegisteredPlayer) {
-    Calls calls;
-    CountingPlayer stranger(calls, "stranger.xm");
+    // Already current: neither stopped nor played again.
+    EXPECT_TRUE(sound->setCurrentMusic(old));
+    EXPECT_EQ(1, oldCalls.plays);
+    EXPECT_EQ(1, oldCalls.stops);
+    CountingPlayer stranger(oldCalls, "stranger.xm");
     EXPECT_FALSE(sound->setCurrentMusic(&stranger));
     EXPECT_FALSE(sound->setCurrentMusic("stranger.xm"));
     EXPECT_FALSE(sound->setCurrentMusic(static_cast<const char*>(nullptr)));
-    EXPECT_EQ(0, calls.plays);
+    EXPECT_EQ(old, sound->getCurrentMusic());
 }
 
 TEST_F(SoundTest, UpdatePumpsOnlyTheCurrentPlayer) {
