@@ -123,6 +123,8 @@ static bool decodePng(FILE* file, PngTarget* target)
             out += TextureLoader::storePixel(out, target->format, rgba, hasAlpha);
         }
     }
+    // Reading to the end checks the trailing chunks' CRCs: a cut-off file fails here.
+    png_read_end(png, nullptr);
     png_free(png, row);
     row = nullptr;
     png_destroy_read_struct(&png, &info, nullptr);
