@@ -49,7 +49,7 @@ public:
 
 private:
     Image resizedAxis(int newSize, bool horizontal) const;
-    Image blurredAxis(const std::vector<double>& kernel, bool horizontal, Edge edge) const;
+    void boxPass(std::vector<double>& plane, int radius, bool horizontal, Edge edge) const;
 
     int w;
     int h;

@@ -24,15 +24,19 @@ double fade(double t)
 Noise::Noise(uint32_t seed)
     : seed(seed)
 {
+    // Evenly spread unit directions keep the noise free of axis bias.
+    for (int i = 0; i < 256; ++i) {
+        const double angle = i * (2.0 * Maths::pi / 256.0);
+        directions[i] = Direction{ Maths::cos(angle), Maths::sin(angle) };
+    }
 }
 
 void Noise::gradientAt(int ix, int iy, int period, double& gx, double& gy) const
 {
     const uint32_t h = Random::hash(wrapIndex(ix, period), wrapIndex(iy, period), seed);
-    // Sixteen evenly spread directions keep the noise free of axis bias.
-    const double angle = (h & 15u) * (Maths::pi / 8.0) + ((h >> 4) & 255u) * (Maths::pi / 2048.0);
-    gx = Maths::cos(angle);
-    gy = Maths::sin(angle);
+    const Direction& d = directions[h & 255u];
+    gx = d.x;
+    gy = d.y;
 }
 
 double Noise::gradient(double x, double y, int period) const

@@ -24,6 +24,12 @@ public:
     Cells cellular(double x, double y, int period) const;
 
 private:
+    struct Direction {
+        double x;
+        double y;
+    };
+
     void gradientAt(int ix, int iy, int period, double& gx, double& gy) const;
     uint32_t seed;
+    Direction directions[256];
 };

@@ -30,7 +30,7 @@ bool encode(FILE* file, const uint8_t* bytes, int width, int height, int channel
         return false;
     }
     png_init_io(png, file);
-    png_set_compression_level(png, 9);
+    png_set_compression_level(png, 6);
     const int type = channels == 4 ? PNG_COLOR_TYPE_RGBA : PNG_COLOR_TYPE_RGB;
     png_set_IHDR(png, info, (png_uint_32)width, (png_uint_32)height, 8, type, PNG_INTERLACE_NONE,
         PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);

@@ -1,6 +1,8 @@
 // velmora-forge: writes the demo's generated content below the directory it is given.
 #include "ConsoleArt.h"
+#include "CreditsArt.h"
 #include "Forge.h"
+#include "LogoArt.h"
 
 #include <chrono>
 #include <cstdio>
@@ -14,6 +16,8 @@ int main(int argc, char** argv)
     const auto start = std::chrono::steady_clock::now();
     Forge forge(argv[1]);
     ConsoleArt().build(forge);
+    CreditsArt().build(forge);
+    LogoArt().build(forge);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     std::printf("velmora-forge: %d files, %.2f MB in %.2f s\n", forge.files(), forge.bytes() / 1048576.0, seconds);
     return forge.failures() == 0 ? 0 : 1;
