@@ -1,7 +1,43 @@
 // The demo: configuration, managers, music and the scene schedule.
 #pragma once
 
-class Velmora {
+#include "runtime/ApplicationSDL.h"
+
+class EffectMgr;
+
+class Velmora : public ApplicationSDL {
 public:
-    bool run(int, char**) { return true; }
+    // Reads ./velmora.cfg into the display request; opens nothing yet.
+    Velmora();
+    // Deletes the timeline and every effect it still holds.
+    ~Velmora() override;
+
+    void onInit() override;
+    void onUpdate(float seconds) override;
+    void onDisplay() override;
+    void onResize(int width, int height) override;
+    // Escape quits; nothing else is bound.
+    void onKey(unsigned char key) override;
+    void onMouseButton(int x, int y, int button) override;
+    void onMouseMove(int x, int y) override;
+    void onActivate() override;
+    void onDeactivate() override;
+    void onQuit() override;
+
+    // Builds the whole timeline once; the scene clock starts at 0.
+    void setupScenes();
+
+    bool isSoundEnabled() const { return soundEnabled; }
+    bool isShowingFPS() const { return showFPS; }
+    EffectMgr* getEffects() const { return effects; }
+
+    static const unsigned char KEY_ESCAPE = 27;
+
+private:
+    // The state every scene may rely on when it starts.
+    void setFixedGLState();
+
+    bool soundEnabled;
+    bool showFPS;
+    EffectMgr* effects;
 };
