@@ -5,29 +5,39 @@
 
 namespace {
 
-// sin on [-pi/4, pi/4] by its Taylor series, enough terms for double precision.
+// 1/n! for the series below, built at compile time.
+struct Factorials {
+    double inverse[24];
+    constexpr Factorials()
+        : inverse()
+    {
+        double f = 1.0;
+        inverse[0] = 1.0;
+        for (int n = 1; n < 24; ++n) {
+            f *= n;
+            inverse[n] = 1.0 / f;
+        }
+    }
+};
+constexpr Factorials factorials;
+
+// sin on [-pi/4, pi/4]: odd Taylor terms up to x^17, summed from the small end.
 double sinKernel(double x)
 {
     const double x2 = x * x;
-    double term = x;
-    double sum = x;
-    for (int n = 1; n <= 10; ++n) {
-        term = -term * x2 / double((2 * n) * (2 * n + 1));
-        sum += term;
-    }
-    return sum;
+    double sum = 0.0;
+    for (int n = 17; n >= 3; n -= 2)
+        sum = (n % 4 == 1 ? factorials.inverse[n] : -factorials.inverse[n]) + sum * x2;
+    return x + x * x2 * sum;
 }
 
 double cosKernel(double x)
 {
     const double x2 = x * x;
-    double term = 1.0;
-    double sum = 1.0;
-    for (int n = 1; n <= 10; ++n) {
-        term = -term * x2 / double((2 * n - 1) * (2 * n));
-        sum += term;
-    }
-    return sum;
+    double sum = 0.0;
+    for (int n = 18; n >= 2; n -= 2)
+        sum = (n % 4 == 0 ? factorials.inverse[n] : -factorials.inverse[n]) + sum * x2;
+    return 1.0 + x2 * sum;
 }
 
 // atan on [0, 1] by reducing twice with the half-angle identity and a series.
@@ -80,13 +90,10 @@ double Maths::exp(double x)
     const double ln2 = 0.69314718055994530942;
     const double k = std::floor(x / ln2 + 0.5);
     const double r = x - k * ln2;
-    double term = 1.0;
-    double sum = 1.0;
-    for (int n = 1; n <= 18; ++n) {
-        term = term * r / double(n);
-        sum += term;
-    }
-    return std::ldexp(sum, (int)k);
+    double sum = 0.0;
+    for (int n = 18; n >= 1; --n)
+        sum = factorials.inverse[n] + sum * r;
+    return std::ldexp(1.0 + r * sum, (int)k);
 }
 
 double Maths::log(double x)

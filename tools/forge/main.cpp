@@ -2,7 +2,10 @@
 #include "ConsoleArt.h"
 #include "CreditsArt.h"
 #include "Forge.h"
+#include "IslandArt.h"
 #include "LogoArt.h"
+#include "SkyArt.h"
+#include "TunnelArt.h"
 
 #include <chrono>
 #include <cstdio>
@@ -18,6 +21,9 @@ int main(int argc, char** argv)
     ConsoleArt().build(forge);
     CreditsArt().build(forge);
     LogoArt().build(forge);
+    IslandArt().build(forge);
+    SkyArt().build(forge);
+    TunnelArt().build(forge);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     std::printf("velmora-forge: %d files, %.2f MB in %.2f s\n", forge.files(), forge.bytes() / 1048576.0, seconds);
     return forge.failures() == 0 ? 0 : 1;

@@ -1,0 +1,261 @@
+// Night-sea palette: warm sand and wood against deep blue water; every tiling picture
+// uses whole noise periods and whole ripple counts so its edges meet.
+#include "IslandArt.h"
+
+#include "Forge.h"
+#include "Maths.h"
+#include "Noise.h"
+#include "Painter.h"
+#include "Random.h"
+
+#include <cmath>
+
+namespace {
+
+Rgba shade(Rgba c, double k)
+{
+    return Rgba{ (float)(c.r * k), (float)(c.g * k), (float)(c.b * k), c.a };
+}
+
+Rgba mixColour(Rgba a, Rgba b, double t)
+{
+    return Rgba{ (float)Maths::mix(a.r, b.r, t), (float)Maths::mix(a.g, b.g, t), (float)Maths::mix(a.b, b.b, t),
+        (float)Maths::mix(a.a, b.a, t) };
+}
+
+// Fine per-pixel grain from a hash: identical on every run, no pattern.
+double grain(int x, int y, uint32_t seed)
+{
+    return (Random::hash(x, y, seed) & 0xffffu) / 65535.0 - 0.5;
+}
+
+} // namespace
+
+Image IslandArt::sand() const
+{
+    const int size = 512;
+    Image image(size, size);
+    Noise noise(0x5A4Du);
+    const Rgba light{ 0.86f, 0.74f, 0.53f, 1.0f };
+    const Rgba dark{ 0.62f, 0.49f, 0.33f, 1.0f };
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x) {
+            const double u = (x + 0.5) / size;
+            const double v = (y + 0.5) / size;
+            // Wind ripples: whole cycles across the tile, bent by low noise, with a
+            // gentle windward slope and a steep lee face.
+            const double warp = 1.6 * noise.fbm(u * 3.0, v * 3.0, 3, 3);
+            double phase = (11.0 * u + 4.0 * v) + warp;
+            phase -= std::floor(phase);
+            const double ripple = phase < 0.75 ? phase / 0.75 : (1.0 - phase) / 0.25;
+            const double patches = 0.5 + 0.5 * noise.fbm(u * 4.0, v * 4.0, 4, 4);
+            const double fine = noise.fbm(u * 32.0, v * 32.0, 32, 2);
+            double k = 0.78 + 0.16 * ripple + 0.1 * fine + 0.1 * grain(x, y, 7u);
+            Rgba c = mixColour(dark, light, Maths::clamp(0.25 + 0.75 * patches, 0.0, 1.0));
+            // Scattered darker grains and shell fragments.
+            const Noise::Cells cells = noise.cellular(u * 48.0, v * 48.0, 48);
+            if (cells.f1 < 0.09)
+                k *= 0.78 + 0.22 * cells.f1 / 0.09;
+            image.at(x, y) = shade(c, k);
+        }
+    }
+    return image;
+}
+
+Image IslandArt::water() const
+{
+    const int size = 256;
+    Image image(size, size);
+    Noise noise(0x3A7Eu);
+    const Rgba deep{ 0.03f, 0.11f, 0.24f, 0.8f };
+    const Rgba shallow{ 0.07f, 0.23f, 0.38f, 0.84f };
+    const Rgba crest{ 0.55f, 0.75f, 0.92f, 0.95f };
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x) {
+            const double u = (x + 0.5) / size;
+            const double v = (y + 0.5) / size;
+            const double wx = u + 0.04 * noise.fbm(u * 4.0, v * 4.0, 4, 3);
+            const double wy = v + 0.04 * noise.fbm(u * 4.0 + 7.0, v * 4.0, 4, 3);
+            // Bright threads where wave cells meet, like moonlight caught on ripples.
+            const Noise::Cells a = noise.cellular(wx * 6.0, wy * 6.0, 6);
+            const Noise::Cells b = noise.cellular(wx * 11.0 + 0.5, wy * 11.0, 11);
+            const double lines = Maths::pow(1.0 - Maths::smoothstep(0.0, 0.22, a.f2 - a.f1), 3.0) * 0.55
+                + Maths::pow(1.0 - Maths::smoothstep(0.0, 0.2, b.f2 - b.f1), 3.0) * 0.2;
+            const double swell = 0.5 + 0.5 * noise.fbm(u * 3.0, v * 3.0, 3, 4);
+            Rgba c = mixColour(deep, shallow, swell);
+            c = mixColour(c, crest, Maths::clamp(lines, 0.0, 1.0) * 0.8);
+            image.at(x, y) = c;
+        }
+    }
+    return image;
+}
+
+void IslandArt::hullPlanks(Image& image, int x0, int y0, int w, int h) const
+{
+    Noise noise(0x4811u);
+    const int plank = 16;
+    const Rgba wood{ 0.42f, 0.24f, 0.13f, 1.0f };
+    const Rgba trim{ 0.78f, 0.58f, 0.2f, 1.0f };
+    for (int y = 0; y < h; ++y) {
+        const int row = y / plank;
+        const int within = y % plank;
+        // Planks are laid with staggered butt joints.
+        const int offset = (int)(Random::hash(row, 0, 0x77u) % (uint32_t)w);
+        const double tone = 0.8 + 0.35 * ((Random::hash(row, 1, 0x77u) & 255u) / 255.0);
+        for (int x = 0; x < w; ++x) {
+            const double u = (double)x / w;
+            const double v = (double)y / h;
+            const double streak = noise.fbm(u * 2.0, v * 48.0, 2, 4);
+            double k = tone * (0.86 + 0.22 * streak) + 0.05 * grain(x, y, 3u);
+            if (within == 0 || within == plank - 1)
+                k *= 0.45;
+            const int along = (x + offset) % 128;
+            if (along < 2)
+                k *= 0.5;
+            if ((along == 6 || along == 121) && (within == 4 || within == 11))
+                k *= 0.3; // nail heads
+            Rgba c = shade(wood, k);
+            // A painted strake runs along the top of the hull.
+            if (y >= plank && y < plank + 6)
+                c = shade(trim, 0.9 + 0.1 * streak);
+            image.at(x0 + x, y0 + y) = c;
+        }
+    }
+}
+
+void IslandArt::sailCloth(Image& image, int x0, int y0, int w, int h) const
+{
+    Noise noise(0x5A11u);
+    const Rgba cloth{ 0.9f, 0.86f, 0.75f, 1.0f };
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            const double u = (double)x / w;
+            const double v = (double)y / h;
+            const double weather = 0.5 + 0.5 * noise.fbm(u * 3.0, v * 3.0, 3, 4);
+            double k = 0.8 + 0.15 * weather + 0.04 * grain(x, y, 9u);
+            const int seam = x % 16;
+            if (seam == 0)
+                k *= 0.72;
+            else if (seam == 1 && (y % 4) < 2)
+                k *= 0.85; // stitching beside the seam
+            if (y % 32 == 0)
+                k *= 0.86; // reef line
+            image.at(x0 + x, y0 + y) = shade(cloth, k);
+        }
+    }
+}
+
+void IslandArt::deckPlanks(Image& image, int x0, int y0, int w, int h) const
+{
+    Noise noise(0xDEC4u);
+    const Rgba deck{ 0.66f, 0.51f, 0.34f, 1.0f };
+    const Rgba mast{ 0.2f, 0.12f, 0.07f, 1.0f };
+    const int deckHeight = h * 3 / 4;
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            const double u = (double)x / w;
+            const double v = (double)y / h;
+            const double streak = noise.fbm(u * 24.0, v * 2.0, 24, 4);
+            if (y >= deckHeight) {
+                image.at(x0 + x, y0 + y) = shade(mast, 0.85 + 0.25 * streak + 0.06 * grain(x, y, 5u));
+                continue;
+            }
+            const int column = x / 12;
+            const double tone = 0.85 + 0.25 * ((Random::hash(column, 2, 0x99u) & 255u) / 255.0);
+            double k = tone * (0.88 + 0.18 * streak) + 0.04 * grain(x, y, 4u);
+            if (x % 12 == 0)
+                k *= 0.4;
+            image.at(x0 + x, y0 + y) = shade(deck, k);
+        }
+    }
+}
+
+Image IslandArt::ship() const
+{
+    const int size = 256;
+    Image image(size, size);
+    hullPlanks(image, 0, 0, size, size / 2);
+    sailCloth(image, 0, size / 2, size / 2, size / 2);
+    deckPlanks(image, size / 2, size / 2, size / 2, size / 2);
+    return image;
+}
+
+Image IslandArt::particle() const
+{
+    const int size = 128;
+    Image image(size, size);
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x) {
+            const double dx = (x + 0.5) / size * 2.0 - 1.0;
+            const double dy = (y + 0.5) / size * 2.0 - 1.0;
+            const double r2 = dx * dx + dy * dy;
+            // A hot core inside a wide soft halo, faded to nothing before the edge.
+            const double core = Maths::exp(-r2 / (2.0 * 0.12 * 0.12));
+            const double halo = Maths::exp(-r2 / (2.0 * 0.35 * 0.35));
+            const double edge = 1.0 - Maths::smoothstep(0.6, 0.98, std::sqrt(r2));
+            const double i = Maths::clamp((0.55 * core + 0.6 * halo) * edge, 0.0, 1.0);
+            image.at(x, y) = Rgba{ (float)i, (float)i, (float)i, (float)i };
+        }
+    }
+    return image;
+}
+
+Image IslandArt::window() const
+{
+    const int size = 256;
+    Image image(size, size, Rgba{ 0.2f, 0.12f, 0.06f, 0.0f });
+    const double cx = size * 0.5;
+    const double left = 40.0;
+    const double right = size - 40.0;
+    const double top = 96.0;
+    const double bottom = size - 24.0;
+    const double archRadius = (right - left) * 0.5;
+    // The window's outline: a rectangle under a round arch.
+    auto outline = [&](double inset) {
+        std::vector<Point> points;
+        points.push_back(Point{ left + inset, bottom - inset });
+        for (int i = 0; i <= 32; ++i) {
+            const double a = Maths::pi - Maths::pi * i / 32.0;
+            points.push_back(Point{ cx + (archRadius - inset) * Maths::cos(a), top - (archRadius - inset) * Maths::sin(a) });
+        }
+        points.push_back(Point{ right - inset, bottom - inset });
+        return points;
+    };
+    Painter paint(image);
+    paint.polygon(outline(0.0), Rgba{ 0.24f, 0.14f, 0.07f, 1.0f });
+    paint.polygon(outline(5.0), Rgba{ 0.36f, 0.22f, 0.11f, 1.0f });
+    const std::vector<Point> glass = outline(14.0);
+    Image light(size, size);
+    Painter(light).polygon(glass, Rgba{ 1.0f, 1.0f, 1.0f, 1.0f });
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x) {
+            const double cover = light.at(x, y).a;
+            if (cover <= 0.0)
+                continue;
+            const double t = (double)y / size;
+            // Lamp light, brighter low in the room, with a faint curtain fold down one side.
+            const double fold = 0.85 + 0.15 * Maths::sin(x * 0.35) * Maths::smoothstep(0.7, 0.0, (x - left) / (right - left));
+            const Rgba warm{ (float)(1.0 * fold), (float)((0.62 + 0.25 * t) * fold), (float)((0.25 + 0.2 * t) * fold), 0.88f };
+            // Replaces the frame's colour rather than covering it, so the glass stays translucent.
+            image.at(x, y) = mixColour(image.at(x, y), warm, cover);
+        }
+    }
+    // Glazing bars.
+    const Rgba bar{ 0.3f, 0.18f, 0.09f, 1.0f };
+    paint.line(Point{ cx, top - archRadius + 12.0 }, Point{ cx, bottom - 12.0 }, 8.0, bar);
+    paint.line(Point{ left + 12.0, top + 40.0 }, Point{ right - 12.0, top + 40.0 }, 8.0, bar);
+    paint.line(Point{ left + 12.0, top }, Point{ right - 12.0, top }, 6.0, bar);
+    // The sill.
+    paint.roundRect(left - 14.0, bottom - 6.0, right + 14.0, bottom + 10.0, 3.0, Rgba{ 0.3f, 0.18f, 0.09f, 1.0f });
+    return image;
+}
+
+bool IslandArt::build(Forge& forge)
+{
+    bool ok = forge.savePng("img/sand4.png", sand(), 3);
+    ok = forge.savePng("img/water.png", water(), 4) && ok;
+    ok = forge.savePng("img/ship.png", ship(), 3) && ok;
+    ok = forge.savePng("img/particle.png", particle(), 3) && ok;
+    ok = forge.savePng("img/window02.png", window(), 4) && ok;
+    return ok;
+}
