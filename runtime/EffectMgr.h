@@ -30,6 +30,15 @@ public:
     unsigned getPendingCount() const { return pendingCount; }
     unsigned getRunningCount() const { return runningCount; }
 
+    // Visits every effect not started yet, the most recently added first. Before the first
+    // update that is the whole schedule: tools read it to find the entries' spans.
+    template <typename Visitor>
+    void forEachPending(Visitor visit) const
+    {
+        for (const node_t* node = pending; node; node = node->next)
+            visit(*node->effect);
+    }
+
 private:
     struct node_t {
         Effect* effect;

@@ -33,6 +33,10 @@ public:
 
     static const unsigned char KEY_ESCAPE = 27;
 
+protected:
+    // Offline renderers turn the music off: they must not open an audio device.
+    void setSoundEnabled(bool enabled) { soundEnabled = enabled; }
+
 private:
     // The state every scene may rely on when it starts.
     void setFixedGLState();
