@@ -1,0 +1,140 @@
+// The view frustum read back from OpenGL: planes, and the point, sphere, line and box tests.
+#include "scene/BoundingBox.h"
+#include "scene/Camera.h"
+#include "scene/Frustum.h"
+#include "support/GLContext.h"
+
+#include <GL/gl.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+// Looking down -z from the origin, 90 degrees, near 1, far 100: inside means |x|, |y| <= -z, 1 <= -z <= 100.
+class FrustumGL : public GLTest {
+protected:
+    void SetUp() override
+    {
+        GLTest::SetUp();
+        camera.lookAt(Vector3(0, 0, 0), Vector3(0, 0, -1));
+        camera.setClipPlanes(1.0f, 100.0f);
+        camera.setFOV(90.0f);
+        camera.resize(100, 100);
+    }
+
+    const Frustum& frustum() const { return camera.getFrustum(); }
+
+    Camera camera;
+};
+
+} // namespace
+
+TEST_F(FrustumGL, PlanesAreUnitLengthAndFaceInwards)
+{
+    for (int i = 0; i < Frustum::PLANE_COUNT; ++i) {
+        const Plane& plane = frustum().getPlane(i);
+        EXPECT_NEAR(plane.getNormal().length(), 1.0f, 1e-5f) << i;
+        EXPECT_GT(plane.distance(Vector3(0, 0, -50)), 0.0f) << i;
+    }
+    EXPECT_NEAR(frustum().getPlane(Frustum::NEAR_PLANE).distance(Vector3(0, 0, -1)), 0.0f, 1e-5f);
+    EXPECT_NEAR(frustum().getPlane(Frustum::FAR_PLANE).distance(Vector3(0, 0, -100)), 0.0f, 1e-3f);
+    EXPECT_GT(frustum().getPlane(Frustum::LEFT).distance(Vector3(5, 0, -10)),
+              frustum().getPlane(Frustum::LEFT).distance(Vector3(-5, 0, -10)));
+    EXPECT_GT(frustum().getPlane(Frustum::TOP).distance(Vector3(0, -5, -10)),
+              frustum().getPlane(Frustum::TOP).distance(Vector3(0, 5, -10)));
+}
+
+TEST_F(FrustumGL, Points)
+{
+    EXPECT_TRUE(frustum().isPointInside(Vector3(0, 0, -10)));
+    EXPECT_TRUE(frustum().isPointInside(Vector3(9.99f, -9.99f, -10)));
+    EXPECT_FALSE(frustum().isPointInside(Vector3(10.1f, 0, -10)));
+    EXPECT_FALSE(frustum().isPointInside(Vector3(0, 10.1f, -10)));
+    EXPECT_FALSE(frustum().isPointInside(Vector3(0, 0, -0.5f)));
+    EXPECT_FALSE(frustum().isPointInside(Vector3(0, 0, 10)));
+    EXPECT_FALSE(frustum().isPointInside(Vector3(0, 0, -150)));
+    EXPECT_EQ(frustum().getPointLocation(Vector3(0, 0, -10)), Frustum::INSIDE);
+    EXPECT_EQ(frustum().getPointLocation(Vector3(20, 0, -10)), Frustum::OUTSIDE);
+}
+
+TEST_F(FrustumGL, FarPlaneCountsOnlyWhileItsFlagIsSet)
+{
+    EXPECT_TRUE(camera.getFrustum().getFarTest());
+    camera.getFrustum().setFarTest(false);
+    EXPECT_TRUE(frustum().isPointInside(Vector3(0, 0, -150)));
+    EXPECT_TRUE(frustum().isSphereInside(Vector3(0, 0, -300), 1.0f));
+    EXPECT_FALSE(frustum().isPointInside(Vector3(0, 0, -0.5f)));
+    camera.getFrustum().setFarTest(true);
+    EXPECT_FALSE(frustum().isPointInside(Vector3(0, 0, -150)));
+}
+
+TEST_F(FrustumGL, SpheresThatTouchCountAsInside)
+{
+    // The right plane is x = -z; from (12, 0, -10) it lies 2 / sqrt(2) away.
+    const float gap = 2.0f / std::sqrt(2.0f);
+    EXPECT_TRUE(frustum().isSphereInside(Vector3(12, 0, -10), gap + 0.01f));
+    EXPECT_FALSE(frustum().isSphereInside(Vector3(12, 0, -10), gap - 0.01f));
+    EXPECT_TRUE(frustum().isSphereInside(Vector3(0, 0, -10), 0.5f));
+    EXPECT_TRUE(frustum().isSphereInside(Vector3(0, 0, 0.5f), 1.6f));
+    EXPECT_FALSE(frustum().isSphereInside(Vector3(0, 0, 5), 1.0f));
+}
+
+TEST_F(FrustumGL, SphereLocationAlwaysAnswersIntersecting)
+{
+    EXPECT_EQ(frustum().getSphereLocation(Vector3(0, 0, -10), 0.5f), Frustum::INTERSECTING);
+    EXPECT_EQ(frustum().getSphereLocation(Vector3(1000, 1000, 1000), 0.5f), Frustum::INTERSECTING);
+}
+
+TEST_F(FrustumGL, Boxes)
+{
+    EXPECT_TRUE(frustum().isBoxInside(BoundingBox(Vector3(-1, -1, -11), Vector3(1, 1, -9))));
+    EXPECT_EQ(frustum().getBoxLocation(BoundingBox(Vector3(-1, -1, -11), Vector3(1, 1, -9))), Frustum::INSIDE);
+    // Straddles the right plane.
+    EXPECT_TRUE(frustum().isBoxInside(BoundingBox(Vector3(9, -1, -11), Vector3(12, 1, -9))));
+    EXPECT_EQ(frustum().getBoxLocation(BoundingBox(Vector3(9, -1, -11), Vector3(12, 1, -9))),
+              Frustum::INTERSECTING);
+    // Wholly right of the frustum, and wholly behind the camera.
+    EXPECT_FALSE(frustum().isBoxInside(BoundingBox(Vector3(12, -1, -11), Vector3(14, 1, -9))));
+    EXPECT_FALSE(frustum().isBoxInside(BoundingBox(Vector3(-1, -1, 2), Vector3(1, 1, 3))));
+    EXPECT_EQ(frustum().getBoxLocation(BoundingBox(Vector3(-1, -1, 2), Vector3(1, 1, 3))), Frustum::OUTSIDE);
+    // A box enclosing the whole frustum has corners behind every plane, yet it is inside.
+    EXPECT_TRUE(frustum().isBoxInside(BoundingBox(Vector3(-500, -500, -500), Vector3(500, 500, 500))));
+}
+
+TEST_F(FrustumGL, Lines)
+{
+    EXPECT_TRUE(frustum().isLineInside(Vector3(0, 0, -5), Vector3(0, 0, -50)));
+    EXPECT_EQ(frustum().getLineLocation(Vector3(0, 0, -5), Vector3(0, 0, -50)), Frustum::INSIDE);
+    EXPECT_TRUE(frustum().isLineInside(Vector3(-30, 0, -10), Vector3(30, 0, -10)));
+    EXPECT_EQ(frustum().getLineLocation(Vector3(-30, 0, -10), Vector3(30, 0, -10)), Frustum::INTERSECTING);
+    EXPECT_FALSE(frustum().isLineInside(Vector3(20, 0, -10), Vector3(30, 0, -10)));
+}
+
+TEST_F(FrustumGL, TheBoxTestIsConservativeNearAnEdge)
+{
+    // Seen along (1, 1, -1), this box lies outside, beyond an edge where two
+    // planes meet, yet each plane has a corner in front of it.
+    camera.lookAt(Vector3(0, 0, 0), Vector3(1, 1, -1));
+    camera.lookAt();
+    BoundingBox box(Vector3(-12, 16, -16), Vector3(-7, 18, -8));
+    const int steps = 12;
+    for (int i = 0; i <= steps; ++i)
+        for (int j = 0; j <= steps; ++j)
+            for (int k = 0; k <= steps; ++k) {
+                Vector3 p = box.getMin() + (box.getMax() - box.getMin()) * Vector3(i, j, k) / steps;
+                ASSERT_FALSE(frustum().isPointInside(p)) << p;
+            }
+    EXPECT_TRUE(frustum().isBoxInside(box));
+}
+
+TEST_F(FrustumGL, ExplicitOverloadsReadTheCurrentMatrices)
+{
+    Frustum other;
+    other.update(Vector3(100, 100, 100), Vector3(1, 0, 0), Vector3(0, 1, 0), Vector3(0, 0, 1));
+    for (int i = 0; i < Frustum::PLANE_COUNT; ++i)
+        EXPECT_EQ(other.getPlane(i), frustum().getPlane(i)) << i;
+    Frustum again;
+    again.update(camera);
+    EXPECT_EQ(again.getPlane(Frustum::LEFT), frustum().getPlane(Frustum::LEFT));
+}
