@@ -184,14 +184,24 @@ TEST(TimelineLifecycle, NaNSpanIsNeverDue)
 
 TEST(TimelineLifecycle, EffectClockRunsApartFromTheSceneClock)
 {
+    // Notes its own clock when it is retired.
+    struct ClockProbe : Probe {
+        float& seen;
+        ClockProbe(Log& log, float& seen) : Probe("a", 0, 2.0f, 3.0f, log), seen(seen) {}
+        void shutdown() override
+        {
+            seen = getTimer().current;
+            Probe::shutdown();
+        }
+    };
     Log log;
+    float seen = 0.0f;
     EffectMgr mgr;
-    Probe* probe = new Probe("a", 0, 2.0f, 3.0f, log);
-    mgr.addEffect(probe);
+    mgr.addEffect(new ClockProbe(log, seen));
     mgr.initiate();
     mgr.update(2.5f);
     // Started at scene time 2.5, but its own clock began at its start, 2.
-    EXPECT_EQ(probe->getTimer().current, 4.5f);
+    EXPECT_EQ(seen, 4.5f);
     EXPECT_EQ(mgr.getRunningCount(), 0u);
     EXPECT_EQ(log, (Log{"initiate a", "update a", "shutdown a", "delete a"}));
 }

@@ -111,9 +111,18 @@ protected:
         return ids.substr(0, ids.find('\n'));
     }
 
+    static double now()
+    {
+        struct timespec clock;
+        clock_gettime(CLOCK_MONOTONIC, &clock);
+        return clock.tv_sec + clock.tv_nsec * 1e-9;
+    }
+
+    // Generous: a loaded machine and a sanitizer build start slowly.
     std::string waitForWindow()
     {
-        for (int i = 0; i < 200 && stillRunning(); ++i) {
+        double giveUp = now() + 60.0;
+        while (now() < giveUp && stillRunning()) {
             std::string id = window();
             if (!id.empty())
                 return id;
