@@ -1,0 +1,56 @@
+// Reading and printing the scene schedule.
+#include "Schedule.h"
+
+#include "runtime/Effect.h"
+#include "runtime/EffectMgr.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cxxabi.h>
+#include <typeinfo>
+
+namespace {
+
+std::string className(const Effect& effect)
+{
+    const char* mangled = typeid(effect).name();
+    int status = 0;
+    char* plain = abi::__cxa_demangle(mangled, nullptr, nullptr, &status);
+    std::string name = (status == 0 && plain) ? plain : mangled;
+    std::free(plain);
+    return name;
+}
+
+}
+
+void Schedule::read(const EffectMgr& effects)
+{
+    entries.clear();
+    effects.forEachPending([this](const Effect& effect) {
+        const EffectTimer& span = effect.getTimer();
+        entries.push_back(ScheduleEntry{0, className(effect), span.start, span.end, effect.getLayer()});
+    });
+    // The timeline keeps the latest addition at its head.
+    std::reverse(entries.begin(), entries.end());
+    for (size_t i = 0; i < entries.size(); ++i)
+        entries[i].number = static_cast<int>(i + 1);
+}
+
+double Schedule::getEnd() const
+{
+    double end = 0.0;
+    for (const ScheduleEntry& entry : entries)
+        end = std::max(end, static_cast<double>(entry.end));
+    return end;
+}
+
+void Schedule::print(std::ostream& out) const
+{
+    char line[160];
+    for (const ScheduleEntry& entry : entries) {
+        std::snprintf(line, sizeof line, "%3d %9.3f %9.3f %5d %s\n", entry.number, entry.start,
+                      entry.end, entry.layer, entry.name.c_str());
+        out << line;
+    }
+}

@@ -1,0 +1,34 @@
+// The demo's scene schedule as plain records: which effect runs when, read off the timeline.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+class EffectMgr;
+
+struct ScheduleEntry {
+    int number;       // 1-based, in the order the driver added the effects
+    std::string name; // the effect's class
+    float start;
+    float end;
+    short layer;
+};
+
+class Schedule {
+public:
+    // Reads every effect not started yet; call before the first update to get them all.
+    void read(const EffectMgr& effects);
+    void add(const ScheduleEntry& entry) { entries.push_back(entry); }
+
+    const std::vector<ScheduleEntry>& getEntries() const { return entries; }
+    bool isEmpty() const { return entries.empty(); }
+    // The latest end of any entry; 0 for an empty schedule.
+    double getEnd() const;
+
+    // One line per entry: number, start, end, layer, class.
+    void print(std::ostream& out) const;
+
+private:
+    std::vector<ScheduleEntry> entries;
+};
