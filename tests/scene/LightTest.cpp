@@ -4,6 +4,7 @@
 #include "scene/LightMgr.h"
 #include "scene/SpotLight.h"
 #include "support/GLContext.h"
+#include "ByteImage.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>
@@ -14,29 +15,9 @@
 #include <sstream>
 #include <string>
 
+using namespace bytes;
+
 namespace {
-
-std::string le32(uint32_t v)
-{
-    std::string s(4, '\0');
-    for (int i = 0; i < 4; ++i)
-        s[i] = static_cast<char>((v >> (8 * i)) & 0xff);
-    return s;
-}
-
-std::string f32(float f)
-{
-    uint32_t bits;
-    std::memcpy(&bits, &f, 4);
-    return le32(bits);
-}
-
-float fromBits(uint32_t bits)
-{
-    float f;
-    std::memcpy(&f, &bits, 4);
-    return f;
-}
 
 std::string saved(Light& light)
 {

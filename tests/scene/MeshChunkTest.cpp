@@ -7,6 +7,8 @@
 #include "texture/Material.h"
 #include "texture/MaterialMgr.h"
 
+#include "ByteImage.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -15,42 +17,12 @@
 #include <sstream>
 #include <string>
 
+using namespace bytes;
+
 namespace {
-
-float fromBits(uint32_t bits)
-{
-    float value;
-    std::memcpy(&value, &bits, 4);
-    return value;
-}
-
-uint32_t bitsOf(float value)
-{
-    uint32_t bits;
-    std::memcpy(&bits, &value, 4);
-    return bits;
-}
 
 // Values whose bits a careless conversion would change: NaN payload, -0, a denormal.
 const float oddValues[] = {fromBits(0x7fc12345u), -0.0f, fromBits(0x00000001u), 1.0e30f, -3.25f};
-
-std::string le32(uint32_t v)
-{
-    std::string s(4, '\0');
-    for (int i = 0; i < 4; ++i)
-        s[i] = static_cast<char>((v >> (8 * i)) & 0xff);
-    return s;
-}
-
-std::string le16(uint16_t v)
-{
-    return std::string{static_cast<char>(v & 0xff), static_cast<char>(v >> 8)};
-}
-
-std::string f32(float f)
-{
-    return le32(bitsOf(f));
-}
 
 VertexArray oddVertices()
 {
