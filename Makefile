@@ -6,7 +6,7 @@ XVFB     := xvfb-run -a -s "-screen 0 1280x1024x24"
 # Mesa and SDL keep a few allocations until exit; leaks are checked separately.
 SAN_ENV  := ASAN_OPTIONS=detect_leaks=0:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 
-.PHONY: all setup build run test test-plain test-asan clean
+.PHONY: all setup build run test test-plain test-asan bench clean
 
 all: build
 
@@ -31,6 +31,12 @@ test-asan: setup
 	cmake -S . -B $(ASAN) -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON
 	cmake --build $(ASAN) -j $(JOBS)
 	cd $(ASAN) && $(SAN_ENV) $(XVFB) ctest --output-on-failure -j $(JOBS)
+
+# Frame times per scene at two sizes under Xvfb; the figures name the renderer they ran on.
+BENCH_FPS ?= 10
+bench: build
+	cd $(BUILD) && for size in 640x480 1280x720; do \
+	  $(XVFB) ./velmora-capture --bench --fps $(BENCH_FPS) --size $$size || exit 1; echo; done
 
 clean:
 	rm -rf $(BUILD) $(ASAN)
