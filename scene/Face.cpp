@@ -97,9 +97,11 @@ bool Face::load(std::istream& in)
 
 bool Face::save(std::ostream& out) const
 {
+    if (numIndices > MAX_INDICES)
+        return false;
     Chunk::writeShort(out, static_cast<int16_t>(flags));
     Chunk::writeShort(out, static_cast<int16_t>(numIndices));
-    for (int i = 0; i < numIndices && i < MAX_INDICES; ++i)
+    for (int i = 0; i < numIndices; ++i)
         Chunk::writeInt(out, static_cast<int32_t>(indices[i]));
     const float values[3] = {normal.x, normal.y, normal.z};
     Chunk::writeFloats(out, values, 3);
