@@ -178,6 +178,13 @@ public:
         std::vector<int> notes;
         for (int t : picks) notes.push_back(place(c.root + t, low));
         std::sort(notes.begin(), notes.end());
+        // A semitone inside a close chord grates: open it by dropping the upper note an octave.
+        for (size_t i = 1; i < notes.size(); ++i)
+            if (notes[i] - notes[i - 1] == 1) {
+                notes[i] -= 12;
+                std::sort(notes.begin(), notes.end());
+                i = 0;
+            }
         return notes;
     }
 
@@ -194,6 +201,20 @@ public:
                 score.note(row + static_cast<int>(i) * rowsPer, chans[k], v[k], ins, volume);
             }
             previous = v;
+        }
+    }
+
+    // Short chord hits at the given rows of each chord, each released after `length` rows.
+    void stabs(int row, const std::vector<Chord>& prog, int rowsPer, std::initializer_list<int> at, int length,
+               int volume, int low, int ins, const int* chans) {
+        for (size_t i = 0; i < prog.size(); ++i) {
+            const std::vector<Chord> one(1, prog[i]);
+            for (int k : at) {
+                const int r = row + static_cast<int>(i) * rowsPer + k;
+                pads(r, one, rowsPer, volume, low, ins, chans);
+                for (int v = 0; v < 3; ++v)
+                    if (score.at(r + length, chans[v]).note == 0) score.keyOff(r + length, chans[v]);
+            }
         }
     }
 
@@ -372,16 +393,17 @@ void logo(Writer& w, int r0) {
     for (size_t i = 0; i < prog.size(); ++i) {
         const int r = r0 + static_cast<int>(i) * kBar;
         const std::vector<Chord> one(1, prog[i]);
-        const char* rhythm = i < 2 ? "X..X..X.X......." : "X...............";
-        for (int k = 0; k < kBar; ++k)
-            if (rhythm[k] == 'X') w.pads(r + k, one, kBar, 40, noteOf("F4"), Synth::Brass, stabChans);
-        w.hits(r, kBar, Kick, Synth::Kick, rhythm, 56);
-        w.bassLine(r, one, kBar, rhythm, 46);
+        const bool last = i + 1 == prog.size();
+        if (last)
+            w.stabs(r, one, kBar, {0}, 12, 44, noteOf("F4"), Synth::Brass, stabChans);
+        else
+            w.stabs(r, one, kBar, {0, 3, 6, 8}, 2, 40, noteOf("F4"), Synth::Brass, stabChans);
+        w.hits(r, kBar, Kick, Synth::Kick, last ? "X..............." : "X..X..X.X.......", 56);
+        w.bassLine(r, one, kBar, last ? "R..............." : "R..R..R.R.......", 46);
     }
     w.pads(r0, prog, kBar, 20);
     w.melody(r0, phrase("F5:3 F5:3 F5:2 Bb5:8 G5:3 G5:3 G5:2 C6:8 D6:16"), LeadCh, Synth::Lead, 44);
     w.fill(r0 + 40, 8, 46);
-    w.release(r0 + 44, {Stab1, Stab2, Lead2});
     // The break: the pad dies away under the first notes of the theme, bubbling.
     for (int ch : {Pad1, Pad2, Pad3}) w.ramp(r0 + 48, 12, ch, 20, 8);
     w.melody(r0 + 48, phrase("D5:3 E5:3 F5:3 A5:3"), Arp, Synth::Bell, 22, false);
@@ -479,11 +501,8 @@ void flipperLand(Writer& w, int r0) {
     w.hits(r0, 128, Hat, Synth::ClosedHat, "x.x.x.x.x.x.x.xx", 34);
     w.hits(r0, 128, Perc, Synth::OpenHat, "..X...X...X...X.", 26);
     w.bassLine(r0, std::vector<Chord>(prog.begin(), prog.begin() + 8), kBar, "R..O..R.R..O.RO.", 42);
-    for (int b = 0; b < 8; ++b) {
-        const std::vector<Chord> one(1, prog[b]);
-        for (int k : {2, 5, 10, 13})
-            w.pads(r0 + b * kBar + k, one, kBar, 30, noteOf("A4"), Synth::Pluck, stabChans);
-    }
+    w.stabs(r0, std::vector<Chord>(prog.begin(), prog.begin() + 8), kBar, {2, 5, 10, 13}, 2, 30, noteOf("A4"),
+            Synth::Pluck, stabChans);
     const char* bars =
         "A5:2 r:1 A5:1 C6:2 A5:2 F5:3 G5:3 A5:2 "
         "G5:2 r:1 G5:1 E5:2 C5:2 E5:3 G5:3 C6:2 "
@@ -560,11 +579,7 @@ void city(Writer& w, int r0) {
         w.melody(r, theme, LeadCh, Synth::Lead, 46);
         w.melody(r, Writer::harmony(theme, prog, kBar), Lead2, Synth::Lead, 30);
         w.bassLine(r, prog, kBar, "R.R.O.R.R.R.O.RO", 44);
-        for (int b = 0; b < 8; ++b) {
-            const std::vector<Chord> one(1, prog[b]);
-            for (int k : {2, 6, 10, 14})
-                w.pads(r + b * kBar + k, one, kBar, pass ? 30 : 22, noteOf("G4"), Synth::Brass, stabChans);
-        }
+        w.stabs(r, prog, kBar, {2, 6, 10, 14}, 2, pass ? 30 : 22, noteOf("G4"), Synth::Brass, stabChans);
     }
     w.release(r0 + 256, {Stab1, Stab2, Perc});
     w.hits(r0, 256, Kick, Synth::Kick, "X...X...X...X...", 56);
