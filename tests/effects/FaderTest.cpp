@@ -1,7 +1,6 @@
 // Colour fades: the opacity ramp and its clamps, what they draw, and the GL state they leave.
 #include "effects/Fader.h"
 #include "effects/TextureFader.h"
-#include "runtime/EffectMgr.h"
 
 #include "support/GLContext.h"
 
@@ -14,24 +13,19 @@ namespace {
 const Color white(1.0f, 1.0f, 1.0f, 1.0f);
 const Color black(0.0f, 0.0f, 0.0f, 1.0f);
 
-void expectPixel(int x, int y, int r, int g, int b, int tolerance = 0)
-{
-    unsigned char rgba[4];
-    GLContext::readPixel(x, y, rgba);
-    EXPECT_NEAR(rgba[0], r, tolerance) << "at " << x << "," << y;
-    EXPECT_NEAR(rgba[1], g, tolerance) << "at " << x << "," << y;
-    EXPECT_NEAR(rgba[2], b, tolerance) << "at " << x << "," << y;
-}
-
+// Checks the corners and the centre of the frame.
 void expectWholeFrame(int r, int g, int b, int tolerance = 0)
 {
     int w = GLContext::width() - 1;
     int h = GLContext::height() - 1;
-    expectPixel(0, 0, r, g, b, tolerance);
-    expectPixel(w, 0, r, g, b, tolerance);
-    expectPixel(0, h, r, g, b, tolerance);
-    expectPixel(w, h, r, g, b, tolerance);
-    expectPixel(w / 2, h / 2, r, g, b, tolerance);
+    const int points[][2] = {{0, 0}, {w, 0}, {0, h}, {w, h}, {w / 2, h / 2}};
+    for (const auto& p : points) {
+        unsigned char rgba[4];
+        GLContext::readPixel(p[0], p[1], rgba);
+        EXPECT_NEAR(rgba[0], r, tolerance) << "at " << p[0] << "," << p[1];
+        EXPECT_NEAR(rgba[1], g, tolerance) << "at " << p[0] << "," << p[1];
+        EXPECT_NEAR(rgba[2], b, tolerance) << "at " << p[0] << "," << p[1];
+    }
 }
 
 // A fader from 35 to 36 s, started and advanced by the given frame times.
@@ -46,25 +40,18 @@ Fader started(const Color& colour, std::initializer_list<float> frames)
 
 }
 
-TEST(FaderRamp, InitiateAimsFullCoverAtTheMiddle)
-{
-    Fader fader(white, 100, EffectTimer(141.5f, 143.5f));
-    EXPECT_EQ(fader.getAlpha(), 0.0f);
-    EXPECT_EQ(fader.getRate(), 0.0f);
-    fader.initiate();
-    EXPECT_EQ(fader.getRate(), 1.0f);
-    EXPECT_EQ(fader.getAlpha(), 0.0f);
-}
-
 TEST(FaderRamp, RisesToOneAtTheMiddleAndFallsToZeroAtTheEnd)
 {
     Fader fader(white, 100, EffectTimer(35.0f, 36.0f));
+    EXPECT_EQ(fader.getRate(), 0.0f);
     fader.initiate();
-    const float expected[] = {0.5f, 1.0f, 0.5f, 0.0f};
-    for (float alpha : expected) {
+    EXPECT_EQ(fader.getRate(), 2.0f);
+    for (float alpha : {0.5f, 1.0f, 0.5f, 0.0f}) {
         fader.update(0.25f);
         EXPECT_EQ(fader.getAlpha(), alpha);
     }
+    // Landing on 0 exactly still counts as descending.
+    EXPECT_EQ(fader.getRate(), -2.0f);
     EXPECT_EQ(fader.getTimer().current, 36.0f);
 }
 
@@ -72,7 +59,6 @@ TEST(FaderRamp, OvershootPastTheMiddleLandsOnExactlyOne)
 {
     Fader fader = started(white, {0.7f});
     EXPECT_EQ(fader.getAlpha(), 1.0f);
-    EXPECT_EQ(fader.getRate(), -2.0f);
     // The descent starts from 1, not from the dropped 1.4.
     fader.update(0.125f);
     EXPECT_EQ(fader.getAlpha(), 0.75f);
@@ -87,62 +73,30 @@ TEST(FaderRamp, GoingBelowZeroStopsTheFade)
     EXPECT_EQ(fader.getAlpha(), 0.0f);
 }
 
-TEST(FaderRamp, LandingOnZeroKeepsDescending)
-{
-    Fader fader = started(white, {0.5f, 0.5f});
-    EXPECT_EQ(fader.getAlpha(), 0.0f);
-    EXPECT_EQ(fader.getRate(), -2.0f);
-}
-
-TEST(FaderRamp, TimelineRetiresItAfterItsSpan)
-{
-    EffectMgr mgr;
-    mgr.addEffect(new Fader(white, 100, EffectTimer(1.0f, 2.0f)));
-    mgr.initiate();
-    mgr.update(0.75f);
-    EXPECT_EQ(mgr.getRunningCount(), 0u);
-    mgr.update(0.25f);
-    EXPECT_EQ(mgr.getRunningCount(), 1u);
-    // Its own clock reaches exactly its end and it still runs.
-    mgr.update(0.75f);
-    EXPECT_EQ(mgr.getRunningCount(), 1u);
-    mgr.update(0.25f);
-    EXPECT_EQ(mgr.getRunningCount(), 0u);
-}
-
-TEST(TextureFaderRamp, KeepsItsOwnCopyOfTheName)
+TEST(TextureFaderRamp, KeepsItsNameAndNeverRises)
 {
     char name[] = "data/img/flash.png";
     TextureFader fader(name, white, 100, EffectTimer(0.0f, 1.0f));
     std::strcpy(name, "changed");
     EXPECT_STREQ(fader.getTextureName(), "data/img/flash.png");
-    fader.shutdown();
-    EXPECT_EQ(fader.getTextureName(), nullptr);
-}
-
-TEST(TextureFaderRamp, InitiateLeavesTheRateAtZero)
-{
-    TextureFader fader("flash.png", white, 100, EffectTimer(0.0f, 1.0f));
     fader.initiate();
     fader.update(0.5f);
-    EXPECT_EQ(fader.getRate(), 0.0f);
     EXPECT_EQ(fader.getAlpha(), 0.0f);
-    EXPECT_EQ(fader.getTimer().current, 0.5f);
+    fader.shutdown();
+    EXPECT_EQ(fader.getTextureName(), nullptr);
 }
 
 class FaderDraw : public GLTest {};
 
 TEST_F(FaderDraw, WhiteAtTheMiddleCoversABlackFrame)
 {
-    Fader fader = started(white, {0.5f});
-    fader.display();
+    started(white, {0.5f}).display();
     expectWholeFrame(255, 255, 255);
 }
 
 TEST_F(FaderDraw, WhiteAtAQuarterIsMidGrey)
 {
-    Fader fader = started(white, {0.25f});
-    fader.display();
+    started(white, {0.25f}).display();
     expectWholeFrame(128, 128, 128, 1);
 }
 
@@ -150,43 +104,19 @@ TEST_F(FaderDraw, BlackAtTheMiddleCoversAWhiteFrame)
 {
     glClearColor(1, 1, 1, 1);
     glClear(GL_COLOR_BUFFER_BIT);
-    Fader fader = started(black, {0.5f});
-    fader.display();
+    started(black, {0.5f}).display();
     expectWholeFrame(0, 0, 0);
 }
 
 TEST_F(FaderDraw, TheColoursOwnAlphaHasNoEffect)
 {
-    Fader fader = started(Color(1.0f, 0.0f, 1.0f, 0.0f), {0.5f});
-    fader.display();
+    started(Color(1.0f, 0.0f, 1.0f, 0.0f), {0.5f}).display();
     expectWholeFrame(255, 0, 255);
 }
 
-TEST_F(FaderDraw, ClearFaderLeavesTheFrameAlone)
+TEST_F(FaderDraw, UntexturedTextureFaderDrawsItsFlatColour)
 {
-    Fader fader(white, 100, EffectTimer(0.0f, 1.0f));
-    fader.initiate();
-    fader.display();
-    expectWholeFrame(0, 0, 0);
-}
-
-TEST_F(FaderDraw, CoversWhateverTheSceneLeftInTheMatrices)
-{
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glFrustum(-1, 1, -1, 1, 1, 100);
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    glTranslatef(5, -3, -40);
-    glRotatef(70, 1, 0, 0);
-    Fader fader = started(white, {0.5f});
-    fader.display();
-    expectWholeFrame(255, 255, 255);
-}
-
-TEST_F(FaderDraw, UntexturedTextureFaderDrawsItsFlatColourWhenOpaque)
-{
-    // The ramp never rises on its own; drive it as a plain fader would be.
+    // Its own ramp never rises; drive it as a plain fader would be.
     TextureFader fader("flash.png", white, 100, EffectTimer(35.0f, 36.0f));
     fader.Fader::initiate();
     fader.update(0.5f);
@@ -194,52 +124,40 @@ TEST_F(FaderDraw, UntexturedTextureFaderDrawsItsFlatColourWhenOpaque)
     expectWholeFrame(255, 255, 255);
 }
 
-TEST_F(FaderDraw, RestoresMatricesAndTheSceneState)
+TEST_F(FaderDraw, CoversWhateverTheSceneLeftAndRestoresIt)
 {
     glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
     glFrustum(-1, 1, -1, 1, 1, 100);
     glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    glTranslatef(1, 2, 3);
-    GLfloat projection[16], modelview[16];
-    glGetFloatv(GL_PROJECTION_MATRIX, projection);
-    glGetFloatv(GL_MODELVIEW_MATRIX, modelview);
+    glTranslatef(5, -3, -40);
+    glRotatef(70, 1, 0, 0);
+    GLfloat before[32], after[32];
+    glGetFloatv(GL_PROJECTION_MATRIX, before);
+    glGetFloatv(GL_MODELVIEW_MATRIX, before + 16);
 
-    Fader fader = started(white, {0.5f});
-    fader.display();
+    started(white, {0.5f}).display();
+    expectWholeFrame(255, 255, 255);
 
-    GLfloat after[16];
     glGetFloatv(GL_PROJECTION_MATRIX, after);
-    EXPECT_EQ(0, std::memcmp(projection, after, sizeof after));
-    glGetFloatv(GL_MODELVIEW_MATRIX, after);
-    EXPECT_EQ(0, std::memcmp(modelview, after, sizeof after));
+    glGetFloatv(GL_MODELVIEW_MATRIX, after + 16);
+    EXPECT_EQ(0, std::memcmp(before, after, sizeof after));
     GLint mode = 0;
     glGetIntegerv(GL_MATRIX_MODE, &mode);
     EXPECT_EQ(mode, GL_MODELVIEW);
-    EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
-    EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
-    EXPECT_FALSE(glIsEnabled(GL_BLEND));
-    EXPECT_FALSE(glIsEnabled(GL_COLOR_MATERIAL));
+    EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST) && glIsEnabled(GL_CULL_FACE));
+    EXPECT_FALSE(glIsEnabled(GL_BLEND) || glIsEnabled(GL_COLOR_MATERIAL));
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     glDisable(GL_CULL_FACE);
     glDisable(GL_DEPTH_TEST);
 }
 
-TEST_F(FaderDraw, LeavesLightingOffOnceItWasOn)
+TEST_F(FaderDraw, LightingOnIsLeftOffAndOffIsLeftAlone)
 {
     glEnable(GL_LIGHTING);
-    Fader fader = started(white, {0.5f});
-    fader.display();
+    started(white, {0.5f}).display();
     EXPECT_FALSE(glIsEnabled(GL_LIGHTING));
     // Lit drawing would have darkened the quad to the ambient term.
     expectWholeFrame(255, 255, 255);
-}
-
-TEST_F(FaderDraw, DoesNotTouchLightingThatWasOff)
-{
-    glDisable(GL_LIGHTING);
-    Fader fader = started(white, {0.5f});
-    fader.display();
+    started(white, {0.5f}).display();
     EXPECT_FALSE(glIsEnabled(GL_LIGHTING));
 }
