@@ -306,6 +306,12 @@ public:
         }
     }
 
+    // A little snare pickup on the last beat of a phrase.
+    void turnaround(int row, int volume) {
+        hits(row, 4, Snare, Synth::Snare, ".oxX", volume);
+        score.note(row + 2, Perc, noteOf("G4"), Synth::Tom, volume * 2 / 3);
+    }
+
     void crash(int row, int volume) { score.note(row, Cymbal, kC4, Synth::Crash, volume); }
 
     // Looped noise gliding up or down while its volume follows a ramp.
@@ -372,7 +378,9 @@ void islands(Writer& w, int r0) {
         w.bassLine(r, prog, kBar, "R..R..O.R..R..F.", 40);
         w.hits(r, 128, Kick, Synth::Kick, "X.......X.x.....", 52);
         w.hits(r, 128, Snare, Synth::Snare, "....X.......X...", 42);
+        w.turnaround(r + 60, 40);
     }
+    w.turnaround(r0 + 124, 44);
     w.hits(r0, 128, Hat, Synth::ClosedHat, "x.o.x.o.x.o.x.o.", 40);
     w.hits(r0 + 128, 128, Hat, Synth::ClosedHat, "xooox.oox.ooxoxo", 40);
     w.hits(r0 + 128, 128, Perc, Synth::OpenHat, "..............o.", 40);
@@ -535,7 +543,9 @@ void spaceCraft(Writer& w, int r0) {
         w.hits(r, 128, Kick, Synth::Kick, "X.......X.X.....", 54);
         w.hits(r, 128, Snare, Synth::Snare, "....X.......X...", 44);
         w.bassLine(r, prog, kBar, "R..R..O.R.R..RO.", 42);
+        w.turnaround(r + 60, 42);
     }
+    w.turnaround(r0 + 124, 46);
     w.pads(r0 + 128, prog, kBar, 16, noteOf("F4"), Synth::Brass, brassChans);
     w.hits(r0, 128, Hat, Synth::ClosedHat, "x.o.x.o.x.o.x.oo", 40);
     w.hits(r0 + 128, 128, Hat, Synth::ClosedHat, "xoxoxoxoxoxoxoxo", 40);
@@ -582,6 +592,7 @@ void city(Writer& w, int r0) {
         w.stabs(r, prog, kBar, {2, 6, 10, 14}, 2, pass ? 30 : 22, noteOf("G4"), Synth::Brass, stabChans);
     }
     w.release(r0 + 256, {Stab1, Stab2, Perc});
+    for (int r = r0 + 60; r < r0 + 256; r += 64) w.turnaround(r, 44);
     w.hits(r0, 256, Kick, Synth::Kick, "X...X...X...X...", 56);
     w.hits(r0, 256, Snare, Synth::Snare, "....X.......X...", 44);
     w.hits(r0, 256, Hat, Synth::ClosedHat, "xoxoXoxoxoxoXoxo", 42);
@@ -646,6 +657,18 @@ void outro(Writer& w, int r0) {
     w.release(last + rows, {Pad1, Pad2, Pad3, BassCh, LeadCh});
 }
 
+// Channel faders in percent, applied to every volume the arrangement wrote:
+// the balance of the whole mix lives here rather than in each section.
+void mixdown(Score& score) {
+    static const int faders[] = {115, 115, 110, 110, 100, 70, 100, 100, 100, 125, 120, 125, 125, 100, 110, 110};
+    for (int r = 0; r < score.rows(); ++r)
+        for (int ch = 0; ch < score.channels(); ++ch) {
+            const uint8_t v = score.at(r, ch).volume;
+            if (v >= 0x10 && v <= 0x50)
+                score.volume(r, ch, (v - 0x10) * faders[ch] / 100);
+        }
+}
+
 }  // namespace
 
 std::vector<int> Song::sectionRows() {
@@ -667,6 +690,7 @@ XmModule Song::compose() {
                                               flipperLand, spaceCraft, cockpit, city, blowUp, outro};
     for (size_t i = 0; i < sizeof(sections) / sizeof(sections[0]); ++i)
         sections[i](w, starts[i]);
+    mixdown(score);
 
     XmModule module;
     module.name = "Velmora";
