@@ -49,3 +49,11 @@ bool Forge::savePng(const std::string& relative, const Image& image, int channel
     record(full, ok);
     return ok;
 }
+
+bool Forge::saveFile(const std::string& relative, const std::function<bool(const std::string&)>& writer)
+{
+    const std::string full = path(relative);
+    const bool ok = prepare(full) && writer(full);
+    record(full, ok);
+    return ok;
+}

@@ -1,6 +1,7 @@
 // The output side of the content forge: where files go, and what was written.
 #pragma once
 
+#include <functional>
 #include <string>
 
 class Image;
@@ -15,6 +16,9 @@ public:
     // Writes a PNG with 3 or 4 channels, making folders as needed. A failure
     // prints the path on standard error and is counted.
     bool savePng(const std::string& relative, const Image& image, int channels);
+
+    // Writes any other kind of file through `writer`, given the full path.
+    bool saveFile(const std::string& relative, const std::function<bool(const std::string&)>& writer);
 
     int files() const { return fileCount; }
     long long bytes() const { return byteCount; }

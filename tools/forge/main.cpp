@@ -4,6 +4,7 @@
 #include "Forge.h"
 #include "IslandArt.h"
 #include "LogoArt.h"
+#include "MeshArt.h"
 #include "SkyArt.h"
 #include "TunnelArt.h"
 
@@ -24,6 +25,7 @@ int main(int argc, char** argv)
     IslandArt().build(forge);
     SkyArt().build(forge);
     TunnelArt().build(forge);
+    MeshArt().build(forge);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     std::printf("velmora-forge: %d files, %.2f MB in %.2f s\n", forge.files(), forge.bytes() / 1048576.0, seconds);
     return forge.failures() == 0 ? 0 : 1;

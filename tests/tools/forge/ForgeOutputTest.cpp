@@ -1,6 +1,9 @@
 // The forge program end to end: the tree it writes, byte-identical twice, and each picture's layout rules.
 #include "PngFile.h"
 
+#include "scene/Mesh.h"
+#include "texture/MaterialMgr.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,6 +14,7 @@
 #include <iterator>
 #include <map>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -151,7 +155,7 @@ TEST_F(ForgeOutput, RunsCleanlyAndReportsItsWork)
 {
     EXPECT_EQ(firstStatus, 0) << firstOutput;
     EXPECT_EQ(secondStatus, 0);
-    EXPECT_NE(firstOutput.find("velmora-forge: 13 files"), std::string::npos) << firstOutput;
+    EXPECT_NE(firstOutput.find("velmora-forge: 21 files"), std::string::npos) << firstOutput;
     EXPECT_NE(firstOutput.find(" MB in "), std::string::npos) << firstOutput;
 }
 
@@ -326,6 +330,59 @@ TEST_F(ForgeOutput, WindowIsClearOutsideAndTranslucentInside)
     EXPECT_GT(glass, 180);
     EXPECT_LT(glass, 255);
     EXPECT_GT(png.pixel(90, 200)[0], png.pixel(90, 200)[2]); // warm light
+}
+
+struct MeshFile {
+    const char* path;
+    bool clockwise;
+    const char* material;
+};
+
+const MeshFile meshFiles[] = {
+    { "3d/ship.msh", true, "ShipMaterial" },
+    { "3d/fugl1.msh", true, "BirdBody" },
+    { "3d/fugl2.msh", true, "BirdBody" },
+    { "3d/leaf.msh", false, "TunnelObject" },
+    { "3d/worm.msh", false, "TunnelObject" },
+    { "3d/spike.msh", false, "TunnelObject" },
+    { "3d/fan2.msh", false, "TunnelObject" },
+    { "3d/fanholder2.msh", false, "TunnelObject" },
+};
+
+TEST_F(ForgeOutput, MeshesLoadInTheEngineWithTheirMaterialsAndWinding)
+{
+    // Texture names inside the files are relative to the demo's working directory.
+    char previous[4096];
+    ASSERT_NE(getcwd(previous, sizeof previous), nullptr);
+    ASSERT_EQ(chdir(first.c_str()), 0);
+    for (const MeshFile& file : meshFiles) {
+        MaterialMgr::getHandle()->shutdown();
+        Mesh mesh;
+        const std::string path = std::string("data/") + file.path;
+        ASSERT_TRUE(mesh.load(path.c_str())) << file.path;
+        ASSERT_NE(MaterialMgr::getHandle()->find(file.material), nullptr) << file.path;
+        const FaceArray& faces = *mesh.getFaces();
+        const VertexArray& vertices = *mesh.getVertices();
+        EXPECT_GE(faces.getNumFaces(), 100) << file.path;
+        int agree = 0;
+        for (int f = 0; f < faces.getNumFaces(); ++f) {
+            const Face& face = faces[f];
+            ASSERT_EQ(face.numIndices, 3);
+            for (int k = 0; k < 3; ++k)
+                ASSERT_LT(face.indices[k], (uint32_t)vertices.getNumVertices()) << file.path;
+            ASSERT_NE(face.material, nullptr) << file.path << " face " << f;
+            const Vector3& a = vertices[(int)face.indices[0]].position;
+            const Vector3& b = vertices[(int)face.indices[1]].position;
+            const Vector3& c = vertices[(int)face.indices[2]].position;
+            agree += (b - a).cross(c - a).dot(face.normal) > 0.0f;
+        }
+        // The stored normals point out; the index order runs against them exactly when the mesh is drawn clockwise.
+        EXPECT_EQ(agree, file.clockwise ? 0 : faces.getNumFaces()) << file.path;
+        for (int i = 0; i < vertices.getNumVertices(); ++i)
+            ASSERT_NEAR(vertices[i].normal.length(), 1.0f, 1e-4f) << file.path;
+    }
+    MaterialMgr::getHandle()->shutdown();
+    ASSERT_EQ(chdir(previous), 0);
 }
 
 TEST(ForgeProgram, WrongUsageExitsWithTwo)
