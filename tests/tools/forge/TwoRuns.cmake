@@ -1,0 +1,11 @@
+# Runs the forge twice into fresh folders for the output tests, keeping the first run's report.
+file(REMOVE_RECURSE ${OUT})
+file(MAKE_DIRECTORY ${OUT}/a ${OUT}/b)
+execute_process(COMMAND ${FORGE} ${OUT}/a OUTPUT_VARIABLE report ERROR_VARIABLE report RESULT_VARIABLE first)
+file(WRITE ${OUT}/a.log "${report}")
+execute_process(COMMAND ${FORGE} ${OUT}/b OUTPUT_QUIET ERROR_QUIET RESULT_VARIABLE second)
+file(WRITE ${OUT}/status "${first} ${second}")
+if(NOT first EQUAL 0 OR NOT second EQUAL 0)
+  message(FATAL_ERROR "velmora-forge failed: ${report}")
+endif()
+file(WRITE ${OUT}/ready "")
