@@ -57,7 +57,7 @@ void BenchReport::print(std::ostream& out, const Schedule& schedule, const std::
     out << line;
     for (const ScheduleEntry& entry : schedule.getEntries()) {
         char label[120];
-        std::snprintf(label, sizeof label, "%2d %-18.18s %8.3f-%8.3f s", entry.number, entry.name.c_str(),
+        std::snprintf(label, sizeof label, "%2d %-18.18s %7.3f to %7.3f s", entry.number, entry.name.c_str(),
                       entry.start, entry.end);
         printRow(out, label, statsBetween(entry.start, entry.end));
     }

@@ -1,6 +1,7 @@
 // Parsing and checking of the capture program's options.
 #include "CaptureOptions.h"
 
+#include <cctype>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
@@ -9,9 +10,15 @@
 namespace {
 
 // A whole decimal number and nothing else.
+bool startsLikeANumber(const char* text)
+{
+    // strtol and strtod would skip leading blanks and take a '+': neither is a number here.
+    return text && (std::isdigit(static_cast<unsigned char>(text[0])) || text[0] == '-' || text[0] == '.');
+}
+
 bool readInteger(const char* text, long& value)
 {
-    if (!text || !*text)
+    if (!startsLikeANumber(text))
         return false;
     char* end = nullptr;
     errno = 0;
@@ -22,7 +29,7 @@ bool readInteger(const char* text, long& value)
 // A finite decimal number and nothing else ("inf", "nan" and hex floats are refused).
 bool readSeconds(const char* text, double& value)
 {
-    if (!text || !*text || std::strpbrk(text, "xXnNiI"))
+    if (!startsLikeANumber(text) || std::strpbrk(text, "xXnNiI"))
         return false;
     char* end = nullptr;
     errno = 0;
@@ -74,6 +81,20 @@ bool readShots(const char* text, std::vector<double>& shots, std::string& error)
     }
 }
 
+bool isFlagOption(const std::string& name)
+{
+    return name == "--bench" || name == "--list" || name == "--help" || name == "-h";
+}
+
+bool isValueOption(const std::string& name)
+{
+    for (const char* known : {"--size", "--fps", "--from", "--to", "--frames", "--shot", "--shot-dir", "--video"}) {
+        if (name == known)
+            return true;
+    }
+    return false;
+}
+
 }
 
 CaptureOptions::CaptureOptions()
@@ -108,7 +129,11 @@ bool CaptureOptions::parse(int argc, const char* const* argv, std::string& error
             value = argv[i] + equals + 1;
             name.erase(equals);
         }
-        bool takesValue = name != "--bench" && name != "--list" && name != "--help" && name != "-h";
+        bool takesValue = isValueOption(name);
+        if (!takesValue && !isFlagOption(name)) {
+            error = "unknown option '" + name + "'";
+            return false;
+        }
         if (takesValue && !value) {
             if (i + 1 >= argc) {
                 error = name + " needs a value";
@@ -157,9 +182,6 @@ bool CaptureOptions::parseOne(const std::string& name, const char* value, std::s
         }
         std::string& target = name == "--frames" ? framesDir : name == "--video" ? videoFile : shotDir;
         target = value;
-    } else {
-        error = "unknown option '" + name + "'";
-        return false;
     }
     return true;
 }

@@ -8,6 +8,8 @@
 namespace {
 
 const size_t CHUNK_FRAMES = 4096;
+// Seeks land on the song's rows; anything further off is not worth playing through.
+const double MAX_SEEK_ERROR = 1.0;
 
 void putLittle(std::vector<uint8_t>& out, uint32_t value, int bytes)
 {
@@ -47,15 +49,21 @@ bool readWhole(const std::string& file, std::vector<char>& data, std::string& er
 
 }
 
-SoundtrackRenderer::SoundtrackRenderer()
-    : module(nullptr)
+openmpt_module* SoundtrackRenderer::open() const
 {
-}
-
-SoundtrackRenderer::~SoundtrackRenderer()
-{
-    if (module)
-        openmpt_module_destroy(module);
+    if (song.empty())
+        return nullptr;
+    openmpt_module* module = openmpt_module_create_from_memory2(
+        song.data(), song.size(), openmpt_log_func_silent, nullptr, openmpt_error_func_ignore, nullptr,
+        nullptr, nullptr, nullptr);
+    if (!module)
+        return nullptr;
+    // The same settings as the demo's own player: loop forever, no dither noise. Notes
+    // sounding at the start time are picked up mid-way instead of being dropped.
+    openmpt_module_set_repeat_count(module, -1);
+    openmpt_module_ctl_set_integer(module, "dither", 0);
+    openmpt_module_ctl_set_boolean(module, "seek.sync_samples", 1);
+    return module;
 }
 
 bool SoundtrackRenderer::load(const std::string& file, std::string& error)
@@ -63,20 +71,25 @@ bool SoundtrackRenderer::load(const std::string& file, std::string& error)
     std::vector<char> data;
     if (!readWhole(file, data, error))
         return false;
-    openmpt_module* loaded = openmpt_module_create_from_memory2(
-        data.data(), data.size(), openmpt_log_func_silent, nullptr, openmpt_error_func_ignore,
-        nullptr, nullptr, nullptr, nullptr);
-    if (!loaded) {
+    data.swap(song);
+    openmpt_module* probe = open();
+    if (!probe) {
+        song.swap(data);
         error = file + " is not a module libopenmpt can play";
         return false;
     }
-    // The same settings as the demo's own player: loop forever, no dither noise.
-    openmpt_module_set_repeat_count(loaded, -1);
-    openmpt_module_ctl_set_integer(loaded, "dither", 0);
-    if (module)
-        openmpt_module_destroy(module);
-    module = loaded;
+    openmpt_module_destroy(probe);
     return true;
+}
+
+double SoundtrackRenderer::getDuration() const
+{
+    openmpt_module* module = open();
+    if (!module)
+        return 0.0;
+    double duration = openmpt_module_get_duration_seconds(module);
+    openmpt_module_destroy(module);
+    return duration;
 }
 
 size_t SoundtrackRenderer::framesFor(double seconds)
@@ -89,10 +102,30 @@ size_t SoundtrackRenderer::framesFor(double seconds)
 bool SoundtrackRenderer::render(double fromSeconds, size_t frames, std::vector<int16_t>& samples)
 {
     samples.assign(frames * 2, 0);
+    openmpt_module* module = open();
     if (!module)
         return false;
-    openmpt_module_set_position_seconds(module, fromSeconds > 0.0 ? fromSeconds : 0.0);
+    double from = fromSeconds > 0.0 ? fromSeconds : 0.0;
+    // The demo loops the song, so a start past its end is the same point of a later pass.
+    double duration = openmpt_module_get_duration_seconds(module);
+    if (duration > 0.0 && from >= duration)
+        from = std::fmod(from, duration);
+    double landed = openmpt_module_set_position_seconds(module, from);
+    // A seek that lands a little early is played through silently; one that lands late
+    // starts after a matching pause, so that sound and picture keep the same clock.
     size_t done = 0;
+    if (landed < from && from - landed <= MAX_SEEK_ERROR) {
+        std::vector<int16_t> skipped(CHUNK_FRAMES * 2);
+        for (size_t skip = framesFor(from - landed); skip > 0;) {
+            size_t want = skip < CHUNK_FRAMES ? skip : CHUNK_FRAMES;
+            size_t made = openmpt_module_read_interleaved_stereo(module, RATE, want, skipped.data());
+            if (made == 0)
+                break;
+            skip -= made;
+        }
+    } else if (landed > from && landed - from <= MAX_SEEK_ERROR) {
+        done = framesFor(landed - from) < frames ? framesFor(landed - from) : frames;
+    }
     while (done < frames) {
         size_t want = frames - done < CHUNK_FRAMES ? frames - done : CHUNK_FRAMES;
         size_t made = openmpt_module_read_interleaved_stereo(module, RATE, want, samples.data() + done * 2);
@@ -101,6 +134,7 @@ bool SoundtrackRenderer::render(double fromSeconds, size_t frames, std::vector<i
             break;
         done += made;
     }
+    openmpt_module_destroy(module);
     return true;
 }
 

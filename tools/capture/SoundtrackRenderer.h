@@ -13,14 +13,11 @@ public:
     // Larger files are not songs of ours; refuse them before reading.
     static const long MAX_FILE_BYTES = 64L * 1024 * 1024;
 
-    SoundtrackRenderer();
-    ~SoundtrackRenderer();
-    SoundtrackRenderer(const SoundtrackRenderer&) = delete;
-    SoundtrackRenderer& operator=(const SoundtrackRenderer&) = delete;
-
     // False with a reason when the file is missing, too large or not a module.
     bool load(const std::string& file, std::string& error);
-    bool isLoaded() const { return module != nullptr; }
+    bool isLoaded() const { return !song.empty(); }
+    // One pass of the song in seconds; 0 with no song loaded.
+    double getDuration() const;
 
     // Interleaved left/right samples for `frames` frames from `fromSeconds` of song time.
     // The song loops as it does in the demo, so any length can be rendered.
@@ -33,5 +30,9 @@ public:
     static bool writeWav(const std::string& path, const std::vector<int16_t>& samples, std::string& error);
 
 private:
-    openmpt_module* module;
+    // A fresh player per rendering: libopenmpt lands elsewhere when seeking a module that
+    // has already played, and the same start must always give the same samples.
+    openmpt_module* open() const;
+
+    std::vector<char> song;
 };
