@@ -101,30 +101,6 @@ TEST(PngWriterFiles, RoundTripKeepsEveryByte)
     EXPECT_EQ(back, std::vector<uint8_t>(frame.getPixels(), frame.getPixels() + frame.getByteCount()));
 }
 
-TEST(PngWriterFiles, SameFrameGivesTheSameFile)
-{
-    std::vector<uint8_t> rgb(4 * 4 * 3, 90);
-    Frame frame;
-    frame.setBottomUp(4, 4, rgb.data());
-    std::string first = temporaryPng("a"), second = temporaryPng("b");
-    std::string error;
-    ASSERT_TRUE(PngWriter::write(first, frame, error));
-    ASSERT_TRUE(PngWriter::write(second, frame, error));
-    FILE* a = std::fopen(first.c_str(), "rb");
-    FILE* b = std::fopen(second.c_str(), "rb");
-    ASSERT_TRUE(a && b);
-    int ca = 0, cb = 0;
-    do {
-        ca = std::fgetc(a);
-        cb = std::fgetc(b);
-        ASSERT_EQ(ca, cb);
-    } while (ca != EOF);
-    std::fclose(a);
-    std::fclose(b);
-    std::remove(first.c_str());
-    std::remove(second.c_str());
-}
-
 TEST(PngWriterFiles, EmptyFrameAndUnwritablePathFail)
 {
     std::string error;

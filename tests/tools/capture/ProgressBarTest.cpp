@@ -22,11 +22,6 @@ TEST(ProgressBarText, NeverRunsPastTheEnd)
     EXPECT_NE(ProgressBar::render("x", 0, 0).find("100%"), std::string::npos);
 }
 
-TEST(ProgressBarText, RoundsDownSoOnlyTheEndShowsFull)
-{
-    EXPECT_NE(ProgressBar::render("x", 199, 200).find("] 99%"), std::string::npos);
-}
-
 TEST(ProgressBarOutput, NothingGoesToAFileOrPipe)
 {
     FILE* file = std::tmpfile();

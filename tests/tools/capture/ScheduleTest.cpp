@@ -58,16 +58,6 @@ TEST(ScheduleReading, StartedEffectsAreNoLongerPending)
     EXPECT_EQ(schedule.getEntries()[0].start, 5.0f);
 }
 
-TEST(ScheduleReading, RereadingReplacesTheEntries)
-{
-    EffectMgr effects;
-    effects.addEffect(new ProbeScene(0, EffectTimer(2.0f, 3.0f)));
-    Schedule schedule;
-    schedule.read(effects);
-    schedule.read(effects);
-    EXPECT_EQ(schedule.getEntries().size(), 1u);
-}
-
 TEST(ScheduleReading, EmptyTimelineEndsAtZero)
 {
     EffectMgr effects;
