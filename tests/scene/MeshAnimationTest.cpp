@@ -1,0 +1,242 @@
+// Mesh paths: placement along the direction of motion, playback and the shared CANI chunk.
+#include "math/Matrix4.h"
+#include "scene/CameraAnimation.h"
+#include "scene/Lin3Track.h"
+#include "scene/Mesh.h"
+#include "scene/MeshAnimation.h"
+
+#include "support/GLContext.h"
+
+#include <GL/gl.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <sstream>
+#include <string>
+
+namespace {
+
+Vector3 column(const Matrix4& m, int c)
+{
+    return Vector3(m[c], m[4 + c], m[8 + c]);
+}
+
+void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-5f)
+{
+    EXPECT_NEAR(a.x, b.x, tolerance);
+    EXPECT_NEAR(a.y, b.y, tolerance);
+    EXPECT_NEAR(a.z, b.z, tolerance);
+}
+
+// A proper rotation: orthonormal columns and a right-handed basis.
+void expectRotation(const Matrix4& m)
+{
+    Vector3 x = column(m, 0), y = column(m, 1), z = column(m, 2);
+    EXPECT_NEAR(x.length(), 1.0f, 1e-5f);
+    EXPECT_NEAR(y.length(), 1.0f, 1e-5f);
+    EXPECT_NEAR(z.length(), 1.0f, 1e-5f);
+    EXPECT_NEAR(x.dot(y), 0.0f, 1e-5f);
+    EXPECT_NEAR(y.dot(z), 0.0f, 1e-5f);
+    expectNear(x.cross(y), z);
+}
+
+// A straight path along dir: three keys so the middle of the path is an inner span.
+void straightPath(MeshAnimation& anim, const Vector3& origin, const Vector3& dir)
+{
+    anim.addMeshPos(0, origin);
+    anim.addMeshPos(50, origin + dir * 50.0f);
+    anim.addMeshPos(100, origin + dir * 100.0f);
+    anim.setup();
+}
+
+// ---- placement ----
+
+class MeshPlacementTest : public ::testing::TestWithParam<Vector3> {};
+
+TEST_P(MeshPlacementTest, ForwardAxisFollowsAStraightPath)
+{
+    const Vector3 dir = GetParam();
+    const Vector3 origin(3.0f, -2.0f, 7.0f);
+    MeshAnimation anim;
+    straightPath(anim, origin, dir);
+    for (long frame : {10L, 25L, 60L, 90L}) {
+        anim.setFrame(frame);
+        Matrix4 m = anim.placement();
+        // The direction comes from two path points half a frame apart: float noise of ~1e-4.
+        expectNear(column(m, 2), dir, 1e-3f);
+        expectRotation(m);
+        expectNear(column(m, 3), anim.getPositionTrack()->evaluate(static_cast<float>(frame)), 1e-4f);
+        Vector3 along = column(m, 3) - origin;
+        EXPECT_NEAR(along.cross(dir).length(), 0.0f, 1e-3f) << "the point stays on the line";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EachAxis, MeshPlacementTest,
+                         ::testing::Values(Vector3(1, 0, 0), Vector3(-1, 0, 0), Vector3(0, 1, 0),
+                                           Vector3(0, -1, 0), Vector3(0, 0, 1), Vector3(0, 0, -1)));
+
+TEST(MeshAnimationTest, MotionAlongPlusZKeepsTheMeshUnturned)
+{
+    MeshAnimation anim;
+    straightPath(anim, Vector3(), Vector3(0.0f, 0.0f, 1.0f));
+    anim.setFrame(30);
+    Matrix4 m = anim.placement();
+    expectNear(column(m, 0), Vector3(1, 0, 0));
+    expectNear(column(m, 1), Vector3(0, 1, 0));
+}
+
+TEST(MeshAnimationTest, UpStaysUpForLevelMotion)
+{
+    MeshAnimation anim;
+    straightPath(anim, Vector3(), Vector3(0.6f, 0.0f, 0.8f));
+    anim.setFrame(40);
+    expectNear(column(anim.placement(), 1), Vector3(0, 1, 0));
+}
+
+TEST(MeshAnimationTest, WithoutATrackTheMeshSitsAtTheOriginFacingPlusZ)
+{
+    MeshAnimation anim;
+    Matrix4 m = anim.placement();
+    expectNear(column(m, 3), Vector3());
+    expectNear(column(m, 2), Vector3(0, 0, 1));
+    expectRotation(m);
+}
+
+TEST(MeshAnimationTest, PastTheEndOfAnOpenPathTheMeshStopsWithoutNaN)
+{
+    MeshAnimation anim;
+    straightPath(anim, Vector3(), Vector3(1.0f, 0.0f, 0.0f));
+    anim.getPositionTrack()->setFlags(0);
+    anim.setFrame(500);
+    Matrix4 m = anim.placement();
+    expectNear(column(m, 3), Vector3(100.0f, 0.0f, 0.0f));
+    for (int i = 0; i < 16; ++i)
+        EXPECT_FALSE(std::isnan(m[i])) << i;
+}
+
+// ---- playback ----
+
+TEST(MeshAnimationTest, UpdateOnlyAdvancesTheFrame)
+{
+    MeshAnimation anim;
+    straightPath(anim, Vector3(), Vector3(1, 0, 0));
+    EXPECT_EQ(anim.getLastFrame(), 100);
+    anim.update(0.5f);
+    EXPECT_EQ(anim.getCurrentFrame(), 12.0f);
+    anim.setFramesPerSec(10.0f);
+    anim.update(0.5f);
+    EXPECT_EQ(anim.getCurrentFrame(), 17.0f);
+}
+
+TEST(MeshAnimationTest, AddingAtAnExistingFrameReplacesTheValue)
+{
+    MeshAnimation anim;
+    anim.addMeshPos(5, Vector3(1, 1, 1));
+    anim.addMeshPos(5, Vector3(2, 2, 2));
+    EXPECT_EQ(anim.getPositionTrack()->getNumKeys(), 1);
+    EXPECT_EQ(anim.getPositionTrack()->evaluate(5.0f), Vector3(2, 2, 2));
+}
+
+// ---- the CANI chunk ----
+
+TEST(MeshAnimationTest, SaveLoadSaveIsBitIdenticalAndKeepsTheLabel)
+{
+    MeshAnimation anim;
+    straightPath(anim, Vector3(-0.0f, 1e-40f, 2.0f), Vector3(0, 1, 0));
+    anim.setLabel("fish");
+    anim.setFramesPerSec(30.0f);
+    std::ostringstream first;
+    ASSERT_TRUE(anim.save(first));
+
+    MeshAnimation loaded;
+    std::istringstream in(first.str());
+    ASSERT_TRUE(loaded.load(in));
+    EXPECT_EQ(loaded.getLabel(), "fish");
+    EXPECT_EQ(loaded.getFramesPerSec(), 30.0f);
+    std::ostringstream second;
+    ASSERT_TRUE(loaded.save(second));
+    EXPECT_EQ(first.str(), second.str());
+}
+
+TEST(MeshAnimationTest, SavesTheNameOfTheMeshItMoves)
+{
+    MeshAnimation anim;
+    anim.addMeshPos(0, Vector3());
+    Mesh mesh;
+    mesh.setName("ship");
+    anim.setMesh(&mesh);
+    std::ostringstream out;
+    ASSERT_TRUE(anim.save(out));
+    EXPECT_EQ(out.str().substr(8, 6), std::string("\x04\x00ship", 6));
+}
+
+TEST(MeshAnimationTest, ReadsTheFirstTrackOfACameraPathFile)
+{
+    // The tag is shared: a camera path read as a mesh path yields its position track.
+    CameraAnimation cam;
+    cam.addCameraPos(0, Vector3(1, 2, 3));
+    cam.addCameraPos(10, Vector3(4, 5, 6));
+    cam.addTargetPos(0, Vector3());
+    std::ostringstream out;
+    ASSERT_TRUE(cam.save(out));
+
+    MeshAnimation anim;
+    std::istringstream in(out.str());
+    ASSERT_TRUE(anim.load(in));
+    EXPECT_EQ(anim.getPositionTrack()->getNumKeys(), 2);
+    char next[4];
+    in.read(next, 4);
+    EXPECT_EQ(std::string(next, 4), "LIN3");
+}
+
+TEST(MeshAnimationTest, EveryTruncationFailsAndLeavesNoTrack)
+{
+    MeshAnimation anim;
+    straightPath(anim, Vector3(), Vector3(0, 0, 1));
+    anim.setLabel("worm");
+    std::ostringstream out;
+    ASSERT_TRUE(anim.save(out));
+    const std::string bytes = out.str();
+    for (size_t cut = 0; cut < bytes.size(); ++cut) {
+        MeshAnimation loaded;
+        std::istringstream in(bytes.substr(0, cut));
+        EXPECT_FALSE(loaded.load(in)) << cut;
+        EXPECT_EQ(loaded.getPositionTrack(), nullptr) << cut;
+    }
+}
+
+TEST(MeshAnimationTest, BadInputFails)
+{
+    MeshAnimation anim;
+    std::istringstream wrongTag(std::string("CAMI\0\0\xc0\x41\0\0", 10));
+    EXPECT_FALSE(anim.load(wrongTag));
+    std::ostringstream out;
+    EXPECT_FALSE(anim.save(out));
+    EXPECT_TRUE(out.str().empty());
+    EXPECT_FALSE(anim.load("/nonexistent/none.cam"));
+}
+
+// ---- GL ----
+
+class MeshAnimationGLTest : public GLTest {};
+
+TEST_F(MeshAnimationGLTest, SetMatrixMultipliesThePlacementOntoTheCurrentMatrix)
+{
+    MeshAnimation anim;
+    straightPath(anim, Vector3(1, 2, 3), Vector3(0, -1, 0));
+    anim.setFrame(20);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glTranslatef(10.0f, 0.0f, 0.0f);
+    anim.setMatrix();
+    float gl[16];
+    glGetFloatv(GL_MODELVIEW_MATRIX, gl);
+    Matrix4 m = anim.placement();
+    for (int r = 0; r < 3; ++r)
+        for (int c = 0; c < 4; ++c)
+            EXPECT_NEAR(gl[4 * c + r], m[4 * r + c] + (r == 0 && c == 3 ? 10.0f : 0.0f), 1e-4f)
+                << r << "," << c;
+    glLoadIdentity();
+}
+
+}  // namespace
