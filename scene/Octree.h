@@ -12,14 +12,15 @@ class Frustum;
 class VertexArray;
 
 // Traversal orders; every one of them draws with the default traversal.
-enum OctreeRenderMode {
+enum OctreeRenderMode : int {
     OCTREE_RENDER_DEFAULT = 0,
     OCTREE_RENDER_FRONT_TO_BACK = 1,
     OCTREE_RENDER_BACK_TO_FRONT = 2
 };
 
-// A parse callback's answer; any other value stops the walk below the node.
-enum OctreeParseCode {
+// A parse callback's answer; any other value stops the walk below the node
+// (the fixed underlying type makes every int a valid answer).
+enum OctreeParseCode : int {
     OCTREE_PARSE_CHILDREN = 0,
     OCTREE_PARSE_CHILDREN_REVERSED = 1,
     OCTREE_PARSE_STOP = 2
