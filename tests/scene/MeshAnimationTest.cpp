@@ -85,14 +85,6 @@ TEST(MeshAnimationTest, MotionAlongPlusZKeepsTheMeshUnturned)
     expectNear(column(m, 1), Vector3(0, 1, 0));
 }
 
-TEST(MeshAnimationTest, UpStaysUpForLevelMotion)
-{
-    MeshAnimation anim;
-    straightPath(anim, Vector3(), Vector3(0.6f, 0.0f, 0.8f));
-    anim.setFrame(40);
-    expectNear(column(anim.placement(), 1), Vector3(0, 1, 0));
-}
-
 TEST(MeshAnimationTest, WithoutATrackTheMeshSitsAtTheOriginFacingPlusZ)
 {
     MeshAnimation anim;
@@ -126,15 +118,6 @@ TEST(MeshAnimationTest, UpdateOnlyAdvancesTheFrame)
     anim.setFramesPerSec(10.0f);
     anim.update(0.5f);
     EXPECT_EQ(anim.getCurrentFrame(), 17.0f);
-}
-
-TEST(MeshAnimationTest, AddingAtAnExistingFrameReplacesTheValue)
-{
-    MeshAnimation anim;
-    anim.addMeshPos(5, Vector3(1, 1, 1));
-    anim.addMeshPos(5, Vector3(2, 2, 2));
-    EXPECT_EQ(anim.getPositionTrack()->getNumKeys(), 1);
-    EXPECT_EQ(anim.getPositionTrack()->evaluate(5.0f), Vector3(2, 2, 2));
 }
 
 // ---- the CANI chunk ----

@@ -137,16 +137,6 @@ TEST(ParticleTest, ANonPositiveLifeNeverFadesAndIsDead)
     }
 }
 
-TEST(ParticleTest, ANewParticleIsDeadWhiteAndUnitSized)
-{
-    Particle p;
-    EXPECT_EQ(p.getLifetime(), 0.0f);
-    EXPECT_EQ(p.getColor(), Color(1, 1, 1, 1));
-    EXPECT_EQ(p.getSize(), Vector3(1, 1, 1));
-    EXPECT_EQ(p.getMaterial(), nullptr);
-    EXPECT_EQ(p.getType(), static_cast<ParticleType>(PARTICLE_POINT));
-}
-
 // ---- death, respawn and the dead-visit counter ----
 
 TEST(ParticleClusterTest, DeadVisitsAreCountedAtEveryUpdateUntilThePoolSize)

@@ -70,12 +70,6 @@ TEST(ParticleInfoTest, EveryShapeSetsTypeSizeLifetimeColoursAndMaterialFirst)
     EXPECT_EQ(p.getInfo(), &cube);
 }
 
-TEST(ParticleInfoTest, MaterialIsNullAfterConstruction)
-{
-    PCInfoPoint point(PARTICLE_POINT, 1.0f, 1.0f, size, red, red, region);
-    EXPECT_EQ(point.material, nullptr);
-}
-
 // ---- each shape's row ----
 
 TEST(ParticleInfoTest, PointStartsAtTheCentreAndSpraysUpward)
@@ -293,16 +287,6 @@ TEST(ParticleInfoTest, TheSameSeedGivesTheSameParticles)
         allSame = allSame && a[i].getPosition() == c[i].getPosition();
     }
     EXPECT_FALSE(allSame);
-}
-
-TEST(ParticleInfoTest, RandomValuesStayInTheUnitRange)
-{
-    std::srand(3u);
-    for (int i = 0; i < 10000; ++i) {
-        float u = ParticleInfo::random();
-        ASSERT_GE(u, 0.0f);
-        ASSERT_LE(u, 1.0f);
-    }
 }
 
 }  // namespace
