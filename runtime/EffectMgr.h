@@ -39,6 +39,14 @@ public:
             visit(*node->effect);
     }
 
+    // Visits the running effects in drawing order (ascending layer).
+    template <typename Visitor>
+    void forEachRunning(Visitor visit) const
+    {
+        for (const node_t* node = running; node; node = node->next)
+            visit(*node->effect);
+    }
+
 private:
     struct node_t {
         Effect* effect;
