@@ -58,3 +58,9 @@ void GLTest::SetUp()
     glClearColor(0, 0, 0, 1);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
+
+void GLTest::TearDown()
+{
+    if (GLContext::ensure())
+        glFinish();
+}

@@ -18,4 +18,7 @@ public:
 class GLTest : public ::testing::Test {
 protected:
     void SetUp() override;
+    // Finishes the test's drawing: llvmpipe can crash compiling work still
+    // queued when the context is torn down at exit.
+    void TearDown() override;
 };
