@@ -1,0 +1,209 @@
+// The opening credits: picture fade, circling blur trail, shared texture and camera.
+#include "effects/Credit.h"
+
+#include "gl/GLF_checkError.h"
+#include "math/Matrix4.h"
+#include "math/Transform.h"
+#include "scene/Camera.h"
+#include "scene/CameraMgr.h"
+#include "scene/LightMgr.h"
+#include "texture/Texture.h"
+#include "texture/TextureMgr.h"
+
+#include <GL/gl.h>
+#include <cstdio>
+
+namespace {
+
+const char* const TEXTURE_FILE = "data/img/credits.png";
+const char* const CAMERA_NAME = "CreditsCamera";
+// Luminance with alpha.
+const int TEXTURE_FORMAT = 6;
+// The trail turns away from this point, rotated about the view axis.
+const Vector3 TRAIL_ORIGIN(-100.0f, 0.0f, 601.0f);
+// Each credit takes a quarter of the texture, top to bottom.
+const float CREDIT_V = 0.25f;
+
+}
+
+Credit::Credit(int creditIndex, short layer, const EffectTimer& timer)
+    : Effect(layer, timer), index(creditIndex), textAlpha(0.0f), textAlphaSpeed(0.0f), blurAlpha(0.0f),
+      blurAlphaSpeed(0.0f), angle(0.0f), angleSpeed(0.0f), blurPos(0.0f, 0.0f, 0.0f), texture(nullptr)
+{
+}
+
+float Credit::halfSpan() const
+{
+    return 0.5f * (timer.end - timer.start);
+}
+
+void Credit::initiate()
+{
+    const float span = timer.end - timer.start;
+    const float half = halfSpan();
+    textAlpha = 0.0f;
+    blurAlpha = 0.0f;
+    textAlphaSpeed = blurAlphaSpeed = 1.0f / half;
+    blurPos = TRAIL_ORIGIN;
+    // Odd and even credits turn their trails in opposite directions, one turn per credit.
+    angle = 180.0f;
+    angleSpeed = 360.0f / span;
+    if (index % 2 != 0) {
+        angle = 0.0f;
+        angleSpeed = -360.0f / span;
+    }
+
+    texture = TextureMgr::getHandle()->loadTexture(TEXTURE_FILE, TEXTURE_FORMAT);
+    if (!texture)
+        std::printf("Credit::initiate() could not load %s\n", TEXTURE_FILE);
+    else if (index == 0)
+        texture->upload();
+
+    CameraMgr* cameras = CameraMgr::getHandle();
+    if (!cameras->find(CAMERA_NAME)) {
+        Camera* camera = new Camera(CAMERA_NAME);
+        camera->lookAt(Vector3(0.0f, 0.0f, -50.0f), Vector3(0.0f, 0.0f, 1.0f));
+        camera->setFOV(45.0f);
+        camera->setClipPlanes(0.01f, 1000.0f);
+        cameras->add(camera);
+        if (!cameras->setActiveCamera(CAMERA_NAME))
+            std::printf("Could not set active camera\n");
+    }
+    GLF_checkError("Credit::initiate();");
+}
+
+void Credit::shutdown()
+{
+    if (index == 3 && texture)
+        texture->unload();
+}
+
+void Credit::update(float seconds)
+{
+    updateTimer(seconds);
+    updateText(seconds);
+    updateBlur(seconds);
+}
+
+void Credit::updateText(float seconds)
+{
+    textAlpha += textAlphaSpeed * seconds;
+    if (textAlpha > 1.0f) {
+        textAlpha = 1.0f;
+        textAlphaSpeed = -1.0f / halfSpan();
+    } else if (textAlpha < 0.0f) {
+        textAlpha = 0.0f;
+        textAlphaSpeed = 0.0f;
+    }
+}
+
+void Credit::updateBlur(float seconds)
+{
+    blurAlpha += blurAlphaSpeed * seconds;
+    if (blurAlpha >= 1.0f) {
+        blurAlpha = 1.0f;
+        blurAlphaSpeed = -1.0f / halfSpan();
+    } else if (blurAlpha <= 0.0f) {
+        blurAlpha = 0.0f;
+        blurAlphaSpeed = 1.0f / halfSpan();
+    }
+    angle += angleSpeed * seconds;
+    if (angle > 360.0f)
+        angle -= 360.0f;
+    else if (angle < 0.0f)
+        angle += 360.0f;
+    Matrix4 rotation;
+    RotateAroundZ(rotation, angle);
+    blurPos = rotation * TRAIL_ORIGIN;
+}
+
+void Credit::display()
+{
+    glPushMatrix();
+    glLoadIdentity();
+    Camera* camera = CameraMgr::getHandle()->find(CAMERA_NAME);
+    if (camera)
+        camera->lookAt();
+    else
+        std::printf("No active camera\n");
+    glTranslatef(0.0f, 0.0f, 450.0f);
+
+    LightMgr* lights = LightMgr::getHandle();
+    const bool lit = lights->isLightingOn();
+    if (lit)
+        lights->turnLightingOff();
+    glDisable(GL_CULL_FACE);
+    glDepthFunc(GL_ALWAYS);
+    glDepthMask(GL_FALSE);
+    glEnable(GL_COLOR_MATERIAL);
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+
+    if (texture)
+        texture->bind();
+    drawCredit();
+    drawBlur();
+    if (texture)
+        texture->unbind();
+
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    glDisable(GL_COLOR_MATERIAL);
+    glDepthFunc(GL_LESS);
+    glDepthMask(GL_TRUE);
+    glEnable(GL_CULL_FACE);
+    if (lit)
+        lights->turnLightingOn();
+    glPopMatrix();
+    GLF_checkError("Credit::display();");
+}
+
+void Credit::drawCredit()
+{
+    const float v = CREDIT_V * static_cast<float>(index);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glColor4f(1.0f, 1.0f, 1.0f, textAlpha);
+    glBegin(GL_QUADS);
+    glTexCoord2f(0.5f, v);
+    glVertex3f(-HALF_WIDTH, HALF_HEIGHT, 0.0f);
+    glTexCoord2f(0.0f, v);
+    glVertex3f(HALF_WIDTH, HALF_HEIGHT, 0.0f);
+    glTexCoord2f(0.0f, v + CREDIT_V);
+    glVertex3f(HALF_WIDTH, -HALF_HEIGHT, 0.0f);
+    glTexCoord2f(0.5f, v + CREDIT_V);
+    glVertex3f(-HALF_WIDTH, -HALF_HEIGHT, 0.0f);
+    glEnd();
+    glDisable(GL_BLEND);
+}
+
+void Credit::drawBlur()
+{
+    const float v = CREDIT_V * static_cast<float>(index);
+    float alpha = blurAlpha;
+    const float alphaStep = -alpha / TRAIL_LENGTH;
+    Vector3 offset(0.0f, 0.0f, 0.0f);
+    Vector3 direction = offset - blurPos;
+    direction.normalize();
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glBegin(GL_QUADS);
+    for (int copy = 0; copy < TRAIL_LENGTH; ++copy) {
+        glColor4f(1.0f, 0.9f, 0.7f, alpha);
+        drawBlurQuad(v, offset);
+        alpha += alphaStep;
+        offset += direction * TRAIL_STEP;
+    }
+    glEnd();
+    glDisable(GL_BLEND);
+}
+
+void Credit::drawBlurQuad(float v, const Vector3& o)
+{
+    glTexCoord2f(1.0f, v);
+    glVertex3f(-HALF_WIDTH + o.x, HALF_HEIGHT + o.y, o.z);
+    glTexCoord2f(0.5f, v);
+    glVertex3f(HALF_WIDTH + o.x, HALF_HEIGHT + o.y, o.z);
+    glTexCoord2f(0.5f, v + CREDIT_V);
+    glVertex3f(HALF_WIDTH + o.x, -HALF_HEIGHT + o.y, o.z);
+    glTexCoord2f(1.0f, v + CREDIT_V);
+    glVertex3f(-HALF_WIDTH + o.x, -HALF_HEIGHT + o.y, o.z);
+}

@@ -1,0 +1,205 @@
+// Credits: the picture's fade against the trail's bounce, the trail's turn, the shared texture and camera.
+#include "effects/Credit.h"
+
+#include "scene/Camera.h"
+#include "scene/CameraMgr.h"
+#include "scene/LightMgr.h"
+#include "support/GLContext.h"
+#include "texture/Texture.h"
+#include "texture/TextureMgr.h"
+
+#include <GL/gl.h>
+#include <gtest/gtest.h>
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+namespace {
+
+const char* const CREDITS = "data/img/credits.png";
+const float SPAN = 8.875f;
+
+// A white, opaque stand-in for the credits picture, put in the cache under its name.
+Texture* seedWhiteTexture()
+{
+    unsigned char* pixels = new unsigned char[4 * 4 * 2];
+    std::memset(pixels, 255, 4 * 4 * 2);
+    Texture* texture = new Texture(CREDITS, 4, 4, 16, 6, pixels);
+    TextureMgr::getHandle()->addTexture(texture);
+    return texture;
+}
+
+class CreditTest : public GLTest {
+protected:
+    void SetUp() override
+    {
+        GLTest::SetUp();
+        CameraMgr::getHandle()->shutdown();
+        CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
+    }
+    void TearDown() override
+    {
+        CameraMgr::getHandle()->shutdown();
+        TextureMgr::getHandle()->shutdown();
+        TextureMgr::getHandle()->registerStandardLoaders();
+    }
+
+    unsigned char centreRed()
+    {
+        unsigned char rgba[4];
+        GLContext::readPixel(GLContext::width() / 2, GLContext::height() / 2, rgba);
+        return rgba[0];
+    }
+};
+
+}
+
+TEST_F(CreditTest, PictureStopsAtZeroWhileTheTrailBounces)
+{
+    seedWhiteTexture();
+    Credit credit(0, 4, EffectTimer(0.0f, 2.0f));
+    credit.initiate();
+    // Landing on exactly 1: the picture's bound is strict, the trail's inclusive.
+    credit.update(1.0f);
+    EXPECT_EQ(credit.getTextAlpha(), 1.0f);
+    EXPECT_EQ(credit.getTextAlphaSpeed(), 1.0f);
+    EXPECT_EQ(credit.getBlurAlphaSpeed(), -1.0f);
+    credit.update(1.0f);
+    EXPECT_EQ(credit.getTextAlpha(), 1.0f);
+    EXPECT_EQ(credit.getTextAlphaSpeed(), -1.0f);
+    EXPECT_EQ(credit.getBlurAlpha(), 0.0f);
+    EXPECT_EQ(credit.getBlurAlphaSpeed(), 1.0f);
+    credit.update(1.0f);
+    credit.update(0.5f);
+    EXPECT_EQ(credit.getTextAlpha(), 0.0f);
+    EXPECT_EQ(credit.getTextAlphaSpeed(), 0.0f);
+    EXPECT_EQ(credit.getBlurAlpha(), 0.5f);
+    EXPECT_EQ(credit.getBlurAlphaSpeed(), -1.0f);
+}
+
+TEST_F(CreditTest, OverTheScheduledSpanThePictureFadesInAndOutOnce)
+{
+    seedWhiteTexture();
+    Credit credit(0, 4, EffectTimer(0.0f, SPAN));
+    credit.initiate();
+    const float step = SPAN / 16.0f;
+    for (int i = 0; i < 8; ++i)
+        credit.update(step);
+    EXPECT_NEAR(credit.getTextAlpha(), 1.0f, 1e-5f);
+    EXPECT_NEAR(credit.getBlurAlpha(), 1.0f, 1e-5f);
+    // Frame times permitting: the strict bound may hold the turn back by one frame.
+    for (int i = 0; i < 8; ++i)
+        credit.update(step);
+    EXPECT_LE(credit.getTextAlpha(), 0.125f + 1e-5f);
+    for (int i = 0; i < 4; ++i)
+        credit.update(step);
+    EXPECT_EQ(credit.getTextAlpha(), 0.0f);
+    EXPECT_NEAR(credit.getBlurAlpha(), 0.5f, 1e-4f);
+}
+
+TEST_F(CreditTest, OddTrailsTurnClockwiseOneTurnPerCredit)
+{
+    seedWhiteTexture();
+    Credit even(2, 2, EffectTimer(17.75f, 26.625f));
+    Credit odd(1, 3, EffectTimer(8.875f, 17.75f));
+    even.initiate();
+    odd.initiate();
+    EXPECT_EQ(even.getAngle(), 180.0f);
+    EXPECT_EQ(odd.getAngle(), 0.0f);
+    EXPECT_FLOAT_EQ(odd.getAngleSpeed(), -even.getAngleSpeed());
+    even.update(SPAN / 8.0f);
+    odd.update(SPAN / 8.0f);
+    EXPECT_NEAR(even.getAngle(), 225.0f, 1e-3f);
+    EXPECT_NEAR(odd.getAngle(), 315.0f, 1e-3f);
+    // The trail's point is (-100, 0, 601) turned about z.
+    EXPECT_NEAR(even.getBlurPos().x, 70.7107f, 1e-3f);
+    EXPECT_NEAR(even.getBlurPos().y, 70.7107f, 1e-3f);
+    EXPECT_NEAR(odd.getBlurPos().x, -70.7107f, 1e-3f);
+    EXPECT_NEAR(odd.getBlurPos().y, 70.7107f, 1e-3f);
+    EXPECT_EQ(odd.getBlurPos().z, 601.0f);
+    for (int i = 1; i < 8; ++i) {
+        even.update(SPAN / 8.0f);
+        odd.update(SPAN / 8.0f);
+    }
+    EXPECT_NEAR(even.getAngle(), 180.0f, 1e-3f);
+    // Back at the start: 0, or the same direction written as 360.
+    EXPECT_NEAR(std::min(odd.getAngle(), 360.0f - odd.getAngle()), 0.0f, 1e-3f);
+}
+
+TEST_F(CreditTest, FirstCreditUploadsTheTextureAndTheLastUnloadsIt)
+{
+    Texture* texture = seedWhiteTexture();
+    CameraMgr* cameras = CameraMgr::getHandle();
+    cameras->add(new Camera("Other"));
+    cameras->add(new Camera("CreditsCamera"));
+    Credit second(1, 3, EffectTimer(8.875f, 17.75f));
+    second.initiate();
+    // Alone, a later credit neither uploads nor takes over the view.
+    EXPECT_EQ(texture->getGLName(), Texture::noName);
+    EXPECT_STREQ(cameras->getActiveCamera()->getName(), "Other");
+
+    Credit credits[] = {Credit(0, 4, EffectTimer(0.0f, 8.875f)), Credit(2, 2, EffectTimer(17.75f, 26.625f)),
+                        Credit(3, 1, EffectTimer(26.625f, 35.5f))};
+    for (Credit& credit : credits)
+        credit.initiate();
+    EXPECT_TRUE(glIsTexture(texture->getGLName()));
+    credits[0].shutdown();
+    second.shutdown();
+    credits[1].shutdown();
+    EXPECT_TRUE(glIsTexture(texture->getGLName()));
+    credits[2].shutdown();
+    EXPECT_EQ(texture->getGLName(), Texture::noName);
+    EXPECT_EQ(TextureMgr::getHandle()->findTexture(CREDITS), texture);
+}
+
+TEST_F(CreditTest, FirstCreditMakesTheSharedCameraActive)
+{
+    seedWhiteTexture();
+    Credit credit(0, 4, EffectTimer(0.0f, SPAN));
+    credit.initiate();
+    Camera* camera = CameraMgr::getHandle()->getActiveCamera();
+    ASSERT_NE(camera, nullptr);
+    EXPECT_STREQ(camera->getName(), "CreditsCamera");
+    EXPECT_EQ(camera->getFOV(), 45.0f);
+    EXPECT_EQ(camera->getPosition(), Vector3(0.0f, 0.0f, -50.0f));
+}
+
+TEST_F(CreditTest, DrawsThePictureAndLeavesTheStateAsFound)
+{
+    seedWhiteTexture();
+    LightMgr::getHandle()->turnLightingOn();
+    Credit credit(0, 4, EffectTimer(0.0f, SPAN));
+    credit.initiate();
+    credit.display();
+    EXPECT_EQ(centreRed(), 0);
+    credit.update(SPAN / 2.0f);
+    credit.display();
+    EXPECT_EQ(centreRed(), 255);
+
+    GLint depthFunc = 0;
+    GLboolean depthMask = GL_FALSE;
+    glGetIntegerv(GL_DEPTH_FUNC, &depthFunc);
+    glGetBooleanv(GL_DEPTH_WRITEMASK, &depthMask);
+    EXPECT_EQ(depthFunc, GL_LESS);
+    EXPECT_EQ(depthMask, GL_TRUE);
+    EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
+    EXPECT_FALSE(glIsEnabled(GL_COLOR_MATERIAL) || glIsEnabled(GL_BLEND) || glIsEnabled(GL_TEXTURE_2D));
+    EXPECT_TRUE(LightMgr::getHandle()->isLightingOn());
+    LightMgr::getHandle()->turnLightingOff();
+}
+
+TEST_F(CreditTest, MissingPictureIsReportedAndDrawnWhite)
+{
+    // With no loaders the cache cannot read the file.
+    TextureMgr::getHandle()->shutdown();
+    Credit credit(0, 4, EffectTimer(0.0f, SPAN));
+    testing::internal::CaptureStdout();
+    credit.initiate();
+    std::string printed = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(printed, "Credit::initiate() could not load data/img/credits.png\n");
+    EXPECT_EQ(credit.getTexture(), nullptr);
+    credit.update(SPAN / 2.0f);
+    credit.display();
+    EXPECT_EQ(centreRed(), 255);
+    credit.shutdown();
+}
