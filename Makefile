@@ -2,11 +2,12 @@
 JOBS     ?= $(shell nproc)
 BUILD    ?= build
 ASAN     ?= build-asan
+FUZZ     ?= build-fuzz
 XVFB     := xvfb-run -a -s "-screen 0 1280x1024x24"
 # Mesa and SDL keep a few allocations until exit; leaks are checked separately.
 SAN_ENV  := ASAN_OPTIONS=detect_leaks=0:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 
-.PHONY: all setup build run test test-plain test-asan bench clean
+.PHONY: all setup build run test test-plain test-asan bench clean fuzz fuzz-build fuzz-smoke
 
 all: build
 
@@ -22,7 +23,7 @@ build: setup $(BUILD)/CMakeCache.txt
 run: build
 	cd $(BUILD) && ./velmora
 
-test: setup test-plain test-asan
+test: setup test-plain test-asan fuzz-smoke
 
 test-plain: build
 	cd $(BUILD) && $(XVFB) ctest --output-on-failure -j $(JOBS)
@@ -38,5 +39,23 @@ bench: build
 	cd $(BUILD) && for size in 640x480 1280x720; do \
 	  $(XVFB) ./velmora-capture --bench --fps $(BENCH_FPS) --size $$size || exit 1; echo; done
 
+# libFuzzer targets, one per file reader, in a clang build of their own:
+# `make fuzz FUZZ_SECONDS=600` runs each that long; the test run gives each a few seconds.
+FUZZ_SECONDS ?= 60
+FUZZ_SMOKE_SECONDS ?= 4
+
+$(FUZZ)/CMakeCache.txt:
+	cmake -S . -B $(FUZZ) -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+	  -DVELMORA_FUZZ=ON -DVELMORA_TESTS=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo
+
+fuzz-build: setup $(FUZZ)/CMakeCache.txt
+	cmake --build $(FUZZ) -j $(JOBS) --target fuzz_all
+
+fuzz: fuzz-build
+	bash tests/fuzz/run-fuzz.sh $(FUZZ) $(FUZZ_SECONDS)
+
+fuzz-smoke: fuzz-build
+	bash tests/fuzz/run-fuzz.sh $(FUZZ) $(FUZZ_SMOKE_SECONDS)
+
 clean:
-	rm -rf $(BUILD) $(ASAN)
+	rm -rf $(BUILD) $(ASAN) $(FUZZ)

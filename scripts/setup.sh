@@ -10,6 +10,7 @@ PACKAGES=(
   zlib1g-dev libpng-dev libjpeg-dev libtiff-dev
   libfreetype-dev libftgl-dev fonts-dejavu-core
   libopenmpt-dev ffmpeg
+  clang libclang-rt-14-dev
 )
 
 missing=()

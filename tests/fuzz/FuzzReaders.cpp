@@ -1,0 +1,470 @@
+// The reader entry points that fuzz targets and the regression suite feed with raw bytes.
+#include "FuzzReaders.h"
+
+#include "ScratchFile.h"
+
+#include "config/VariableMgr.h"
+#include "math/Matrix4.h"
+#include "scene/Camera.h"
+#include "scene/CameraAnimation.h"
+#include "scene/CameraMgr.h"
+#include "scene/LightMgr.h"
+#include "scene/Mesh.h"
+#include "scene/MeshAnimation.h"
+#include "scene/Octree.h"
+#include "scene/SphericalUV.h"
+#include "scene/loadMeshMSH.h"
+#include "texture/MaterialMgr.h"
+#include "texture/Texture.h"
+#include "texture/TextureMgr.h"
+
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+typedef FuzzReaders::Outcome Outcome;
+
+const char* const sharedDir = "/tmp/velmora-fuzz";
+const char* const sharedTexture = "/tmp/velmora-fuzz/tiny.ctx";
+
+std::istringstream streamOf(const uint8_t* data, size_t size)
+{
+    return std::istringstream(std::string(reinterpret_cast<const char*>(data), size), std::ios::binary);
+}
+
+// Registries are process-wide: every input starts from empty ones, so a long
+// run neither grows nor lets one input's objects shape the next.
+void clearRegistries()
+{
+    MaterialMgr::getHandle()->shutdown();
+    CameraMgr::getHandle()->shutdown();
+    LightMgr::getHandle()->shutdown();
+    TextureMgr* textures = TextureMgr::getHandle();
+    if (textures->getTextureCount() > 0) {
+        textures->shutdown();
+        textures->registerStandardLoaders();
+    }
+}
+
+template <typename T>
+std::string savedBytes(T& object)
+{
+    std::ostringstream out(std::ios::binary);
+    if (!object.save(out))
+        return std::string("\0unsaved", 8);
+    return out.str();
+}
+
+// --- configuration -------------------------------------------------------
+
+Outcome configFile(const uint8_t* data, size_t size)
+{
+    std::string path = ScratchFile::write("cfg", data, size);
+    VariableMgr variables;
+    variables.load(path.c_str());
+    // The keys the driver reads, read the way it reads them.
+    static const char* const keys[] = {"Cursor", "Fullscreen", "Width", "Height", "BitsPerPixel", "DepthBuffer",
+                                       "ShowFPS", "Sound", "Frequency", "Volume", "Song"};
+    size_t seen = 0;
+    for (const char* key : keys) {
+        const Variable* v = variables.find(key);
+        if (!v)
+            continue;
+        seen += std::strlen(v->getString()) + static_cast<size_t>(v->getInteger() & 1) + v->getBoolean();
+    }
+    (void)seen;
+    return variables.getCount() > 0 ? FuzzReaders::LOADED : FuzzReaders::REJECTED;
+}
+
+// --- meshes ----------------------------------------------------------------
+
+// A loaded mesh saves, the saved form loads again and saves to the same bytes.
+Outcome meshRoundTrip(Mesh& mesh)
+{
+    std::string first = savedBytes(mesh);
+    Mesh again;
+    std::istringstream in(first, std::ios::binary);
+    if (!again.load(in) || savedBytes(again) != first)
+        return FuzzReaders::INCONSISTENT;
+    SphericalUV().mapMesh(&mesh, 0);
+    return FuzzReaders::LOADED;
+}
+
+// A .msh file as Mesh::load(file) reads it: the materials, then the MESH chunk.
+Outcome meshFile(const uint8_t* data, size_t size)
+{
+    std::istringstream in = streamOf(data, size);
+    Outcome result = FuzzReaders::REJECTED;
+    if (MaterialMgr::getHandle()->load(in)) {
+        Mesh mesh;
+        if (mesh.load(in))
+            result = meshRoundTrip(mesh);
+    }
+    clearRegistries();
+    return result;
+}
+
+Outcome plainMeshFile(const uint8_t* data, size_t size)
+{
+    std::string path = ScratchFile::write("plainmsh", data, size);
+    Mesh* mesh = loadMeshMSH(path.c_str());
+    if (!mesh)
+        return FuzzReaders::REJECTED;
+    Outcome result = meshRoundTrip(*mesh);
+    delete mesh;
+    return result;
+}
+
+// Managers put loaded children at the head, so each save reverses the order
+// of the file read: two rounds bring it back. The first reload may still
+// change names (an empty name on disk keeps the name an object was built
+// with), so the comparison starts from the first reloaded form.
+template <typename Registry>
+Outcome registryRoundTrip(Registry* registry)
+{
+    std::string saved[4] = {savedBytes(*registry)};
+    for (int round = 1; round < 4; ++round) {
+        clearRegistries();
+        std::istringstream in(saved[round - 1], std::ios::binary);
+        if (!registry->load(in))
+            return FuzzReaders::INCONSISTENT;
+        saved[round] = savedBytes(*registry);
+    }
+    return saved[1] == saved[3] ? FuzzReaders::LOADED : FuzzReaders::INCONSISTENT;
+}
+
+// A material set on its own, as mesh and octree files carry it.
+Outcome materialSet(const uint8_t* data, size_t size)
+{
+    std::istringstream in = streamOf(data, size);
+    MaterialMgr* materials = MaterialMgr::getHandle();
+    Outcome result = materials->load(in) ? registryRoundTrip(materials) : FuzzReaders::REJECTED;
+    clearRegistries();
+    return result;
+}
+
+Outcome lightSet(const uint8_t* data, size_t size)
+{
+    std::istringstream in = streamOf(data, size);
+    LightMgr* lights = LightMgr::getHandle();
+    Outcome result = lights->load(in) ? registryRoundTrip(lights) : FuzzReaders::REJECTED;
+    clearRegistries();
+    return result;
+}
+
+Outcome cameraSet(const uint8_t* data, size_t size)
+{
+    std::istringstream in = streamOf(data, size);
+    CameraMgr* cameras = CameraMgr::getHandle();
+    Outcome result = cameras->load(in) ? registryRoundTrip(cameras) : FuzzReaders::REJECTED;
+    clearRegistries();
+    return result;
+}
+
+Outcome textureList(const uint8_t* data, size_t size)
+{
+    std::istringstream in = streamOf(data, size);
+    Outcome result = TextureMgr::getHandle()->load(in) ? FuzzReaders::LOADED : FuzzReaders::REJECTED;
+    clearRegistries();
+    return result;
+}
+
+// --- octrees ---------------------------------------------------------------
+
+OctreeParseCode countNode(OctreeNode* node)
+{
+    node->markVisible();
+    if (!node->PvsCanSee(node->getCentre()))
+        return OCTREE_PARSE_STOP;
+    return node->hasChildren() ? OCTREE_PARSE_CHILDREN : OCTREE_PARSE_STOP;
+}
+
+Outcome octreeFile(const uint8_t* data, size_t size)
+{
+    std::istringstream in = streamOf(data, size);
+    Outcome result = FuzzReaders::REJECTED;
+    if (MaterialMgr::getHandle()->load(in)) {
+        Octree tree;
+        if (tree.load(in)) {
+            tree.parse(countNode);
+            std::string first = savedBytes(tree);
+            Octree again;
+            std::istringstream copy(first, std::ios::binary);
+            bool same = again.load(copy) && savedBytes(again) == first;
+            result = same ? FuzzReaders::LOADED : FuzzReaders::INCONSISTENT;
+        } else if (!tree.isEmpty()) {
+            // A failed load leaves no half-built parts behind.
+            result = FuzzReaders::INCONSISTENT;
+        }
+    }
+    clearRegistries();
+    return result;
+}
+
+// --- animation paths -------------------------------------------------------
+
+// A scene plays a path from its first frame to past its last.
+template <typename Animation>
+void play(Animation& animation)
+{
+    animation.setup();
+    for (int step = 0; step < 4; ++step)
+        animation.update(0.25f);
+    animation.setFrame(animation.getLastFrame() + 1);
+    animation.update(1.0f);
+}
+
+template <typename Animation>
+bool roundTrips(Animation& animation)
+{
+    std::string first = savedBytes(animation);
+    Animation again;
+    std::istringstream in(first, std::ios::binary);
+    return again.load(in) && savedBytes(again) == first;
+}
+
+// One CANI chunk read as both classes that share the tag.
+Outcome animationFile(const uint8_t* data, size_t size)
+{
+    CameraMgr::getHandle()->add(new Camera(FuzzReaders::animatedCameraName()));
+    bool loaded = false, consistent = true;
+    {
+        std::istringstream in = streamOf(data, size);
+        CameraAnimation path;
+        if (path.load(in)) {
+            loaded = true;
+            consistent = roundTrips(path);
+            play(path);
+        }
+    }
+    {
+        std::istringstream in = streamOf(data, size);
+        MeshAnimation path;
+        if (path.load(in)) {
+            loaded = true;
+            consistent = consistent && roundTrips(path);
+            play(path);
+            Matrix4 placed = path.placement();
+            (void)placed;
+        }
+    }
+    clearRegistries();
+    if (!consistent)
+        return FuzzReaders::INCONSISTENT;
+    return loaded ? FuzzReaders::LOADED : FuzzReaders::REJECTED;
+}
+
+// --- texture files -----------------------------------------------------------
+
+// Touches every byte, so a buffer shorter than its texture claims trips the sanitizer.
+unsigned pixelSum(const Texture& t)
+{
+    unsigned sum = 0;
+    const unsigned char* p = t.getDataPtr();
+    for (long long i = 0; p && i < t.getDataSize(); ++i)
+        sum += p[i];
+    return sum;
+}
+
+bool sizeAgrees(const Texture& t)
+{
+    long long expected = static_cast<long long>(t.getWidth()) * t.getHeight() * Texture::componentsOf(t.getFormat());
+    return t.getDataSize() == expected && (expected == 0 || t.getDataPtr());
+}
+
+// Reading the same file again into the cleared texture gives the same pixels.
+// Cleared to zero: a container whose stream ends early fills only the front
+// of the buffer, on loading and on reloading alike.
+bool reloadsTheSame(TextureMgr* textures, const std::string& path, Texture* t)
+{
+    std::vector<unsigned char> before(t->getDataPtr(), t->getDataPtr() + t->getDataSize());
+    std::memset(t->getDataPtr(), 0, before.size());
+    if (!textures->reloadTexture(path.c_str(), t))
+        return false;
+    return std::memcmp(before.data(), t->getDataPtr(), before.size()) == 0;
+}
+
+struct ImageKind {
+    const char* extension;
+    std::vector<int> formats;  // the first decides acceptance; the others are tried after it
+    bool reloads;
+};
+
+Outcome imageFile(const ImageKind& kind, const uint8_t* data, size_t size)
+{
+    std::string path = ScratchFile::write(kind.extension, data, size);
+    TextureMgr* textures = TextureMgr::getHandle();
+    Outcome result = FuzzReaders::REJECTED;
+    for (size_t i = 0; i < kind.formats.size(); ++i) {
+        Texture* t = textures->loadTexture(path.c_str(), kind.formats[i]);
+        if (!t) {
+            if (i == 0)
+                break;
+            continue;
+        }
+        result = FuzzReaders::LOADED;
+        pixelSum(*t);
+        if (!sizeAgrees(*t) || (kind.reloads && t->getDataSize() > 0 && !reloadsTheSame(textures, path, t)))
+            result = FuzzReaders::INCONSISTENT;
+        textures->removeTexture(path.c_str());
+        if (result == FuzzReaders::INCONSISTENT)
+            break;
+    }
+    clearRegistries();
+    return result;
+}
+
+const ImageKind pngKind = {"png", {8, 1, 2, 3, 4, 5, 6, 7}, true};
+const ImageKind jpegKind = {"jpg", {8, 1, 2, 3, 4, 5, 6, 7}, false};
+const ImageKind tiffKind = {"tif", {8, 1, 2, 3, 4, 5, 6, 7}, true};
+const ImageKind pcxKind = {"pcx", {8, 1, 2, 3, 4, 5, 6, 7}, true};
+const ImageKind tgaKind = {"tga", {8, 1, 7}, false};
+const ImageKind bwKind = {"bw", {5, 1, 2, 3, 4}, false};
+
+Outcome pngFile(const uint8_t* data, size_t size) { return imageFile(pngKind, data, size); }
+Outcome jpegFile(const uint8_t* data, size_t size) { return imageFile(jpegKind, data, size); }
+Outcome tiffFile(const uint8_t* data, size_t size) { return imageFile(tiffKind, data, size); }
+Outcome pcxFile(const uint8_t* data, size_t size) { return imageFile(pcxKind, data, size); }
+Outcome tgaFile(const uint8_t* data, size_t size) { return imageFile(tgaKind, data, size); }
+
+Outcome bwFile(const uint8_t* data, size_t size)
+{
+    Outcome result = imageFile(bwKind, data, size);
+    // Two- to four-component codes are refused whatever the file holds.
+    std::string path = ScratchFile::write("bw", data, size);
+    if (TextureMgr::getHandle()->loadTexture(path.c_str(), 8))
+        result = FuzzReaders::INCONSISTENT;
+    clearRegistries();
+    return result;
+}
+
+int32_t headerField(const uint8_t* data, int index)
+{
+    const uint8_t* p = data + 4 + 4 * index;
+    return static_cast<int32_t>(p[0] | (p[1] << 8) | (p[2] << 16) | (static_cast<uint32_t>(p[3]) << 24));
+}
+
+// The container takes its format from the file, reloads in place and writes
+// back what it read.
+bool containerHolds(TextureMgr* textures, const std::string& path, Texture* t, const uint8_t* data)
+{
+    if (t->getWidth() != headerField(data, 0) || t->getHeight() != headerField(data, 1) ||
+        t->getBitsPerPixel() != headerField(data, 2) || t->getFormat() != headerField(data, 3))
+        return false;
+    if (!reloadsTheSame(textures, path, t))
+        return false;
+    std::string copy = ScratchFile::write("copy.ctx", nullptr, 0);
+    if (!textures->saveTexture(copy.c_str(), t))
+        return false;
+    Texture* back = textures->loadTexture(copy.c_str(), 8);
+    bool same = back && back->getWidth() == t->getWidth() && back->getHeight() == t->getHeight() &&
+                back->getBitsPerPixel() == t->getBitsPerPixel() && back->getFormat() == t->getFormat() &&
+                back->getDataSize() == t->getDataSize() &&
+                std::memcmp(back->getDataPtr(), t->getDataPtr(), t->getDataSize()) == 0;
+    textures->removeTexture(copy.c_str());
+    return same;
+}
+
+Outcome containerFile(const uint8_t* data, size_t size)
+{
+    std::string path = ScratchFile::write("ctx", data, size);
+    TextureMgr* textures = TextureMgr::getHandle();
+    Texture* t = textures->loadTexture(path.c_str(), 8);
+    Outcome result = FuzzReaders::REJECTED;
+    if (t) {
+        pixelSum(*t);
+        bool good = size >= 20 && sizeAgrees(*t) && containerHolds(textures, path, t, data);
+        result = good ? FuzzReaders::LOADED : FuzzReaders::INCONSISTENT;
+    }
+    clearRegistries();
+    return result;
+}
+
+const FuzzReaders::Reader readers[] = {
+    {"config", configFile},
+    {"mesh", meshFile},
+    {"plainmesh", plainMeshFile},
+    {"materials", materialSet},
+    {"lights", lightSet},
+    {"cameras", cameraSet},
+    {"textures", textureList},
+    {"octree", octreeFile},
+    {"animation", animationFile},
+    {"png", pngFile},
+    {"jpeg", jpegFile},
+    {"tiff", tiffFile},
+    {"pcx", pcxFile},
+    {"tga", tgaFile},
+    {"bw", bwFile},
+    {"ctx", containerFile},
+};
+
+// The shared texture: 2 x 2 RGBA, written by the engine's container writer.
+void writeSharedTexture()
+{
+    mkdir(sharedDir, 0777);
+    std::string staging = ScratchFile::write("shared.ctx", nullptr, 0);
+    static const unsigned char pixels[16] = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255, 255, 255, 128};
+    unsigned char* copy = new unsigned char[sizeof pixels];
+    std::memcpy(copy, pixels, sizeof pixels);
+    Texture texture("shared", 2, 2, 32, 8, copy);
+    if (!TextureMgr::getHandle()->saveTexture(staging.c_str(), &texture))
+        return;
+    std::ifstream in(staging.c_str(), std::ios::binary);
+    std::stringstream bytes;
+    bytes << in.rdbuf();
+    ScratchFile::publish(sharedTexture, bytes.str());
+}
+
+} // namespace
+
+void FuzzReaders::prepare()
+{
+    static bool done = false;
+    if (done)
+        return;
+    done = true;
+    int null = open("/dev/null", O_RDONLY);
+    if (null >= 0) {
+        dup2(null, STDIN_FILENO);
+        close(null);
+    }
+    writeSharedTexture();
+    clearRegistries();
+}
+
+const FuzzReaders::Reader* FuzzReaders::find(const char* name)
+{
+    for (const Reader* r = begin(); r != end(); ++r)
+        if (name && std::strcmp(r->name, name) == 0)
+            return r;
+    return nullptr;
+}
+
+const FuzzReaders::Reader* FuzzReaders::begin()
+{
+    return readers;
+}
+
+const FuzzReaders::Reader* FuzzReaders::end()
+{
+    return readers + sizeof readers / sizeof readers[0];
+}
+
+const char* FuzzReaders::sharedTexturePath()
+{
+    return sharedTexture;
+}
+
+const char* FuzzReaders::animatedCameraName()
+{
+    return "fuzzcam";
+}
