@@ -2,11 +2,25 @@
 #include "runtime/Velmora.h"
 
 #include "config/VariableMgr.h"
+#include "effects/Credit.h"
 #include "effects/Fader.h"
+#include "effects/Logo.h"
+#include "gl/GLEXT.h"
 #include "math/Color.h"
 #include "runtime/EffectMgr.h"
+#include "runtime/Timer.h"
+#include "scene/Camera.h"
+#include "scene/CameraMgr.h"
+#include "scene/LightMgr.h"
+#include "sound/MusicPlayerMOD.h"
+#include "sound/Sound.h"
+#include "text/Console.h"
+#include "texture/MaterialMgr.h"
+#include "texture/Texture.h"
+#include "texture/TextureMgr.h"
 
 #include <GL/gl.h>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 
@@ -14,6 +28,15 @@ namespace {
 
 const char* const CONFIG_FILE = "./velmora.cfg";
 const char* const TITLE = "Velmora Deep / Quorvex Co";
+const int TEXTURE_QUALITY = 2;
+const int SOUND_CHANNELS = 32;
+// Lines the open console shows: its newest line stays above the read-out's two rows.
+const int CONSOLE_LINES = 37;
+// Red and green at the console's default intensity: a dim yellow.
+const int READOUT_COLOUR = 3;
+const int TITLE_COLOUR = 15;
+const int INFO_COLOUR = 7;
+const int HINT_COLOUR = 3 + 16;
 
 bool readBoolean(const char* key, bool fallback)
 {
@@ -25,6 +48,12 @@ int readInteger(const char* key, int fallback)
 {
     const Variable* variable = VariableMgr::getHandle()->find(key);
     return variable ? variable->getInteger() : fallback;
+}
+
+const char* glString(GLenum name)
+{
+    const GLubyte* text = glGetString(name);
+    return text ? reinterpret_cast<const char*>(text) : "unknown";
 }
 
 }
@@ -61,11 +90,21 @@ Velmora::~Velmora()
 
 void Velmora::onInit()
 {
-    // The GL extensions are bound before anything else touches GL.
+    GLEXT::bindAll();
     setFixedGLState();
-    // Texture quality, then the texture, material, light and camera registries and the
-    // console, then the music when sound is on: each starts here, in that order.
+    Texture::setTexQuality(TEXTURE_QUALITY);
+
+    TextureMgr::getHandle()->initiate();
+    MaterialMgr::getHandle()->initiate();
+    LightMgr::getHandle()->initiate();
+    LightMgr::getHandle()->turnLightingOn();
+    CameraMgr::getHandle()->initiate();
+    Console::getHandle()->initiate();
+
+    if (soundEnabled)
+        startSound();
     setupScenes();
+    reportToConsole();
 }
 
 void Velmora::setFixedGLState()
@@ -84,6 +123,63 @@ void Velmora::setFixedGLState()
     glHint(GL_POLYGON_SMOOTH_HINT, GL_NICEST);
 }
 
+void Velmora::startSound()
+{
+    Sound* sound = Sound::getHandle();
+    if (!sound->initiate(readInteger("Frequency", 44100), SOUND_CHANNELS)) {
+        // No device (or none that opens): the pictures carry on without music.
+        std::printf("Sound: no audio output, playing silently\n");
+        return;
+    }
+    const int volume = readInteger("Volume", Sound::MAX_GLOBAL_VOLUME);
+    // Silent while the song starts, so its first mix does not click.
+    sound->setGlobalVolume(0);
+    const Variable* song = VariableMgr::getHandle()->find("Song");
+    if (song) {
+        MusicPlayerMOD* player = new MusicPlayerMOD();
+        if (player->load(song->getString())) {
+            sound->addMusic(player);
+            sound->setCurrentMusic(player);
+            player->initiate();
+        } else {
+            delete player;
+        }
+    }
+    sound->update();
+    sound->setGlobalVolume(volume);
+}
+
+void Velmora::reportToConsole()
+{
+    Console* console = Console::getHandle();
+    console->setVisibleLines(CONSOLE_LINES);
+    console->print("Velmora Deep / Quorvex Co\n", TITLE_COLOUR);
+    char line[Console::FORMAT_BUFFER_SIZE];
+    std::snprintf(line, sizeof line, "Renderer: %s\n", glString(GL_RENDERER));
+    console->print(line, INFO_COLOUR);
+    std::snprintf(line, sizeof line, "OpenGL: %s\n", glString(GL_VERSION));
+    console->print(line, INFO_COLOUR);
+    std::snprintf(line, sizeof line, "Window: %d x %d, %d bits, %s\n", getWidth(), getHeight(), getBitsPerPixel(),
+                  isFullscreen() ? "full screen" : "windowed");
+    console->print(line, INFO_COLOUR);
+
+    Sound* sound = Sound::getHandle();
+    const MusicPlayer* music = sound->getCurrentMusic();
+    if (!soundEnabled)
+        std::snprintf(line, sizeof line, "Sound: off\n");
+    else if (!sound->isInitialised())
+        std::snprintf(line, sizeof line, "Sound: no audio output, silent\n");
+    else if (music && music->getFilename())
+        std::snprintf(line, sizeof line, "Sound: %d Hz, %s\n", sound->getMixRate(), music->getFilename());
+    else
+        std::snprintf(line, sizeof line, "Sound: %d Hz, no song\n", sound->getMixRate());
+    console->print(line, INFO_COLOUR);
+
+    std::snprintf(line, sizeof line, "Scenes: %u on the schedule\n", effects ? effects->getPendingCount() : 0u);
+    console->print(line, INFO_COLOUR);
+    console->print("Click to close the console, Escape to quit.\n", HINT_COLOUR);
+}
+
 void Velmora::setupScenes()
 {
     delete effects;
@@ -91,10 +187,16 @@ void Velmora::setupScenes()
 
     const Color white(1.0f, 1.0f, 1.0f, 1.0f);
     const Color black(0.0f, 0.0f, 0.0f, 1.0f);
-    // Each fade straddles a cut, on a layer above every scene. The numbers are the
-    // schedule's entries; the scenes between them join as they are written.
+    // The schedule's entries by number, in its order; the scenes between them join as they
+    // are written. Each fade straddles a cut, on a layer above every scene; the credits are
+    // spaced 8.875 s apart, an earlier one drawn over a later one.
+    /* 1 */ effects->addEffect(new Credit(0, 4, EffectTimer(0.0f, 8.875f)));
+    /* 2 */ effects->addEffect(new Credit(1, 3, EffectTimer(8.875f, 17.75f)));
+    /* 3 */ effects->addEffect(new Credit(2, 2, EffectTimer(17.75f, 26.625f)));
+    /* 4 */ effects->addEffect(new Credit(3, 1, EffectTimer(26.625f, 35.5f)));
     /* 5 */ effects->addEffect(new Fader(white, 100, EffectTimer(35.0f, 36.0f)));
     /* 7 */ effects->addEffect(new Fader(white, 100, EffectTimer(68.0f, 69.0f)));
+    /* 8 */ effects->addEffect(new Logo(0, EffectTimer(68.5f, 76.0f)));
     /* 9 */ effects->addEffect(new Fader(black, 100, EffectTimer(75.5f, 76.5f)));
     /* 11 */ effects->addEffect(new Fader(black, 100, EffectTimer(108.5f, 109.5f)));
     /* 13 */ effects->addEffect(new Fader(black, 100, EffectTimer(141.5f, 143.5f)));
@@ -106,30 +208,56 @@ void Velmora::setupScenes()
     effects->initiate();
 }
 
+void Velmora::setupTest()
+{
+    delete effects;
+    effects = new EffectMgr();
+    // The street scene alone, for half an hour, joins here once it is written:
+    // effects->addEffect(new CityStreet(0, EffectTimer(0.0f, 1800.0f)));
+    effects->initiate();
+}
+
 void Velmora::onUpdate(float seconds)
 {
     if (effects)
         effects->update(seconds);
-    // The console and, when sound is on, the sound system advance here.
+    Console::getHandle()->update(seconds);
+    if (soundEnabled)
+        Sound::getHandle()->update();
 }
 
 void Velmora::onDisplay()
 {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    // The active camera is applied and the lights re-aimed here, before the scenes draw.
+    Camera* camera = CameraMgr::getHandle()->getActiveCamera();
+    if (camera) {
+        camera->lookAt();
+        LightMgr::getHandle()->reorient(*camera);
+    }
     if (effects)
         effects->display();
-    // With lighting off the console draws here.
+    LightMgr::getHandle()->turnLightingOff();
+    Console::getHandle()->display();
     glDisable(GL_DEPTH_TEST);
-    // The time and frame-rate read-out draws here when showFPS is set.
+    if (showFPS)
+        drawReadout();
     glEnable(GL_DEPTH_TEST);
+    LightMgr::getHandle()->turnLightingOn();
+}
+
+void Velmora::drawReadout()
+{
+    Console* console = Console::getHandle();
+    const float sceneTime = effects ? effects->getTimer().current : 0.0f;
+    console->printf(0, 2, READOUT_COLOUR, "TIME: %2.2f", sceneTime);
+    console->printf(0, 1, READOUT_COLOUR, "FPS : %2.2f", timer ? timer->getFramesPerSec() : 0.0);
 }
 
 void Velmora::onResize(int width, int height)
 {
     glViewport(0, 0, width, height);
     setSize(width, height);
-    // The cameras follow the new aspect here.
+    CameraMgr::getHandle()->onResize(width, height);
 }
 
 void Velmora::onKey(unsigned char key)
@@ -140,7 +268,11 @@ void Velmora::onKey(unsigned char key)
 
 void Velmora::onMouseButton(int, int, int)
 {
-    // Any press toggles the console once it exists.
+    Console* console = Console::getHandle();
+    if (console->isActive())
+        console->deactivate();
+    else
+        console->activate();
 }
 
 void Velmora::onMouseMove(int, int)
@@ -157,7 +289,12 @@ void Velmora::onDeactivate()
 
 void Velmora::onQuit()
 {
-    // Sound (when on), the console, then the camera, light, material and texture
-    // registries shut down here, the reverse of their start. The timeline itself goes
-    // with the destructor, after run has returned.
+    // The reverse of the start. The timeline itself goes with the destructor, after run has returned.
+    if (soundEnabled)
+        Sound::getHandle()->shutdown();
+    Console::getHandle()->shutdown();
+    CameraMgr::getHandle()->shutdown();
+    LightMgr::getHandle()->shutdown();
+    MaterialMgr::getHandle()->shutdown();
+    TextureMgr::getHandle()->shutdown();
 }

@@ -26,6 +26,8 @@ public:
 
     // Builds the whole timeline once; the scene clock starts at 0.
     void setupScenes();
+    // A development aid: a one-scene timeline in place of the schedule. Nothing calls it.
+    void setupTest();
 
     bool isSoundEnabled() const { return soundEnabled; }
     bool isShowingFPS() const { return showFPS; }
@@ -40,6 +42,12 @@ protected:
 private:
     // The state every scene may rely on when it starts.
     void setFixedGLState();
+    // The output, the global volume and the song; a failed open leaves the demo silent.
+    void startSound();
+    // A few lines about the running program, so that opening the console shows something.
+    void reportToConsole();
+    // Scene time and frame rate at the bottom left.
+    void drawReadout();
 
     bool soundEnabled;
     bool showFPS;

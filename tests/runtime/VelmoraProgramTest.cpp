@@ -93,15 +93,23 @@ protected:
 
     std::string output() { return readFile(dir + "/stdout.txt") + readFile(dir + "/stderr.txt"); }
 
-    // The program's window size, found by its process id; empty when no window came up.
-    std::string windowSize()
+    // The program's window, found by its process id; empty when no window came up.
+    std::string windowId()
     {
         // Generous: a loaded machine and a sanitizer build start slowly.
         for (double giveUp = now() + 60.0; now() < giveUp && running(); sleepMillis(50)) {
             std::string ids = capture("xdotool search --onlyvisible --pid " + std::to_string(pid) + " 2>/dev/null");
-            if (ids.empty())
-                continue;
-            std::istringstream lines(capture("xdotool getwindowgeometry --shell " + ids.substr(0, ids.find('\n'))));
+            if (!ids.empty())
+                return ids.substr(0, ids.find('\n'));
+        }
+        return std::string();
+    }
+
+    std::string windowSize()
+    {
+        const std::string id = windowId();
+        if (!id.empty()) {
+            std::istringstream lines(capture("xdotool getwindowgeometry --shell " + id));
             std::string width, height;
             for (std::string line; std::getline(lines, line);) {
                 if (line.rfind("WIDTH=", 0) == 0)
@@ -114,15 +122,21 @@ protected:
         return std::string();
     }
 
+    // Waits for the program to end; false when it is still running after the wait.
+    bool ended(double seconds)
+    {
+        for (double giveUp = now() + seconds; now() < giveUp && running();)
+            sleepMillis(50);
+        return status != -1;
+    }
+
     // Left running a while, then SIGTERM: SDL turns it into a quit event.
     void expectCleanQuitAfterTwoSeconds()
     {
         sleepMillis(2000);
         ASSERT_TRUE(running()) << "velmora ended on its own: " << output();
         kill(pid, SIGTERM);
-        for (double giveUp = now() + 20.0; now() < giveUp && running();)
-            sleepMillis(50);
-        ASSERT_NE(status, -1) << "velmora ignored SIGTERM";
+        ASSERT_TRUE(ended(20.0)) << "velmora ignored SIGTERM";
         ASSERT_TRUE(WIFEXITED(status)) << "velmora did not exit normally";
         // A normal end returns run's true as the exit status: kept inverted.
         EXPECT_EQ(WEXITSTATUS(status), 1);
@@ -149,4 +163,21 @@ TEST_F(ProgramRun, NoConfigurationOpensTheDefaultWindow)
     ASSERT_GT(pid, 0);
     EXPECT_EQ(windowSize(), "640x480") << output();
     expectCleanQuitAfterTwoSeconds();
+}
+
+TEST_F(ProgramRun, EscapeQuitsWithStatusOne)
+{
+    start();
+    ASSERT_GT(pid, 0);
+    const std::string id = windowId();
+    ASSERT_FALSE(id.empty()) << output();
+    // Other keys are ignored; Escape ends the program.
+    capture("xdotool windowfocus --sync " + id + " key --window " + id + " space q Return 2>&1");
+    sleepMillis(500);
+    ASSERT_TRUE(running()) << "a key other than Escape ended velmora: " << output();
+    for (double giveUp = now() + 20.0; now() < giveUp && running(); sleepMillis(250))
+        capture("xdotool key --window " + id + " Escape 2>&1");
+    ASSERT_TRUE(ended(20.0)) << "Escape did not end velmora";
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 1);
 }

@@ -2,35 +2,56 @@
 #include "runtime/Velmora.h"
 
 #include "config/VariableMgr.h"
+#include "effects/Credit.h"
+#include "effects/Fader.h"
+#include "effects/Logo.h"
 #include "runtime/EffectMgr.h"
+#include "sound/MusicPlayer.h"
+#include "sound/Sound.h"
+#include "text/Console.h"
+#include "texture/TextureMgr.h"
 
 #include <SDL/SDL.h>
 #include <GL/gl.h>
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
 const char* const HEADER = "Settings Registry v0.1\n(c) Quorvex Co - settings for Velmora Deep\n";
 
-// The fades of the schedule: start, end, and whether they flash white.
-struct Fade { float start, end; bool white; };
-const Fade FADES[] = {{35.0f, 36.0f, true},    {68.0f, 69.0f, true},    {75.5f, 76.5f, false},
-                      {108.5f, 109.5f, false}, {141.5f, 143.5f, false}, {150.0f, 151.0f, false},
-                      {168.0f, 169.0f, true},  {199.5f, 203.5f, false}};
+// The schedule's table: start, end and layer of its 24 entries, in order.
+struct Entry { float start, end; short layer; };
+const Entry TABLE[24] = {
+    {0.0f, 8.875f, 4},      {8.875f, 17.75f, 3},    {17.75f, 26.625f, 2},   {26.625f, 35.5f, 1},
+    {35.0f, 36.0f, 100},    {35.5f, 68.5f, 0},      {68.0f, 69.0f, 100},    {68.5f, 76.0f, 0},
+    {75.5f, 76.5f, 100},    {76.0f, 109.0f, 0},     {108.5f, 109.5f, 100},  {109.0f, 142.5f, 0},
+    {141.5f, 143.5f, 100},  {142.5f, 150.5f, 0},    {150.0f, 151.0f, 100},  {150.5f, 168.5f, 0},
+    {168.0f, 169.0f, 100},  {168.5f, 201.5f, 0},    {199.5f, 203.5f, 100},  {201.5f, 214.5f, 0},
+    {214.5f, 247.5f, 0},    {247.5f, 259.5f, 0},    {259.5f, 289.5f, 0},    {259.5f, 289.5f, 1}};
+// Entries whose classes the demo always has: the credits, the fades and the logo (numbered from 0).
+const int ALWAYS[] = {0, 1, 2, 3, 4, 6, 7, 8, 10, 12, 14, 16, 18};
 
-// An effect is updated in the frame that starts it, so its own clock runs one frame
-// ahead of the scene clock: it leaves on the frame whose scene time reaches its end.
-unsigned fadesCovering(float t)
+// The schedule's effects in the order they were added.
+std::vector<const Effect*> scheduleOf(const EffectMgr& effects)
 {
-    unsigned count = 0;
-    for (const Fade& fade : FADES)
-        count += fade.start <= t && t < fade.end;
-    return count;
+    std::vector<const Effect*> added;
+    effects.forEachPending([&added](const Effect& effect) { added.insert(added.begin(), &effect); });
+    return added;
+}
+
+std::vector<const Effect*> runningOf(const EffectMgr& effects)
+{
+    std::vector<const Effect*> running;
+    effects.forEachRunning([&running](const Effect& effect) { running.push_back(&effect); });
+    return running;
 }
 
 // Each test starts from an empty registry; the demo is built inside a directory of its own.
@@ -51,17 +72,20 @@ protected:
         std::remove((dir + "/velmora.cfg").c_str());
         rmdir(dir.c_str());
         VariableMgr::getHandle()->shutdown();
+        // A quit shuts the texture cache down with its loaders; later demos need them back.
+        TextureMgr::getHandle()->registerStandardLoaders();
     }
 
     void writeConfig(const std::string& text) { std::ofstream((dir + "/velmora.cfg").c_str()) << text; }
 
     // The constructor reads ./velmora.cfg, so it runs in the test's directory.
-    Velmora* build()
+    template <typename Demo = Velmora>
+    std::unique_ptr<Demo> build()
     {
         char home[4096];
         if (!getcwd(home, sizeof home) || chdir(dir.c_str()) != 0)
             return nullptr;
-        Velmora* demo = new Velmora();
+        std::unique_ptr<Demo> demo(new Demo());
         if (chdir(home) != 0)
             ADD_FAILURE() << "cannot return to " << home;
         return demo;
@@ -102,7 +126,7 @@ public:
 
 TEST_F(Driver, NoFileGivesTheDefaults)
 {
-    Velmora* demo = build();
+    auto demo = build();
     ASSERT_NE(demo, nullptr);
     const AppInfo& info = demo->getInfo();
     EXPECT_TRUE(info.cursor);
@@ -115,14 +139,13 @@ TEST_F(Driver, NoFileGivesTheDefaults)
     EXPECT_FALSE(demo->isShowingFPS());
     EXPECT_STREQ(demo->getTitle(), "Velmora Deep / Quorvex Co");
     EXPECT_EQ(demo->getEffects(), nullptr);
-    delete demo;
 }
 
 TEST_F(Driver, KeysFillTheDisplayRequest)
 {
     writeConfig(std::string(HEADER) + "Cursor = no\nFullscreen = YES\nWidth = 800\nHeight = 600\n"
                 "BitsPerPixel = 16\nDepthBuffer = 24\nShowFPS = yes\nSound = Yes\n");
-    Velmora* demo = build();
+    auto demo = build();
     ASSERT_NE(demo, nullptr);
     const AppInfo& info = demo->getInfo();
     EXPECT_FALSE(info.cursor);
@@ -134,52 +157,194 @@ TEST_F(Driver, KeysFillTheDisplayRequest)
     EXPECT_EQ(info.stencilBuffer + info.extra, 0);
     EXPECT_TRUE(demo->isShowingFPS());
     EXPECT_TRUE(demo->isSoundEnabled());
-    delete demo;
 }
 
 TEST_F(Driver, BadValuesAndRecordsFallBackToDefaults)
 {
     // Only "yes" is true; a record without blanks around "=" ends the file.
     writeConfig(std::string(HEADER) + "Cursor = true\nShowFPS = 1\nWidth = 1024\nHeight=768\nSound = yes\n");
-    Velmora* demo = build();
+    auto demo = build();
     ASSERT_NE(demo, nullptr);
     EXPECT_FALSE(demo->getInfo().cursor);
     EXPECT_FALSE(demo->isShowingFPS());
     EXPECT_EQ(demo->getInfo().width, 1024);
     EXPECT_EQ(demo->getInfo().height, 480);
     EXPECT_FALSE(demo->isSoundEnabled());
-    delete demo;
 
     VariableMgr::getHandle()->shutdown();
     writeConfig("settings registry v0.1\nx\nWidth = 800\n");
     demo = build();
     ASSERT_NE(demo, nullptr);
     EXPECT_EQ(demo->getInfo().width, 640);
-    delete demo;
 }
 
-TEST_F(Driver, ScheduleRunsEveryFadeOverItsSpan)
+TEST_F(Driver, ScheduleFollowsTheTableInOrder)
 {
-    Velmora* demo = build();
+    auto demo = build();
     ASSERT_NE(demo, nullptr);
     demo->setupScenes();
     EffectMgr* effects = demo->getEffects();
     ASSERT_NE(effects, nullptr);
-    EXPECT_EQ(effects->getPendingCount(), 8u);
     EXPECT_EQ(effects->getTimer().current + effects->getTimer().end, 0.0f);
-    for (int frame = 1; frame <= 4 * 210; ++frame) {
-        demo->onUpdate(0.25f);
-        float t = frame * 0.25f;
-        ASSERT_EQ(effects->getRunningCount(), fadesCovering(t)) << "at scene time " << t;
+    // Scenes not written yet are missing; those present keep the table's order and times.
+    std::vector<int> rows;
+    int row = 0;
+    for (const Effect* effect : scheduleOf(*effects)) {
+        const EffectTimer& span = effect->getTimer();
+        while (row < 24 && (TABLE[row].start != span.start || TABLE[row].end != span.end ||
+                            TABLE[row].layer != effect->getLayer()))
+            ++row;
+        ASSERT_LT(row, 24) << "an entry from " << span.start << " is out of place";
+        rows.push_back(row++);
+        if (rows.back() < 4) {
+            const Credit* credit = dynamic_cast<const Credit*>(effect);
+            ASSERT_NE(credit, nullptr);
+            EXPECT_EQ(credit->getIndex(), rows.back());
+        }
+        if (rows.back() == 7) {
+            EXPECT_NE(dynamic_cast<const Logo*>(effect), nullptr);
+        }
+    }
+    for (int always : ALWAYS)
+        EXPECT_NE(std::find(rows.begin(), rows.end(), always), rows.end()) << "entry " << always + 1;
+}
+
+TEST_F(Driver, EveryEntryRunsOverItsSpan)
+{
+    auto demo = build<OpenDemo>();
+    ASSERT_TRUE(demo->open()) << SDL_GetError();
+    EffectMgr* effects = demo->getEffects();
+    const std::vector<const Effect*> schedule = scheduleOf(*effects);
+    std::vector<EffectTimer> spans;
+    for (const Effect* effect : schedule)
+        spans.push_back(effect->getTimer());
+    // Eighth-second frames land exactly on every start and end.
+    for (int frame = 1; frame <= 8 * 290; ++frame) {
+        demo->onUpdate(0.125f);
+        const float t = frame * 0.125f;
+        // An effect's own clock starts at its start on the frame that starts it and leaves
+        // the span once past its end.
+        unsigned covering = 0;
+        for (const EffectTimer& span : spans) {
+            const float first = std::max(span.start, 0.125f);
+            covering += first <= t && span.start + (t - first) + 0.125f <= span.end;
+        }
+        ASSERT_EQ(effects->getRunningCount(), covering) << "at scene time " << t;
     }
     EXPECT_EQ(effects->getPendingCount(), 0u);
-    delete demo;
+}
+
+TEST_F(Driver, AtTheFirstCutTheFadeIsDrawnLast)
+{
+    auto demo = build<OpenDemo>();
+    ASSERT_TRUE(demo->open()) << SDL_GetError();
+    demo->advanceTo(35.0f);
+    demo->onUpdate(0.2f);
+    std::vector<const Effect*> running = runningOf(*demo->getEffects());
+    ASSERT_EQ(running.size(), 2u);
+    const Credit* credit = dynamic_cast<const Credit*>(running[0]);
+    ASSERT_NE(credit, nullptr);
+    EXPECT_EQ(credit->getIndex(), 3);
+    EXPECT_NE(dynamic_cast<const Fader*>(running[1]), nullptr);
+
+    // Past the cut: the next scene (when it exists) under the same fade.
+    demo->onUpdate(0.5f);
+    running = runningOf(*demo->getEffects());
+    ASSERT_FALSE(running.empty());
+    EXPECT_EQ(running.back()->getTimer().start, 35.0f);
+    EXPECT_NE(dynamic_cast<const Fader*>(running.back()), nullptr);
+    for (size_t i = 0; i + 1 < running.size(); ++i)
+        EXPECT_EQ(running[i]->getTimer().start, 35.5f);
+}
+
+TEST_F(Driver, AClickTogglesTheConsoleThatDescribesTheProgram)
+{
+    Console::getHandle()->shutdown();
+    auto demo = build<OpenDemo>();
+    ASSERT_TRUE(demo->open()) << SDL_GetError();
+    std::string text;
+    for (int line = 1; line <= Console::getHandle()->getCurrentLine(); ++line)
+        text += std::string(Console::getHandle()->getLine(line), Console::WIDTH) + "\n";
+    EXPECT_NE(text.find("Renderer: "), std::string::npos) << text;
+    EXPECT_NE(text.find("Window: 640 x 480"), std::string::npos) << text;
+    EXPECT_NE(text.find("Sound: off"), std::string::npos) << text;
+
+    SDL_EventState(SDL_ACTIVEEVENT, SDL_IGNORE);
+    while (SDL_PollEvent(nullptr))
+        demo->handleEvents();
+    EXPECT_FALSE(Console::getHandle()->isActive());
+    SDL_Event event = {};
+    const Uint8 kinds[] = {SDL_MOUSEBUTTONDOWN, SDL_MOUSEBUTTONUP, SDL_MOUSEMOTION, SDL_MOUSEBUTTONDOWN};
+    const bool expected[] = {true, true, true, false};
+    for (int i = 0; i < 4; ++i) {
+        event.type = kinds[i];
+        SDL_PushEvent(&event);
+        demo->handleEvents();
+        EXPECT_EQ(Console::getHandle()->isActive(), expected[i]) << "after event " << i;
+    }
+}
+
+TEST_F(Driver, ReadoutDrawsDimYellowAtTheBottomLeft)
+{
+    writeConfig(std::string(HEADER) + "ShowFPS = yes\n");
+    auto demo = build<OpenDemo>();
+    ASSERT_TRUE(demo->open()) << SDL_GetError();
+    demo->advanceTo(40.0f);
+    demo->onDisplay();
+    // Rows 1 and 2, columns 0 to 11: y from 12.8 to 36.8, x from 11.52 to 149.76.
+    std::vector<unsigned char> pixels(138 * 24 * 4);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(12, 13, 138, 24, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    int yellow = 0, other = 0;
+    for (size_t i = 0; i < pixels.size(); i += 4) {
+        if (pixels[i] > 64 && pixels[i] == pixels[i + 1] && pixels[i + 2] == 0 && pixels[i] <= 204)
+            ++yellow;
+        else if (pixels[i] + pixels[i + 1] + pixels[i + 2] != 0 && pixels[i] != pixels[i + 1])
+            ++other;
+    }
+    EXPECT_GT(yellow, 100);
+    EXPECT_EQ(other, 0);
+}
+
+TEST_F(Driver, SongPlaysWhenSoundIsOnAndStopsAtQuit)
+{
+    setenv("SDL_AUDIODRIVER", "dummy", 0);
+    const std::string song = std::string(VELMORA_BINARY_DIR) + "/data/music/velmora.xm";
+    writeConfig(std::string(HEADER) + "Sound = yes\nVolume = 100\nSong = " + song + "\n");
+    auto demo = build<OpenDemo>();
+    ASSERT_TRUE(demo->open()) << SDL_GetError();
+    Sound* sound = Sound::getHandle();
+    ASSERT_TRUE(sound->isInitialised());
+    EXPECT_EQ(sound->getGlobalVolume(), 100);
+    ASSERT_NE(sound->getCurrentMusic(), nullptr);
+    EXPECT_EQ(song, sound->getCurrentMusic()->getFilename());
+    EXPECT_TRUE(sound->getCurrentMusic()->isPlaying());
+    demo->onUpdate(0.25f);
+    demo->onQuit();
+    EXPECT_FALSE(sound->isInitialised());
+}
+
+TEST_F(Driver, AnOutputThatWillNotOpenLeavesTheDemoSilent)
+{
+    Console::getHandle()->shutdown();
+    writeConfig(std::string(HEADER) + "Sound = yes\nFrequency = 0\n");
+    auto demo = build<OpenDemo>();
+    ASSERT_TRUE(demo->open()) << SDL_GetError();
+    EXPECT_FALSE(Sound::getHandle()->isInitialised());
+    EXPECT_EQ(Sound::getHandle()->getCurrentMusic(), nullptr);
+    std::string text;
+    for (int line = 1; line <= Console::getHandle()->getCurrentLine(); ++line)
+        text += std::string(Console::getHandle()->getLine(line), Console::WIDTH);
+    EXPECT_NE(text.find("Sound: no audio output"), std::string::npos) << text;
+    demo->advanceTo(1.0f);
+    demo->onDisplay();
+    demo->onQuit();
 }
 
 TEST_F(Driver, InitSetsTheFixedState)
 {
-    OpenDemo demo;
-    ASSERT_TRUE(demo.open()) << SDL_GetError();
+    auto demo = build<OpenDemo>();
+    ASSERT_TRUE(demo->open()) << SDL_GetError();
     EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST) && glIsEnabled(GL_CULL_FACE));
     EXPECT_FALSE(glIsEnabled(GL_DITHER) || glIsEnabled(GL_COLOR_MATERIAL));
     const GLenum queries[] = {GL_DEPTH_FUNC, GL_CULL_FACE_MODE, GL_FRONT_FACE, GL_SHADE_MODEL,
@@ -201,34 +366,40 @@ TEST_F(Driver, InitSetsTheFixedState)
 
 TEST_F(Driver, FadesFlashTheirColourAtEachCut)
 {
-    OpenDemo demo;
-    ASSERT_TRUE(demo.open()) << SDL_GetError();
+    auto demo = build<OpenDemo>();
+    ASSERT_TRUE(demo->open()) << SDL_GetError();
     // A grey background tells a black fade from an empty frame.
     glClearColor(0.5f, 0.5f, 0.5f, 1.0f);
-    for (const Fade& fade : FADES) {
+    const bool whiteFade[24] = {false, false, false, false, true, false, true, false, false, false, false, false,
+                                false, false, false, false, true};
+    for (int row = 0; row < 24; ++row) {
+        if (TABLE[row].layer != 100)
+            continue;
         // Full cover comes one frame before the scene clock reaches the middle.
-        demo.advanceTo((fade.start + fade.end) / 2 - 0.25f);
-        demo.onDisplay();
-        EXPECT_EQ(demo.centreRed(), fade.white ? 255 : 0) << "fade from " << fade.start;
+        demo->advanceTo((TABLE[row].start + TABLE[row].end) / 2 - 0.25f);
+        demo->onDisplay();
+        EXPECT_EQ(demo->centreRed(), whiteFade[row] ? 255 : 0) << "fade from " << TABLE[row].start;
     }
-    demo.advanceTo(250.0f);
-    demo.onDisplay();
-    EXPECT_NEAR(demo.centreRed(), 128, 1);
+    // The logo scene sets its own clear colour.
+    demo->advanceTo(290.0f);
+    glClearColor(0.5f, 0.5f, 0.5f, 1.0f);
+    demo->onDisplay();
+    EXPECT_NEAR(demo->centreRed(), 128, 1);
     EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
 }
 
 TEST_F(Driver, EscapeQuitsAndOtherKeysDoNothing)
 {
-    OpenDemo demo;
-    ASSERT_TRUE(demo.open());
+    auto demo = build<OpenDemo>();
+    ASSERT_TRUE(demo->open());
     SDL_EventState(SDL_ACTIVEEVENT, SDL_IGNORE);
     while (SDL_PollEvent(nullptr))
-        demo.handleEvents();
-    demo.onKey('q');
-    demo.onKey(' ');
-    EXPECT_TRUE(demo.handleEvents());
-    demo.onKey(Velmora::KEY_ESCAPE);
-    EXPECT_FALSE(demo.handleEvents());
+        demo->handleEvents();
+    demo->onKey('q');
+    demo->onKey(' ');
+    EXPECT_TRUE(demo->handleEvents());
+    demo->onKey(Velmora::KEY_ESCAPE);
+    EXPECT_FALSE(demo->handleEvents());
 }
 
 namespace {
@@ -269,6 +440,12 @@ public:
         if (getWidth() != 720 || getHeight() != 540 || checked)
             return;
         // A quad over the whole viewport reaches the new corner only if the viewport followed.
+        glMatrixMode(GL_PROJECTION);
+        glLoadIdentity();
+        glMatrixMode(GL_MODELVIEW);
+        glLoadIdentity();
+        glDisable(GL_LIGHTING);
+        glDisable(GL_TEXTURE_2D);
         glDisable(GL_DEPTH_TEST);
         glColor3f(0.0f, 1.0f, 0.0f);
         glRectf(-1.0f, -1.0f, 1.0f, 1.0f);
