@@ -96,13 +96,14 @@ bool CreditsArt::drawCredit(int index, Image& canvas)
 
 Image CreditsArt::glowOf(const Image& sharp)
 {
-    // A tight blur for the shape and a wide one for the bloom around it.
+    // A tight blur for the shape and a wide one for the bloom around it, faint: the trail
+    // stacks fifteen copies over the sharp picture and must not bury it.
     const Image near = sharp.blurred(9.0, Image::Clamp);
     const Image far = sharp.blurred(26.0, Image::Clamp);
     Image glow(sharp.width(), sharp.height(), Rgba{ 1.0f, 1.0f, 1.0f, 0.0f });
     for (int y = 0; y < glow.height(); ++y) {
         for (int x = 0; x < glow.width(); ++x) {
-            const double a = 1.7 * near.at(x, y).a + 1.1 * far.at(x, y).a;
+            const double a = 0.5 * near.at(x, y).a + 0.35 * far.at(x, y).a;
             glow.at(x, y).a = (float)Maths::clamp(a, 0.0, 1.0);
         }
     }
