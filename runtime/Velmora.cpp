@@ -153,11 +153,13 @@ void Velmora::reportToConsole()
 {
     Console* console = Console::getHandle();
     console->setVisibleLines(CONSOLE_LINES);
+    // The first line drawn sits partly above the view: leave it empty.
+    console->print("\n", INFO_COLOUR);
     console->print("Velmora Deep / Quorvex Co\n", TITLE_COLOUR);
     char line[Console::FORMAT_BUFFER_SIZE];
     std::snprintf(line, sizeof line, "Renderer: %s\n", glString(GL_RENDERER));
     console->print(line, INFO_COLOUR);
-    std::snprintf(line, sizeof line, "OpenGL: %s\n", glString(GL_VERSION));
+    std::snprintf(line, sizeof line, "GL %s\n", glString(GL_VERSION));
     console->print(line, INFO_COLOUR);
     std::snprintf(line, sizeof line, "Window: %d x %d, %d bits, %s\n", getWidth(), getHeight(), getBitsPerPixel(),
                   isFullscreen() ? "full screen" : "windowed");
