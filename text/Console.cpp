@@ -276,6 +276,12 @@ void Console::setScrollback(int lines)
     scroll = lines;
 }
 
+void Console::setVisibleLines(int lines)
+{
+    if (initiated)
+        visibleLines = lines;
+}
+
 Color Console::colorOf(int code)
 {
     float level = 0.8f;

@@ -59,7 +59,7 @@ public:
     void erase();
     void clear();
     void setScrollback(int lines);
-    void setVisibleLines(int lines) { visibleLines = lines; }
+    void setVisibleLines(int lines);
     // Sets the drawing colour from a code and makes it the GL colour.
     void setColor(int colourCode);
     void drawNotify() {}

@@ -209,31 +209,6 @@ TEST_F(Driver, ScheduleFollowsTheTableInOrder)
         EXPECT_NE(std::find(rows.begin(), rows.end(), always), rows.end()) << "entry " << always + 1;
 }
 
-TEST_F(Driver, EveryEntryRunsOverItsSpan)
-{
-    auto demo = build<OpenDemo>();
-    ASSERT_TRUE(demo->open()) << SDL_GetError();
-    EffectMgr* effects = demo->getEffects();
-    const std::vector<const Effect*> schedule = scheduleOf(*effects);
-    std::vector<EffectTimer> spans;
-    for (const Effect* effect : schedule)
-        spans.push_back(effect->getTimer());
-    // Eighth-second frames land exactly on every start and end.
-    for (int frame = 1; frame <= 8 * 290; ++frame) {
-        demo->onUpdate(0.125f);
-        const float t = frame * 0.125f;
-        // An effect's own clock starts at its start on the frame that starts it and leaves
-        // the span once past its end.
-        unsigned covering = 0;
-        for (const EffectTimer& span : spans) {
-            const float first = std::max(span.start, 0.125f);
-            covering += first <= t && span.start + (t - first) + 0.125f <= span.end;
-        }
-        ASSERT_EQ(effects->getRunningCount(), covering) << "at scene time " << t;
-    }
-    EXPECT_EQ(effects->getPendingCount(), 0u);
-}
-
 TEST_F(Driver, AtTheFirstCutTheFadeIsDrawnLast)
 {
     auto demo = build<OpenDemo>();
@@ -282,28 +257,6 @@ TEST_F(Driver, AClickTogglesTheConsoleThatDescribesTheProgram)
         demo->handleEvents();
         EXPECT_EQ(Console::getHandle()->isActive(), expected[i]) << "after event " << i;
     }
-}
-
-TEST_F(Driver, ReadoutDrawsDimYellowAtTheBottomLeft)
-{
-    writeConfig(std::string(HEADER) + "ShowFPS = yes\n");
-    auto demo = build<OpenDemo>();
-    ASSERT_TRUE(demo->open()) << SDL_GetError();
-    demo->advanceTo(40.0f);
-    demo->onDisplay();
-    // Rows 1 and 2, columns 0 to 11: y from 12.8 to 36.8, x from 11.52 to 149.76.
-    std::vector<unsigned char> pixels(138 * 24 * 4);
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glReadPixels(12, 13, 138, 24, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    int yellow = 0, other = 0;
-    for (size_t i = 0; i < pixels.size(); i += 4) {
-        if (pixels[i] > 64 && pixels[i] == pixels[i + 1] && pixels[i + 2] == 0 && pixels[i] <= 204)
-            ++yellow;
-        else if (pixels[i] + pixels[i + 1] + pixels[i + 2] != 0 && pixels[i] != pixels[i + 1])
-            ++other;
-    }
-    EXPECT_GT(yellow, 100);
-    EXPECT_EQ(other, 0);
 }
 
 TEST_F(Driver, SongPlaysWhenSoundIsOnAndStopsAtQuit)
