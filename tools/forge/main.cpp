@@ -3,6 +3,7 @@
 #include "CreditsArt.h"
 #include "Forge.h"
 #include "IslandArt.h"
+#include "IslandsContent.h"
 #include "LogoArt.h"
 #include "MeshArt.h"
 #include "SkyArt.h"
@@ -23,6 +24,7 @@ int main(int argc, char** argv)
     CreditsArt().build(forge);
     LogoArt().build(forge);
     IslandArt().build(forge);
+    IslandsContent().build(forge);
     SkyArt().build(forge);
     TunnelArt().build(forge);
     MeshArt().build(forge);
