@@ -4,6 +4,7 @@
 #include "config/VariableMgr.h"
 #include "effects/Credit.h"
 #include "effects/Fader.h"
+#include "effects/Islands.h"
 #include "effects/Logo.h"
 #include "gl/GLEXT.h"
 #include "math/Color.h"
@@ -197,6 +198,7 @@ void Velmora::setupScenes()
     /* 3 */ effects->addEffect(new Credit(2, 2, EffectTimer(17.75f, 26.625f)));
     /* 4 */ effects->addEffect(new Credit(3, 1, EffectTimer(26.625f, 35.5f)));
     /* 5 */ effects->addEffect(new Fader(white, 100, EffectTimer(35.0f, 36.0f)));
+    /* 6 */ effects->addEffect(new Islands(0, EffectTimer(35.5f, 68.5f)));
     /* 7 */ effects->addEffect(new Fader(white, 100, EffectTimer(68.0f, 69.0f)));
     /* 8 */ effects->addEffect(new Logo(0, EffectTimer(68.5f, 76.0f)));
     /* 9 */ effects->addEffect(new Fader(black, 100, EffectTimer(75.5f, 76.5f)));
