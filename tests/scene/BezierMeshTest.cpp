@@ -1,0 +1,176 @@
+// Bezier patch meshes: the BMSH round trip and its bad input, the surface and its normals, the grid, moving, culling.
+#include "scene/BezierMesh.h"
+
+#include "scene/Camera.h"
+#include "support/GLContext.h"
+
+#include <GL/gl.h>
+#include <GL/glu.h>
+#include <gtest/gtest.h>
+#include <cmath>
+#include <cstring>
+#include <sstream>
+
+namespace {
+
+// A gently curved patch over [0, 3] x [0, 3]: rows along x, columns along z, so it faces up.
+BezierMesh::Patch hill(float height)
+{
+    BezierMesh::Patch patch;
+    for (int row = 0; row < 4; ++row)
+        for (int column = 0; column < 4; ++column) {
+            const bool inner = row > 0 && row < 3 && column > 0 && column < 3;
+            patch.points[row * 4 + column] =
+                Vector3(static_cast<float>(row), inner ? height : 0.0f, static_cast<float>(column));
+        }
+    return patch;
+}
+
+std::string saved(BezierMesh& mesh)
+{
+    std::ostringstream out;
+    EXPECT_TRUE(mesh.save(out));
+    return out.str();
+}
+
+}  // namespace
+
+TEST(BezierMeshChunk, RoundTripIsBitForBit)
+{
+    BezierMesh mesh;
+    mesh.setName("Mountain1");
+    mesh.setMaterialName("Sand4");
+    mesh.addPatch(hill(2.5f));
+    mesh.addPatch(hill(-0.1f));
+    const std::string image = saved(mesh);
+    ASSERT_EQ(image.size(), 4u + 2 + 9 + 2 + 5 + 4 + 2u * BezierMesh::patchFileSize);
+    EXPECT_EQ(image.compare(0, 4, "BMSH"), 0);
+
+    std::istringstream in(image);
+    BezierMesh copy;
+    ASSERT_TRUE(copy.load(in));
+    EXPECT_STREQ(copy.getName(), "Mountain1");
+    EXPECT_EQ(copy.getMaterialName(), "Sand4");
+    EXPECT_EQ(copy.getNumPatches(), 2);
+    EXPECT_EQ(saved(copy), image);
+}
+
+TEST(BezierMeshChunk, RefusesWrongTagTruncationAndAbsurdCounts)
+{
+    BezierMesh mesh;
+    mesh.setName("M");
+    mesh.addPatch(hill(1.0f));
+    const std::string image = saved(mesh);
+
+    std::string wrongTag = image;
+    wrongTag[0] = 'X';
+    std::istringstream a(wrongTag);
+    EXPECT_FALSE(BezierMesh().load(a));
+
+    std::istringstream b(image.substr(0, image.size() - 1));
+    EXPECT_FALSE(BezierMesh().load(b));
+
+    // The count sits after the two names; make it claim a billion patches.
+    std::string absurd = image;
+    const size_t countAt = 4 + 2 + 1 + 2;
+    const unsigned char big[4] = {0x00, 0xCA, 0x9A, 0x3B};
+    std::memcpy(&absurd[countAt], big, 4);
+    std::istringstream c(absurd);
+    EXPECT_FALSE(BezierMesh().load(c));
+
+    const unsigned char negative[4] = {0xFF, 0xFF, 0xFF, 0xFF};
+    std::memcpy(&absurd[countAt], negative, 4);
+    std::istringstream d(absurd);
+    EXPECT_FALSE(BezierMesh().load(d));
+}
+
+TEST(BezierMeshChunk, MissingFileFails)
+{
+    EXPECT_FALSE(BezierMesh().load("no/such/mountain.bez"));
+}
+
+TEST(BezierMeshSurface, CornersAreTheCornerControlPoints)
+{
+    const BezierMesh::Patch patch = hill(3.0f);
+    EXPECT_EQ(BezierMesh::evaluate(patch, 0.0f, 0.0f), patch.points[0]);
+    EXPECT_EQ(BezierMesh::evaluate(patch, 1.0f, 0.0f), patch.points[3]);
+    EXPECT_EQ(BezierMesh::evaluate(patch, 0.0f, 1.0f), patch.points[12]);
+    EXPECT_EQ(BezierMesh::evaluate(patch, 1.0f, 1.0f), patch.points[15]);
+    // At the middle the four inner points weigh (3/8 + 3/8)^2 = 9/16.
+    EXPECT_NEAR(BezierMesh::evaluate(patch, 0.5f, 0.5f).y, 3.0f * 0.5625f, 1e-5f);
+}
+
+TEST(BezierMeshSurface, NormalsFaceUpOnAnUpFacingPatchEvenAtACollapsedEdge)
+{
+    const Vector3 flat = BezierMesh::normalAt(hill(0.0f), 0.3f, 0.7f);
+    EXPECT_NEAR(flat.y, 1.0f, 1e-6f);
+
+    // The whole first row meets in one point: the peak of a cone.
+    BezierMesh::Patch cone = hill(0.0f);
+    for (int column = 0; column < 4; ++column)
+        cone.points[column] = Vector3(0.0f, 2.0f, 1.5f);
+    const Vector3 n = BezierMesh::normalAt(cone, 0.5f, 0.0f);
+    EXPECT_TRUE(std::isfinite(n.x) && std::isfinite(n.y) && std::isfinite(n.z));
+    EXPECT_NEAR(n.length(), 1.0f, 1e-4f);
+    EXPECT_GT(n.y, 0.0f);
+}
+
+TEST(BezierMeshGrid, GridSizeSetsThePointsPerPatchAndNeverDropsBelowOne)
+{
+    BezierMesh mesh;
+    mesh.addPatch(hill(1.0f));
+    mesh.setGridSize(10, 5);
+    EXPECT_EQ(mesh.getSurface(0).positions.size(), 11u * 6u);
+    mesh.setGridSize(0, -3);
+    EXPECT_EQ(mesh.getGridU(), 1);
+    EXPECT_EQ(mesh.getGridV(), 1);
+    EXPECT_EQ(mesh.getSurface(0).positions.size(), 4u);
+}
+
+TEST(BezierMeshGrid, MoveMeshShiftsPointsAndLimitsButNotTheTexture)
+{
+    BezierMesh mesh;
+    mesh.addPatch(hill(1.0f));
+    mesh.setGridSize(4, 4);
+    const Vector3 before = mesh.getSurface(0).positions[7];
+    const Vector2 uvBefore = mesh.getSurface(0).uvs[7];
+    mesh.moveMesh(Vector3(10.0f, -0.15f, 10.0f));
+    mesh.moveMesh(Vector3(1.0f, 0.0f, 0.0f));
+    const Vector3 after = mesh.getSurface(0).positions[7];
+    EXPECT_FLOAT_EQ(after.x, before.x + 11.0f);
+    EXPECT_FLOAT_EQ(after.y, before.y - 0.15f);
+    EXPECT_FLOAT_EQ(mesh.getLimits().getMin().x, 11.0f);
+    EXPECT_FLOAT_EQ(mesh.getSurface(0).uvs[7].x, uvBefore.x);
+    // A later grid change keeps the move.
+    mesh.setGridSize(2, 2);
+    EXPECT_FLOAT_EQ(mesh.getSurface(0).positions[0].x, 11.0f);
+}
+
+class BezierMeshDrawTest : public GLTest {};
+
+TEST_F(BezierMeshDrawTest, DrawsOnlyThePatchesInTheCamerasFrustum)
+{
+    BezierMesh mesh;
+    BezierMesh::Patch ahead = hill(1.0f);
+    BezierMesh::Patch behind = hill(1.0f);
+    for (Vector3& p : ahead.points)
+        p.z -= 20.0f;
+    for (Vector3& p : behind.points)
+        p.z += 20.0f;
+    mesh.addPatch(ahead);
+    mesh.addPatch(behind);
+    Camera camera("BezierCamera", Vector3(0.0f, 2.0f, 0.0f), Vector3(0.0f, 2.0f, -10.0f), 0.1f, 1000.0f, 45.0f);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    gluPerspective(45.0, 1.0, 0.1, 1000.0);
+    // The frustum is taken from the GL matrices the camera leaves behind.
+    camera.lookAt();
+    mesh.draw(&camera);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    EXPECT_EQ(mesh.getDrawnPatches(), 1);
+    mesh.draw(nullptr);
+    EXPECT_EQ(mesh.getDrawnPatches(), 2);
+}
