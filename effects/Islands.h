@@ -19,9 +19,9 @@ class VertexArray;
 class Islands : public Effect {
 public:
     // The water grid's vertices per side.
-    static const int WATER_SIZE = 20;
-    static const int NUM_CLUSTERS = 4;
-    static const int NUM_BIRDS = 6;
+    static constexpr int WATER_SIZE = 20;
+    static constexpr int NUM_CLUSTERS = 4;
+    static constexpr int NUM_BIRDS = 6;
 
     Islands(short layer, const EffectTimer& timer);
     ~Islands() override;
