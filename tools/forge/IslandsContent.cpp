@@ -11,6 +11,7 @@
 
 #include <cmath>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -76,10 +77,10 @@ double IslandsContent::mountainHeight(int index, double x, double z)
     // Some ridges, so that the slopes are not glass-smooth.
     const double scale = shape.extent / 8.0;
     h *= 1.0 + 0.08 * std::sin(1.7 * x / scale + 0.6) * std::cos(1.3 * z / scale - 0.4);
-    // Flatten towards the edge so the rim sits under water.
+    // Flatten towards a round rim so the edge sits under water and the island has no corners.
     const double rx = x / shape.extent;
     const double rz = z / shape.extent;
-    const double edge = std::fmax(0.0, 1.0 - std::fmax(rx * rx, rz * rz));
+    const double edge = std::fmax(0.0, 1.0 - (rx * rx + rz * rz));
     return h * edge - SEA_FLOOR;
 }
 
@@ -88,17 +89,30 @@ void IslandsContent::buildMountain(int index, BezierMesh& mesh)
     const double extent = mountainExtent(index);
     const int points = PATCHES * 3 + 1;
     const double step = 2.0 * extent / (points - 1);
+    std::vector<double> y(static_cast<size_t>(points * points));
+    for (int r = 0; r < points; ++r)
+        for (int c = 0; c < points; ++c)
+            y[static_cast<size_t>(r * points + c)] = mountainHeight(index, -extent + step * r, -extent + step * c);
+    // A point shared by two patches sits midway between its neighbours on
+    // either side, so the slopes run smoothly across and no summit turns into a crease.
+    for (int r = 3; r < points - 1; r += 3)
+        for (int c = 0; c < points; ++c)
+            y[static_cast<size_t>(r * points + c)] =
+                0.5 * (y[static_cast<size_t>((r - 1) * points + c)] + y[static_cast<size_t>((r + 1) * points + c)]);
+    for (int c = 3; c < points - 1; c += 3)
+        for (int r = 0; r < points; ++r)
+            y[static_cast<size_t>(r * points + c)] =
+                0.5 * (y[static_cast<size_t>(r * points + c - 1)] + y[static_cast<size_t>(r * points + c + 1)]);
     for (int pa = 0; pa < PATCHES; ++pa) {
         for (int pb = 0; pb < PATCHES; ++pb) {
             BezierMesh::Patch patch;
             for (int row = 0; row < 4; ++row) {
                 for (int column = 0; column < 4; ++column) {
                     // Rows run along x and columns along z, so the surface faces up.
-                    const double x = -extent + step * (pa * 3 + row);
-                    const double z = -extent + step * (pb * 3 + column);
-                    const double y = mountainHeight(index, x, z);
-                    patch.points[row * 4 + column] =
-                        Vector3(static_cast<float>(x), static_cast<float>(y), static_cast<float>(z));
+                    const int r = pa * 3 + row;
+                    const int c = pb * 3 + column;
+                    patch.points[row * 4 + column] = Vector3(static_cast<float>(-extent + step * r),
+                        static_cast<float>(y[static_cast<size_t>(r * points + c)]), static_cast<float>(-extent + step * c));
                 }
             }
             mesh.addPatch(patch);
@@ -158,7 +172,7 @@ bool IslandsContent::cameraPath(Forge& forge)
         const double radius = 52.0 - 10.0 * std::sin(PI * second / sceneSeconds);
         const double height = 9.0 - 4.0 * std::sin(PI * second / sceneSeconds);
         const double eye[3] = {radius * std::cos(a), height, radius * std::sin(a)};
-        const double look[3] = {ship[0] * 0.55, 1.5, ship[2] * 0.55};
+        const double look[3] = {ship[0] * 0.75, 1.2, ship[2] * 0.75};
         animation.addCameraPos(second * shipFramesPerSec, toVector(eye));
         animation.addTargetPos(second * shipFramesPerSec, toVector(look));
     }
