@@ -3,6 +3,7 @@
 
 #include "OffscreenGL.h"
 #include "Printing.h"
+#include "scene/BezierMesh.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
 #include "scene/FaceArray.h"
@@ -94,6 +95,7 @@ bool EngineCheck::checkChunks(const std::string& file, const ChunkFacts& facts)
     case ChunkFacts::OCTREE_FILE: ok = checkOctree(file); break;
     case ChunkFacts::CAMERA_ANIMATION: ok = checkCameraAnimation(file); break;
     case ChunkFacts::MESH_ANIMATION: ok = checkMeshAnimation(file); break;
+    case ChunkFacts::BEZIER_MESH: ok = checkBezier(file); break;
     default: ok = checkSets(file, facts.kind); break;
     }
     clearRegistries();
@@ -157,6 +159,16 @@ bool EngineCheck::checkMeshAnimation(const std::string& file)
     out << "engine: MeshAnimation::load reads " << keysOf(animation.getPositionTrack()) << " keys; last frame "
         << animation.getLastFrame() << " at " << Printing::real(animation.getFramesPerSec())
         << " frames per second\n";
+    return true;
+}
+
+bool EngineCheck::checkBezier(const std::string& file)
+{
+    BezierMesh mesh;
+    if (!mesh.load(file.c_str()))
+        return fail("the engine's BezierMesh::load refuses it");
+    out << "engine: BezierMesh::load reads " << mesh.getNumPatches() << " patches of material \""
+        << mesh.getMaterialName() << "\"" << (mesh.getMaterial() ? "" : " (the scene registers it)") << "\n";
     return true;
 }
 
