@@ -3,6 +3,7 @@
 
 #include "math/Color.h"
 #include "math/Vector2.h"
+#include "scene/BezierMesh.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
@@ -184,6 +185,26 @@ void writeMeshes()
     tree.save(oct);
     put("octree", "split-once.oct", oct.str());
     MaterialMgr::getHandle()->shutdown();
+}
+
+// Two patches side by side: a flat one and one with a raised middle.
+void writeBezier()
+{
+    BezierMesh mountain;
+    mountain.setName("mountain1");
+    mountain.setMaterialName("sand");
+    for (int p = 0; p < 2; ++p) {
+        BezierMesh::Patch patch;
+        for (int i = 0; i < 16; ++i) {
+            float x = static_cast<float>(i % 4 + 3 * p), z = static_cast<float>(i / 4);
+            bool inner = i == 5 || i == 6 || i == 9 || i == 10;
+            patch.points[i] = Vector3(x, inner && p == 1 ? 2.0f : 0.0f, z);
+        }
+        mountain.addPatch(patch);
+    }
+    std::ostringstream out(std::ios::binary);
+    mountain.save(out);
+    put("bezier", "two-patches.bez", out.str());
 }
 
 void writePlainMesh()
@@ -492,6 +513,7 @@ int main(int argc, char** argv)
     writeConfigs();
     writeMeshes();
     writePlainMesh();
+    writeBezier();
     writeLights();
     writeCameras();
     writeAnimations();

@@ -5,6 +5,7 @@
 
 #include "config/VariableMgr.h"
 #include "math/Matrix4.h"
+#include "scene/BezierMesh.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
@@ -175,6 +176,26 @@ Outcome textureList(const uint8_t* data, size_t size)
     Outcome result = TextureMgr::getHandle()->load(in) ? FuzzReaders::LOADED : FuzzReaders::REJECTED;
     clearRegistries();
     return result;
+}
+
+// A .bez file: one BMSH chunk, tessellated on loading.
+Outcome bezierFile(const uint8_t* data, size_t size)
+{
+    std::istringstream in = streamOf(data, size);
+    BezierMesh mesh;
+    if (!mesh.load(in))
+        return FuzzReaders::REJECTED;
+    std::string first = savedBytes(mesh);
+    BezierMesh again;
+    std::istringstream copy(first, std::ios::binary);
+    if (!again.load(copy) || savedBytes(again) != first)
+        return FuzzReaders::INCONSISTENT;
+    // What a scene does with it before drawing: a finer grid and a move.
+    mesh.setGridSize(2, 3);
+    mesh.moveMesh(Vector3(1.0f, 2.0f, 3.0f));
+    for (int i = 0; i < mesh.getNumPatches(); ++i)
+        BezierMesh::normalAt(mesh.getPatch(i), 0.5f, 0.25f);
+    return FuzzReaders::LOADED;
 }
 
 // --- octrees ---------------------------------------------------------------
@@ -397,6 +418,7 @@ const FuzzReaders::Reader readers[] = {
     {"cameras", cameraSet},
     {"textures", textureList},
     {"octree", octreeFile},
+    {"bezier", bezierFile},
     {"animation", animationFile},
     {"png", pngFile},
     {"jpeg", jpegFile},

@@ -59,7 +59,7 @@ std::string corpusDir(const char* reader)
 bool cutFilesFail(const std::string& reader)
 {
     static const std::set<std::string> strict = {"mesh", "plainmesh", "materials", "lights", "cameras",
-                                                 "textures", "octree", "png", "bw"};
+                                                 "textures", "octree", "bezier", "png", "bw"};
     return strict.count(reader) > 0;
 }
 
@@ -136,15 +136,18 @@ TEST_P(FuzzFiles, SavedFindingsStayHarmless)
 
 INSTANTIATE_TEST_SUITE_P(Readers, FuzzFiles, ::testing::ValuesIn(allReaders()), readerName);
 
-// The forge's meshes and pictures are what the demo reads: they must pass the same checks.
-TEST(FuzzForgeOutput, MeshesAndPicturesLoad)
+// The forge's files are what the demo reads: they must pass the same checks.
+TEST(FuzzForgeOutput, MeshesPathsAndPicturesLoad)
 {
     struct Source {
         const char* dir;
         const char* suffix;
         const char* reader;
     };
-    const Source sources[] = {{"data/3d", ".msh", "mesh"}, {"data/img", ".png", "png"}, {"data", ".png", "png"}};
+    const Source sources[] = {{"data/3d", ".msh", "mesh"},   {"data/3d", ".oct", "octree"},
+                              {"data/3d", ".bez", "bezier"}, {"data", ".bez", "bezier"},
+                              {"data/3d", ".cam", "animation"}, {"data/img", ".png", "png"},
+                              {"data", ".png", "png"}};
     int seen = 0;
     FuzzReaders::prepare();
     for (const Source& source : sources) {
