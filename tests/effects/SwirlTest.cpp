@@ -1,0 +1,190 @@
+// The swirl: the curve, the trail's growth of one point per update up to 60, and what a frame leaves behind.
+#include "effects/Swirl.h"
+
+#include "effects/Diffusion.h"
+#include "scene/Camera.h"
+#include "scene/CameraMgr.h"
+#include "scene/LightMgr.h"
+#include "scene/VertexArray.h"
+#include "support/GLContext.h"
+
+#include <GL/gl.h>
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace {
+
+const EffectTimer SPAN(259.5f, 289.5f);
+
+void expectNear(const Vector3& a, const Vector3& b)
+{
+    EXPECT_NEAR(a.x, b.x, 1e-4f);
+    EXPECT_NEAR(a.y, b.y, 1e-4f);
+    EXPECT_NEAR(a.z, b.z, 1e-4f);
+}
+
+}
+
+TEST(SwirlCurve, AtZeroDegreesTheTermsGiveTheirConstants)
+{
+    // x = 0.3, y = 0.2, z = 1 + sin(pi squared), all times 10.
+    expectNear(Swirl::curve(0.0f), Vector3(3.0f, 2.0f, 5.6969f));
+}
+
+TEST(SwirlCurve, TakesDegreesNotRadians)
+{
+    // At 90 degrees: cos 0, sin 1, and the squared terms of r = pi/2.
+    expectNear(Swirl::curve(90.0f), Vector3(-4.369861f, 6.0f, 7.862006f));
+}
+
+TEST(SwirlTrail, StartsWithOnePointAndEveryPointAtItsRestingPlace)
+{
+    Swirl swirl(0, SPAN);
+    swirl.resetTrail();
+    EXPECT_EQ(swirl.getCount(), 1);
+    ASSERT_EQ(swirl.getPoints()->getNumVertices(), Swirl::MAX_POINTS);
+    for (int k = 0; k < Swirl::MAX_POINTS; ++k)
+        expectNear((*swirl.getPoints())[k].position, Swirl::curve(2.0f * k));
+}
+
+TEST(SwirlTrail, ALongFrameStillAddsOnlyOnePoint)
+{
+    Swirl swirl(0, SPAN);
+    swirl.resetTrail();
+    swirl.update(1.0f);
+    EXPECT_EQ(swirl.getCount(), 2);
+    EXPECT_NEAR(swirl.getStepTimer(), 1.0f - Swirl::STEP, 1e-6f);
+    // The leftover time adds the next point at the next update, however short.
+    swirl.update(0.0f);
+    EXPECT_EQ(swirl.getCount(), 3);
+}
+
+TEST(SwirlTrail, ShortFramesAddAPointOnceTheyMakeUpAStep)
+{
+    Swirl swirl(0, SPAN);
+    swirl.resetTrail();
+    swirl.update(0.01f);
+    EXPECT_EQ(swirl.getCount(), 1);
+    swirl.update(0.01f);
+    EXPECT_EQ(swirl.getCount(), 2);
+    EXPECT_NEAR(swirl.getStepTimer(), 0.0075f, 1e-6f);
+}
+
+TEST(SwirlTrail, GrowsToSixtyAndStaysThere)
+{
+    Swirl swirl(0, SPAN);
+    swirl.resetTrail();
+    for (int i = 0; i < 58; ++i)
+        swirl.update(Swirl::STEP);
+    EXPECT_EQ(swirl.getCount(), 59);
+    swirl.update(Swirl::STEP);
+    EXPECT_EQ(swirl.getCount(), 60);
+    for (int i = 0; i < 100; ++i)
+        swirl.update(Swirl::STEP);
+    EXPECT_EQ(swirl.getCount(), 60);
+}
+
+TEST(SwirlTrail, OnlyPointsInUseFollowTheHead)
+{
+    Swirl swirl(0, SPAN);
+    swirl.resetTrail();
+    swirl.update(0.5f);
+    swirl.update(0.5f);
+    EXPECT_FLOAT_EQ(swirl.getAngle(), 24.0f);
+    ASSERT_EQ(swirl.getCount(), 3);
+    expectNear((*swirl.getPoints())[0].position, Swirl::curve(24.0f));
+    // Beyond the count the points keep their resting places.
+    expectNear((*swirl.getPoints())[3].position, Swirl::curve(6.0f));
+    expectNear((*swirl.getPoints())[59].position, Swirl::curve(118.0f));
+}
+
+TEST(SwirlTrail, UpdatesBeforeTheStartTouchNoPoints)
+{
+    Swirl swirl(0, SPAN);
+    swirl.update(0.1f);
+    EXPECT_EQ(swirl.getPoints(), nullptr);
+    EXPECT_NEAR(swirl.getTimer().getCurrent(), 259.6f, 1e-4f);
+}
+
+namespace {
+
+class SwirlGLTest : public GLTest {
+protected:
+    void TearDown() override
+    {
+        CameraMgr::getHandle()->remove("SwirlCamera");
+        LightMgr::getHandle()->turnLightingOff();
+        GLTest::TearDown();
+    }
+
+    bool anyLit()
+    {
+        std::vector<unsigned char> pixels(GLContext::width() * GLContext::height() * 4);
+        glReadPixels(0, 0, GLContext::width(), GLContext::height(), GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        for (size_t i = 0; i < pixels.size(); i += 4) {
+            if (pixels[i + 1] > 8 || pixels[i + 2] > 8)
+                return true;
+        }
+        return false;
+    }
+};
+
+}
+
+TEST_F(SwirlGLTest, StartMakesItsCameraActiveAndTheFeedbackReady)
+{
+    Swirl swirl(0, SPAN);
+    swirl.initiate();
+    EXPECT_TRUE(swirl.isReady());
+    ASSERT_NE(swirl.getDiffusion(), nullptr);
+    EXPECT_EQ(swirl.getDiffusion()->getStrength(), 5);
+    Camera* camera = CameraMgr::getHandle()->getActiveCamera();
+    ASSERT_NE(camera, nullptr);
+    EXPECT_STREQ(camera->getName(), "SwirlCamera");
+    EXPECT_FLOAT_EQ(camera->getPosition().y, 10.0f);
+    EXPECT_FLOAT_EQ(camera->getPosition().z, 35.0f);
+    EXPECT_FLOAT_EQ(camera->getFar(), 100.0f);
+    swirl.shutdown();
+    EXPECT_EQ(swirl.getPoints(), nullptr);
+    EXPECT_EQ(swirl.getDiffusion(), nullptr);
+}
+
+TEST_F(SwirlGLTest, AFrameGlowsAndLeavesLightingOffEvenWhenItWasOn)
+{
+    LightMgr* lights = LightMgr::getHandle();
+    lights->turnLightingOn();
+    Swirl swirl(0, SPAN);
+    swirl.initiate();
+    for (int i = 0; i < 30; ++i) {
+        swirl.update(0.02f);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        swirl.display();
+    }
+    EXPECT_TRUE(anyLit());
+    EXPECT_FALSE(lights->isLightingOn());
+    EXPECT_FALSE(glIsEnabled(GL_LIGHTING));
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    swirl.shutdown();
+}
+
+TEST_F(SwirlGLTest, WithLightingOffAFrameLeavesItOff)
+{
+    LightMgr::getHandle()->turnLightingOff();
+    Swirl swirl(0, SPAN);
+    swirl.initiate();
+    swirl.update(0.02f);
+    swirl.display();
+    EXPECT_FALSE(LightMgr::getHandle()->isLightingOn());
+    swirl.shutdown();
+}
+
+TEST_F(SwirlGLTest, DrawingBeforeTheStartOrAfterTheEndDoesNothing)
+{
+    Swirl swirl(0, SPAN);
+    swirl.display();
+    EXPECT_FALSE(anyLit());
+    swirl.initiate();
+    swirl.shutdown();
+    swirl.display();
+    EXPECT_FALSE(anyLit());
+}
