@@ -1,0 +1,76 @@
+// The underwater tunnel: an animated camera through a fogged octree tunnel, the ship ahead, objects and glows.
+#pragma once
+
+#include "math/Color.h"
+#include "math/Vector3.h"
+#include "runtime/Effect.h"
+
+class Camera;
+class CameraAnimation;
+class Material;
+class Mesh;
+class MeshAnimation;
+class MulTextureMaterial;
+class Octree;
+class ParticleCluster;
+class PCInfoSphere;
+
+class UnderwaterTunnel : public Effect {
+public:
+    enum { OBJECT_COUNT = 5, CLUSTER_COUNT = 7 };
+    // One turn of the angle, in radians.
+    static constexpr float TURN = 6.2831855f;
+
+    UnderwaterTunnel(short layer, const EffectTimer& timer);
+    ~UnderwaterTunnel() override;
+    UnderwaterTunnel(const UnderwaterTunnel&) = delete;
+    UnderwaterTunnel& operator=(const UnderwaterTunnel&) = delete;
+
+    void initiate() override;
+    void shutdown() override;
+    void update(float seconds) override;
+    void display() override;
+
+    // Where object i stands, and where cluster i glows in which colour.
+    static Vector3 objectPosition(int i);
+    static Vector3 clusterPosition(int i);
+    static Color clusterColor(int i);
+    static const char* objectFile(int i);
+
+    float getAngle() const { return angle; }
+    const Color& getColor() const { return colour; }
+    const Octree* getTunnel() const { return tunnel; }
+    const Mesh* getShip() const { return ship; }
+    const MeshAnimation* getShipAnimation() const { return shipAnimation; }
+    const CameraAnimation* getCameraAnimation() const { return cameraAnimation; }
+    const MulTextureMaterial* getTunnelMaterial() const { return tunnelMaterial; }
+    const Mesh* getObject(int i) const { return objects[i]; }
+    const ParticleCluster* getCluster(int i) const { return clusters[i]; }
+
+private:
+    void setupFog();
+    void loadTunnel();
+    void loadShip();
+    void loadObjects();
+    void loadCamera();
+    void loadLights();
+    void loadTunnelMaterial();
+    void loadCluster();
+    void drawTunnel(Camera* camera);
+    void drawShip();
+    void drawObjects(Camera* camera);
+    void drawCluster(Camera* camera);
+    void release();
+
+    Color colour;
+    Octree* tunnel;
+    Mesh* ship;
+    MeshAnimation* shipAnimation;
+    CameraAnimation* cameraAnimation;
+    MulTextureMaterial* tunnelMaterial;
+    float angle;
+    Mesh* objects[OBJECT_COUNT];
+    ParticleCluster* clusters[CLUSTER_COUNT];
+    // The emitters: a cluster does not own its own.
+    PCInfoSphere* emitters[CLUSTER_COUNT];
+};
