@@ -8,6 +8,7 @@
 #include "MeshArt.h"
 #include "SkyArt.h"
 #include "TunnelArt.h"
+#include "TunnelContent.h"
 
 #include <chrono>
 #include <cstdio>
@@ -28,6 +29,7 @@ int main(int argc, char** argv)
     SkyArt().build(forge);
     TunnelArt().build(forge);
     MeshArt().build(forge);
+    TunnelContent().build(forge);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     std::printf("velmora-forge: %d files, %.2f MB in %.2f s\n", forge.files(), forge.bytes() / 1048576.0, seconds);
     return forge.failures() == 0 ? 0 : 1;

@@ -1,0 +1,294 @@
+// The underwater tunnel's content: a Catmull-Rom centre line through fixed waypoints, a rocky tube around it,
+// and the camera and ship flying along it, written as an octree and two animation paths.
+#include "TunnelContent.h"
+
+#include "Forge.h"
+#include "Maths.h"
+#include "Noise.h"
+
+#include "math/Vector3.h"
+#include "scene/CameraAnimation.h"
+#include "scene/Lin3Key.h"
+#include "scene/Lin3Track.h"
+#include "scene/Mesh.h"
+#include "scene/object/Chunk.h"
+#include "texture/MaterialMgr.h"
+#include "tools/octree/OctreeBuilder.h"
+
+#include <fstream>
+#include <memory>
+
+namespace {
+
+// The tunnel winds through these, from its mouth to beyond the fan. The scene's objects and
+// glows stand at fixed places beside them: the spike near the third, the leaf and two white
+// glows near the sixth, the worm near the eighth, the magenta, yellow and cyan glows in the
+// chamber at the ninth, a white glow near the twelfth and the fan at the fourteenth.
+const Vec3 WAYPOINTS[] = {
+    {-300.0, -196.0, 28.0}, {-258.0, -196.0, 24.0}, {-215.0, -197.0, 19.0}, {-187.0, -196.0, 6.0},
+    {-160.0, -191.0, -6.0}, {-135.0, -195.0, 1.0},  {-90.0, -206.0, -12.0}, {-40.0, -195.0, -5.0},
+    {5.0, -198.0, 3.0},     {55.0, -212.0, 16.0},   {108.0, -233.0, 32.0},  {158.0, -240.0, 20.0},
+    {205.0, -245.0, 42.0},  {248.0, -242.0, 57.0},  {290.0, -242.0, 57.0},  {320.0, -242.0, 55.0},
+};
+const int WAYPOINT_COUNT = sizeof(WAYPOINTS) / sizeof(WAYPOINTS[0]);
+const int SAMPLES_PER_SPAN = 96;
+// The camera starts here along x and stops short of the fan, which turns ahead at the end.
+const double CAMERA_START_X = -262.0;
+const double CAMERA_END_X = 238.0;
+const Vec3 FAN_HUB = {248.0, -246.0, 57.0};
+// How far to the side the ship steers to pass the fan.
+const double FAN_PASS = 4.0;
+const double CHAMBER_X = 5.0;
+const double FAN_X = 248.0;
+const uint32_t RELIEF_SEED = 0x7c3a91u;
+
+Vec3 catmullRom(const Vec3& p0, const Vec3& p1, const Vec3& p2, const Vec3& p3, double t)
+{
+    const double t2 = t * t;
+    const double t3 = t2 * t;
+    return (p1 * 2.0 + (p2 - p0) * t + (p0 * 2.0 - p1 * 5.0 + p2 * 4.0 - p3) * t2 + (p1 * 3.0 - p0 - p2 * 3.0 + p3) * t3) *
+           0.5;
+}
+
+double bell(double x, double centre, double width)
+{
+    const double d = (x - centre) / width;
+    return Maths::exp(-d * d);
+}
+
+Vector3 toVector(const Vec3& v)
+{
+    return Vector3(static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z));
+}
+
+// An open track with plain Catmull-Rom keys (no tension, continuity or bias), one key per step.
+std::unique_ptr<Lin3Track> track(const TunnelContent& content, Vec3 (TunnelContent::*at)(double) const)
+{
+    std::unique_ptr<Lin3Track> result(new Lin3Track());
+    const int frames = static_cast<int>(TunnelContent::SECONDS * TunnelContent::FRAMES_PER_SECOND);
+    for (int frame = 0; frame <= frames; frame += TunnelContent::KEY_STEP) {
+        const double t = frame / TunnelContent::FRAMES_PER_SECOND;
+        result->insertKey(new Lin3Key(static_cast<float>(frame), toVector((content.*at)(t))));
+    }
+    result->setup();
+    return result;
+}
+
+bool writeAnimation(const char* file, const char* name, Lin3Track* position, Lin3Track* target)
+{
+    std::ofstream out(file, std::ios::binary | std::ios::trunc);
+    if (!out)
+        return false;
+    Chunk::writeTag(out, "CANI");
+    Chunk::writeFloat(out, static_cast<float>(TunnelContent::FRAMES_PER_SECOND));
+    CameraAnimation::writeName(out, name);
+    if (!position->save(out))
+        return false;
+    if (target && !target->save(out))
+        return false;
+    return Chunk::good(out);
+}
+
+}
+
+TunnelContent::TunnelContent() : pathStart(0.0), pathEnd(0.0)
+{
+    // Ends are extended by mirroring, so the curve runs through the first and last waypoints.
+    for (int i = 0; i + 1 < WAYPOINT_COUNT; ++i) {
+        const Vec3& p1 = WAYPOINTS[i];
+        const Vec3& p2 = WAYPOINTS[i + 1];
+        const Vec3 p0 = i > 0 ? WAYPOINTS[i - 1] : p1 * 2.0 - p2;
+        const Vec3 p3 = i + 2 < WAYPOINT_COUNT ? WAYPOINTS[i + 2] : p2 * 2.0 - p1;
+        for (int k = 0; k < SAMPLES_PER_SPAN; ++k)
+            samples.push_back(catmullRom(p0, p1, p2, p3, static_cast<double>(k) / SAMPLES_PER_SPAN));
+    }
+    samples.push_back(WAYPOINTS[WAYPOINT_COUNT - 1]);
+    arc.push_back(0.0);
+    for (size_t i = 1; i < samples.size(); ++i)
+        arc.push_back(arc.back() + (samples[i] - samples[i - 1]).length());
+
+    for (size_t i = 0; i < samples.size(); ++i) {
+        if (samples[i].x <= CAMERA_START_X)
+            pathStart = arc[i];
+        if (samples[i].x <= CAMERA_END_X)
+            pathEnd = arc[i];
+    }
+}
+
+Vec3 TunnelContent::centre(double s) const
+{
+    if (s <= 0.0)
+        return samples.front();
+    if (s >= length())
+        return samples.back();
+    size_t lo = 0;
+    size_t hi = arc.size() - 1;
+    while (hi - lo > 1) {
+        const size_t mid = (lo + hi) / 2;
+        if (arc[mid] <= s)
+            lo = mid;
+        else
+            hi = mid;
+    }
+    const double span = arc[hi] - arc[lo];
+    const double t = span > 0.0 ? (s - arc[lo]) / span : 0.0;
+    return samples[lo] + (samples[hi] - samples[lo]) * t;
+}
+
+void TunnelContent::frame(double s, Vec3& forward, Vec3& side, Vec3& up) const
+{
+    forward = (centre(s + 0.5) - centre(s - 0.5)).normalised();
+    // The tunnel never runs straight up, so world up always gives a side.
+    side = forward.cross(Vec3{0.0, 1.0, 0.0}).normalised();
+    up = side.cross(forward).normalised();
+}
+
+double TunnelContent::baseRadius(const Vec3& c) const
+{
+    // A wide chamber for the three coloured glows, narrower round the fan.
+    return 9.5 + 5.0 * bell(c.x, CHAMBER_X, 24.0) - 1.6 * bell(c.x, FAN_X, 20.0);
+}
+
+double TunnelContent::roughness(const Vec3& c) const
+{
+    return 0.17 * (1.0 - 0.85 * bell(c.x, FAN_X, 18.0));
+}
+
+double TunnelContent::relief(double s, double theta) const
+{
+    static const Noise noise(RELIEF_SEED);
+    const double around = Maths::wrap(theta, 2.0 * Maths::pi) / (2.0 * Maths::pi);
+    // Two tiling layers of different lengths, so the rock does not visibly repeat.
+    const double coarse = noise.fbm(s / 14.0, around * 6.0, 6, 4);
+    const double broad = noise.fbm(s / 41.0 + 0.37, around * 3.0, 3, 2);
+    return Maths::clamp(0.7 * coarse + 0.5 * broad, -1.0, 1.0);
+}
+
+double TunnelContent::radius(double s, double theta) const
+{
+    const Vec3 c = centre(s);
+    return baseRadius(c) * (1.0 + roughness(c) * relief(s, theta));
+}
+
+Vec3 TunnelContent::wall(double s, double theta) const
+{
+    Vec3 forward;
+    Vec3 side;
+    Vec3 up;
+    frame(s, forward, side, up);
+    const Vec3 out = side * Maths::cos(theta) + up * Maths::sin(theta);
+    return centre(s) + out * radius(s, theta);
+}
+
+double TunnelContent::nearest(const Vec3& p) const
+{
+    size_t best = 0;
+    double bestDistance = (samples[0] - p).length();
+    for (size_t i = 1; i < samples.size(); ++i) {
+        const double d = (samples[i] - p).length();
+        if (d < bestDistance) {
+            bestDistance = d;
+            best = i;
+        }
+    }
+    return arc[best];
+}
+
+double TunnelContent::clearance(const Vec3& p) const
+{
+    const double s = nearest(p);
+    Vec3 forward;
+    Vec3 side;
+    Vec3 up;
+    frame(s, forward, side, up);
+    const Vec3 offset = p - centre(s);
+    const double theta = Maths::atan2(offset.dot(up), offset.dot(side));
+    return radius(s, theta) - offset.length();
+}
+
+double TunnelContent::cameraDistance(double t) const
+{
+    return pathStart + (pathEnd - pathStart) * Maths::clamp(t / SECONDS, 0.0, 1.0);
+}
+
+Vec3 TunnelContent::cameraAt(double t) const
+{
+    const double s = cameraDistance(t);
+    Vec3 forward;
+    Vec3 side;
+    Vec3 up;
+    frame(s, forward, side, up);
+    return centre(s) + up * CAMERA_RISE;
+}
+
+Vec3 TunnelContent::targetAt(double t) const
+{
+    const double s = cameraDistance(t) + LOOK_AHEAD;
+    Vec3 forward;
+    Vec3 side;
+    Vec3 up;
+    frame(s, forward, side, up);
+    const Vec3 ahead = centre(s) + up * (CAMERA_RISE * 0.3);
+    // The last seconds look down at the fan turning below the way on.
+    const double towardsFan = 0.8 * Maths::smoothstep(SECONDS - 9.0, SECONDS - 3.0, t);
+    return ahead + (FAN_HUB - ahead) * towardsFan;
+}
+
+Vec3 TunnelContent::shipAt(double t) const
+{
+    const double s = cameraDistance(t) + SHIP_LEAD;
+    Vec3 forward;
+    Vec3 side;
+    Vec3 up;
+    frame(s, forward, side, up);
+    // A slow sway from side to side, as if the ship were steered between the rocks; at the
+    // end it keeps to one side, to pass the fan turning in the middle of the tunnel.
+    const double sway = 1.2 * Maths::sin(t * 0.9) + FAN_PASS * Maths::smoothstep(SECONDS - 6.0, SECONDS - 1.0, t);
+    return centre(s) - up * SHIP_DROP + side * sway;
+}
+
+void TunnelContent::buildTube(MeshBuilder& mesh) const
+{
+    const int rings = static_cast<int>(length() / RING_STEP) + 1;
+    const double step = length() / (rings - 1);
+    // Columns run round the ring and rows along the tunnel, so the surface faces inwards.
+    mesh.surface(rings, SIDES, true, -1, [&](int row, int column) {
+        return wall(row * step, 2.0 * Maths::pi * column / SIDES);
+    });
+}
+
+bool TunnelContent::writeTunnel(const char* file) const
+{
+    MeshBuilder builder;
+    buildTube(builder);
+    std::unique_ptr<Mesh> mesh(builder.build(false, {}));
+    if (!mesh)
+        return false;
+    // The walls take the scene's material when drawn: the file carries none.
+    MaterialMgr::getHandle()->shutdown();
+    OctreeBuilder octree;
+    octree.setMaxDepth(5);
+    octree.setMaxFacesPerLeaf(400);
+    return octree.write(*mesh->getVertices(), *mesh->getFaces(), file);
+}
+
+bool TunnelContent::writeCamera(const char* file) const
+{
+    std::unique_ptr<Lin3Track> position = track(*this, &TunnelContent::cameraAt);
+    std::unique_ptr<Lin3Track> target = track(*this, &TunnelContent::targetAt);
+    return writeAnimation(file, "TunnelCamera", position.get(), target.get());
+}
+
+bool TunnelContent::writeShip(const char* file) const
+{
+    std::unique_ptr<Lin3Track> position = track(*this, &TunnelContent::shipAt);
+    return writeAnimation(file, "ship", position.get(), nullptr);
+}
+
+bool TunnelContent::build(Forge& forge)
+{
+    bool ok = forge.saveFile("3d/tunnel3.oct", [&](const std::string& path) { return writeTunnel(path.c_str()); });
+    ok = forge.saveFile("3d/camera_tunnel.cam", [&](const std::string& path) { return writeCamera(path.c_str()); }) && ok;
+    ok = forge.saveFile("3d/ship_tunnel.cam", [&](const std::string& path) { return writeShip(path.c_str()); }) && ok;
+    return ok;
+}
