@@ -4,8 +4,11 @@
 #include "config/VariableMgr.h"
 #include "effects/Credit.h"
 #include "effects/Fader.h"
+#include "effects/Greetings.h"
 #include "effects/Islands.h"
 #include "effects/Logo.h"
+#include "effects/Swirl.h"
+#include "effects/UnderwaterTunnel.h"
 #include "gl/GLEXT.h"
 #include "math/Color.h"
 #include "runtime/EffectMgr.h"
@@ -203,10 +206,13 @@ void Velmora::setupScenes()
     /* 8 */ effects->addEffect(new Logo(0, EffectTimer(68.5f, 76.0f)));
     /* 9 */ effects->addEffect(new Fader(black, 100, EffectTimer(75.5f, 76.5f)));
     /* 11 */ effects->addEffect(new Fader(black, 100, EffectTimer(108.5f, 109.5f)));
+    /* 12 */ effects->addEffect(new UnderwaterTunnel(0, EffectTimer(109.0f, 142.5f)));
     /* 13 */ effects->addEffect(new Fader(black, 100, EffectTimer(141.5f, 143.5f)));
     /* 15 */ effects->addEffect(new Fader(black, 100, EffectTimer(150.0f, 151.0f)));
     /* 17 */ effects->addEffect(new Fader(white, 100, EffectTimer(168.0f, 169.0f)));
     /* 19 */ effects->addEffect(new Fader(black, 100, EffectTimer(199.5f, 203.5f)));
+    /* 23 */ effects->addEffect(new Swirl(0, EffectTimer(259.5f, 289.5f)));
+    /* 24 */ effects->addEffect(new Greetings(1, EffectTimer(259.5f, 289.5f)));
 
     // Discards the span the additions gathered: the scene clock starts at 0.
     effects->initiate();
