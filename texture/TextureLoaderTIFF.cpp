@@ -27,7 +27,12 @@ private:
 bool decodeTiff(const char* name, int format, int& w, int& h, unsigned char*& pixels)
 {
     QuietTiff quiet;
-    TIFF* tif = TIFFOpen(name, "r");
+    // libtiff sizes its strip and tile buffers from the file's tags: no single
+    // one may outgrow the raster of the largest image we accept.
+    TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options, static_cast<tmsize_t>(TextureLoader::maxPixels) * 4);
+    TIFF* tif = TIFFOpenExt(name, "r", options);
+    TIFFOpenOptionsFree(options);
     if (!tif)
         return false;
     uint32_t width = 0, height = 0;
