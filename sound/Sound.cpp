@@ -87,7 +87,7 @@ bool Sound::openOutput(int rate) {
     wanted.samples = bufferFrames(rate);
     wanted.callback = audioCallback;
     wanted.userdata = this;
-    // No "obtained" spec: SDL converts to exactly what we asked for.
+    // No "obtained" format: SDL converts to exactly what we asked for.
     if (SDL_OpenAudio(&wanted, nullptr) < 0) {
         if (startedSubsystem)
             SDL_QuitSubSystem(SDL_INIT_AUDIO);

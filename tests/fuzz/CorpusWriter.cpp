@@ -294,14 +294,14 @@ void writeTextureList()
 
 // --- images ---------------------------------------------------------------------
 
-struct PngSpec {
+struct PngShape {
     const char* file;
     int colourType;
     int depth;
     bool transparency;
 };
 
-std::string pngBytes(const PngSpec& spec)
+std::string pngBytes(const PngShape& shape)
 {
     std::string path = root + "/.scratch.png";
     FILE* f = std::fopen(path.c_str(), "wb");
@@ -309,25 +309,25 @@ std::string pngBytes(const PngSpec& spec)
     png_infop info = png_create_info_struct(png);
     png_init_io(png, f);
     const int w = 3, h = 2;
-    png_set_IHDR(png, info, w, h, spec.depth, spec.colourType, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+    png_set_IHDR(png, info, w, h, shape.depth, shape.colourType, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
                  PNG_FILTER_TYPE_DEFAULT);
-    if (spec.colourType == PNG_COLOR_TYPE_PALETTE) {
+    if (shape.colourType == PNG_COLOR_TYPE_PALETTE) {
         png_color palette[4] = {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}, {255, 255, 255}};
         png_set_PLTE(png, info, palette, 4);
     }
-    if (spec.transparency) {
+    if (shape.transparency) {
         png_byte alpha[2] = {0, 128};
         png_color_16 key = {};
         png_set_tRNS(png, info, alpha, 2, &key);
     }
     png_write_info(png, info);
-    int channels = spec.colourType == PNG_COLOR_TYPE_RGB_ALPHA ? 4 : spec.colourType == PNG_COLOR_TYPE_RGB ? 3
-                   : spec.colourType == PNG_COLOR_TYPE_GRAY_ALPHA                                           ? 2
+    int channels = shape.colourType == PNG_COLOR_TYPE_RGB_ALPHA ? 4 : shape.colourType == PNG_COLOR_TYPE_RGB ? 3
+                   : shape.colourType == PNG_COLOR_TYPE_GRAY_ALPHA                                           ? 2
                                                                                                             : 1;
-    std::vector<png_byte> row(static_cast<size_t>(w * channels * (spec.depth > 8 ? 2 : 1)) + 1);
+    std::vector<png_byte> row(static_cast<size_t>(w * channels * (shape.depth > 8 ? 2 : 1)) + 1);
     for (int y = 0; y < h; ++y) {
         for (size_t i = 0; i < row.size(); ++i)
-            row[i] = static_cast<png_byte>(spec.depth < 8 ? (0x1b * (y + 1)) : (i * 40 + y * 90));
+            row[i] = static_cast<png_byte>(shape.depth < 8 ? (0x1b * (y + 1)) : (i * 40 + y * 90));
         png_write_row(png, row.data());
     }
     png_write_end(png, info);
@@ -340,15 +340,15 @@ std::string pngBytes(const PngSpec& spec)
 
 void writePngs()
 {
-    const PngSpec specs[] = {
+    const PngShape shapes[] = {
         {"rgb.png", PNG_COLOR_TYPE_RGB, 8, false},
         {"rgba.png", PNG_COLOR_TYPE_RGB_ALPHA, 8, false},
         {"grey2.png", PNG_COLOR_TYPE_GRAY, 2, false},
         {"grey-alpha16.png", PNG_COLOR_TYPE_GRAY_ALPHA, 16, false},
         {"palette-trns.png", PNG_COLOR_TYPE_PALETTE, 4, true},
     };
-    for (const PngSpec& spec : specs)
-        put("png", spec.file, pngBytes(spec));
+    for (const PngShape& shape : shapes)
+        put("png", shape.file, pngBytes(shape));
 }
 
 void writeJpeg()

@@ -34,7 +34,7 @@ Bytes readBytes(const std::string& path)
     return Bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
 }
 
-bool writePng(const std::string& path, const PngSpec& spec)
+bool writePng(const std::string& path, const PngSpec& shape)
 {
     FILE* file = std::fopen(path.c_str(), "wb");
     if (!file)
@@ -47,20 +47,20 @@ bool writePng(const std::string& path, const PngSpec& spec)
         return false;
     }
     png_init_io(png, file);
-    png_set_IHDR(png, info, spec.width, spec.height, spec.bitDepth, spec.colorType, PNG_INTERLACE_NONE,
+    png_set_IHDR(png, info, shape.width, shape.height, shape.bitDepth, shape.colorType, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     std::vector<png_color> colours;
-    for (size_t i = 0; i + 2 < spec.palette.size(); i += 3)
-        colours.push_back(png_color{spec.palette[i], spec.palette[i + 1], spec.palette[i + 2]});
+    for (size_t i = 0; i + 2 < shape.palette.size(); i += 3)
+        colours.push_back(png_color{shape.palette[i], shape.palette[i + 1], shape.palette[i + 2]});
     if (!colours.empty())
         png_set_PLTE(png, info, colours.data(), static_cast<int>(colours.size()));
-    if (!spec.trns.empty())
-        png_set_tRNS(png, info, const_cast<png_bytep>(spec.trns.data()), static_cast<int>(spec.trns.size()),
+    if (!shape.trns.empty())
+        png_set_tRNS(png, info, const_cast<png_bytep>(shape.trns.data()), static_cast<int>(shape.trns.size()),
                      nullptr);
     png_write_info(png, info);
-    size_t rowBytes = spec.samples.size() / spec.height;
-    for (int y = 0; y < spec.height; ++y)
-        png_write_row(png, const_cast<png_bytep>(spec.samples.data() + y * rowBytes));
+    size_t rowBytes = shape.samples.size() / shape.height;
+    for (int y = 0; y < shape.height; ++y)
+        png_write_row(png, const_cast<png_bytep>(shape.samples.data() + y * rowBytes));
     png_write_end(png, info);
     png_destroy_write_struct(&png, &info);
     std::fclose(file);

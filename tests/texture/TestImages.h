@@ -24,7 +24,7 @@ struct PngSpec {
     Bytes palette;  // RGB triples for palette images
     Bytes trns;     // alpha per palette entry
 };
-bool writePng(const std::string& path, const PngSpec& spec);
+bool writePng(const std::string& path, const PngSpec& shape);
 
 bool writeJpeg(const std::string& path, int width, int height, const Bytes& rgb, int components = 3);
 // rgba rows top first.

@@ -18,31 +18,31 @@ Bytes pixelsOf(const Texture* t)
 
 class PngLoad : public ::testing::Test {
 protected:
-    std::unique_ptr<Texture> load(const PngSpec& spec, int format)
+    std::unique_ptr<Texture> load(const PngSpec& shape, int format)
     {
         std::string path = scratchPath("image.png");
-        EXPECT_TRUE(writePng(path, spec));
+        EXPECT_TRUE(writePng(path, shape));
         return std::unique_ptr<Texture>(loader.loadTexture(path.c_str(), format));
     }
 
     static PngSpec rgba()
     {
-        PngSpec spec;
-        spec.width = 2;
-        spec.height = 1;
-        spec.colorType = PNG_COLOR_TYPE_RGB_ALPHA;
-        spec.samples = {10, 20, 30, 40, 50, 60, 70, 80};
-        return spec;
+        PngSpec shape;
+        shape.width = 2;
+        shape.height = 1;
+        shape.colorType = PNG_COLOR_TYPE_RGB_ALPHA;
+        shape.samples = {10, 20, 30, 40, 50, 60, 70, 80};
+        return shape;
     }
 
     static PngSpec rgb()
     {
-        PngSpec spec;
-        spec.width = 2;
-        spec.height = 1;
-        spec.colorType = PNG_COLOR_TYPE_RGB;
-        spec.samples = {10, 20, 30, 50, 60, 70};
-        return spec;
+        PngSpec shape;
+        shape.width = 2;
+        shape.height = 1;
+        shape.colorType = PNG_COLOR_TYPE_RGB;
+        shape.samples = {10, 20, 30, 50, 60, 70};
+        return shape;
     }
 
     TextureLoaderPNG loader;
