@@ -3,9 +3,11 @@
 
 #include "runtime/TimerLinux.h"
 
+#include <GL/gl.h>
 #include <SDL/SDL.h>
 #include <cstdlib>
 #include <iostream>
+#include <string>
 
 ApplicationSDL::ApplicationSDL()
 {
@@ -74,6 +76,8 @@ bool ApplicationSDL::setupGL()
     currentStencilBits = info.stencilBuffer;
     currentFullscreen = info.fullscreen;
     glReady = true;
+    char driver[32] = "";
+    finishAtSwap = SDL_VideoDriverName(driver, sizeof driver) && std::string(driver) == "offscreen";
     if (!info.cursor)
         SDL_ShowCursor(SDL_DISABLE);
     if (title)
@@ -92,8 +96,11 @@ bool ApplicationSDL::shutdownGL()
 
 void ApplicationSDL::swapBuffersGL()
 {
-    if (glReady)
-        SDL_GL_SwapBuffers();
+    if (!glReady)
+        return;
+    if (finishAtSwap)
+        glFinish();
+    SDL_GL_SwapBuffers();
 }
 
 void ApplicationSDL::sendQuit()

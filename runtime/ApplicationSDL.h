@@ -31,4 +31,8 @@ protected:
 private:
     // Reads the key-state table entry, or -1 for a key outside it.
     int keyState(int key) const;
+
+    // Without a window (SDL's offscreen driver) a swap flushes nothing, so
+    // queued frames would pile up in memory: finish each frame instead.
+    bool finishAtSwap = false;
 };
