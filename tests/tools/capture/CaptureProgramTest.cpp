@@ -39,11 +39,16 @@ std::vector<Entry> readSchedule()
     std::vector<Entry> entries;
     ProgramRun run = capture("--list");
     EXPECT_EQ(run.status, 0) << describe(run);
+    // Scenes may print their own messages while the schedule is built: skip those lines.
     std::istringstream lines(run.out);
-    Entry entry;
-    int layer = 0;
-    while (lines >> entry.number >> entry.start >> entry.end >> layer >> entry.name)
-        entries.push_back(entry);
+    std::string line;
+    while (std::getline(lines, line)) {
+        std::istringstream fields(line);
+        Entry entry;
+        int layer = 0;
+        if (fields >> entry.number >> entry.start >> entry.end >> layer >> entry.name)
+            entries.push_back(entry);
+    }
     return entries;
 }
 
