@@ -24,8 +24,10 @@ bool Converter::convert(const std::string& input, const std::string& output, int
     if (outExt != "ctx" && outExt != "mtx")
         return fail(output, "the output must end in .ctx or .mtx");
     FileKind::Kind kind = FileKind::detect(input);
+    if (kind == FileKind::MISSING || kind == FileKind::EMPTY || kind == FileKind::UNKNOWN)
+        return fail(input, FileKind::describe(kind));
     if (!FileKind::isImage(kind))
-        return fail(input, FileKind::describe(kind) + std::string(kind == FileKind::UNKNOWN || kind == FileKind::MISSING || kind == FileKind::EMPTY ? "" : ", not an image"));
+        return fail(input, "holds no image: it is a " + std::string(FileKind::describe(kind)));
     int natural = 0;
     if (kind == FileKind::CTX1) {
         CtxInspector container(out);

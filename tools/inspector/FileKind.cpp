@@ -70,7 +70,7 @@ const char* FileKind::describe(Kind kind)
     switch (kind) {
     case MISSING: return "cannot be opened";
     case EMPTY: return "is empty";
-    case CHUNKS: return "engine chunk file";
+    case CHUNKS: return "chunk file of the engine";
     case CTX1: return "CTX1 texture container";
     case PNG: return "PNG image";
     case JPEG: return "JPEG image";

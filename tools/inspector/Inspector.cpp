@@ -30,8 +30,9 @@ public:
     }
     ~WorkingDirectory()
     {
+        // Nothing after an inspection depends on the directory, so a failed return is harmless.
         if (moved && chdir(saved.c_str()) != 0)
-            std::abort();
+            moved = false;
     }
     WorkingDirectory(const WorkingDirectory&) = delete;
     WorkingDirectory& operator=(const WorkingDirectory&) = delete;

@@ -1,9 +1,7 @@
-// Kinds by content, the CTX1 container check, PNG checksums and conversion bit for bit through the engine's loaders.
+// Kinds by content, the CTX1 container check and conversion bit for bit through the engine's loaders.
 #include "Converter.h"
 #include "CtxInspector.h"
-#include "EngineCheck.h"
 #include "FileKind.h"
-#include "ImageInspector.h"
 #include "ProgramRun.h"
 #include "scene/object/Chunk.h"
 #include "texture/Texture.h"
@@ -99,32 +97,6 @@ TEST(ContainerCheck, TrailingBytesAndOversizedHeadersAreRefused)
     writeBytes(huge, bytes);
     EXPECT_FALSE(check.inspect(huge));
     EXPECT_NE(check.error().find("bytes after it can hold"), std::string::npos) << check.error();
-}
-
-TEST(ContainerCheck, AFlippedBitInAPngFailsItsChecksum)
-{
-    ScratchDir dir("crc");
-    std::vector<unsigned char> bytes = readBytes("data/img/particle.png");
-    ASSERT_GT(bytes.size(), 100u);
-    bytes[bytes.size() / 2] ^= 0x10;
-    std::string file = dir.file("particle.png");
-    writeBytes(file, bytes);
-    std::ostringstream printout;
-    ImageInspector check(printout);
-    EXPECT_FALSE(check.inspect(file, FileKind::PNG));
-    EXPECT_NE(check.error().find("fails its CRC"), std::string::npos) << check.error();
-}
-
-TEST(ContainerCheck, TheEnginesLoaderForTheNameMustMatchTheContent)
-{
-    ScratchDir dir("names");
-    std::string file = dir.file("picture.tif");
-    writeBytes(file, readBytes("data/img/particle.png"));
-    std::ostringstream printout;
-    EngineCheck engine(printout);
-    EXPECT_FALSE(engine.checkImage(file, FileKind::PNG, 7));
-    EXPECT_EQ(engine.error(), "holds a PNG image, but the engine reads this name with its \"tif\" loader");
-    EXPECT_TRUE(engine.checkImage(file, FileKind::PNG, 7, nullptr, true)) << engine.error();
 }
 
 TEST(Conversion, TheContainerHoldsTheEnginesPixelsBitForBit)

@@ -199,6 +199,8 @@ TEST(InspectorKinds, TheKindComesFromTheContentNotTheName)
     ProgramRun picture = ProgramRun::run({"info", misnamed});
     EXPECT_EQ(picture.status, 1);
     EXPECT_NE(picture.err.find("\"jpg\" loader"), std::string::npos) << picture.err;
+    // Conversion goes by the content, so the same file still converts.
+    EXPECT_EQ(ProgramRun::run({"convert", misnamed, dir.file("ship.ctx")}).status, 0);
 }
 
 TEST(InspectorConvert, WritesAContainerThatInfoAccepts)
