@@ -1,10 +1,10 @@
 // velmora-data convert: any image the engine reads into a CTX1 container.
 #include "Converter.h"
 
-#include "CtxInspector.h"
+#include "CtxReport.h"
 #include "EngineCheck.h"
 #include "FileKind.h"
-#include "ImageInspector.h"
+#include "ImageReport.h"
 #include "texture/Texture.h"
 #include "texture/TextureLoader.h"
 #include "texture/TextureMgr.h"
@@ -30,7 +30,7 @@ bool Converter::convert(const std::string& input, const std::string& output, int
         return fail(input, "holds no image: it is a " + std::string(FileKind::describe(kind)));
     int natural = 0;
     if (kind == FileKind::CTX1) {
-        CtxInspector container(out);
+        CtxReport container(out);
         if (!container.inspect(input))
             return fail(input, container.error());
         natural = container.getFormat();
@@ -39,7 +39,7 @@ bool Converter::convert(const std::string& input, const std::string& output, int
             return fail(input, "a CTX1 file keeps its format " + std::to_string(natural) + "; it cannot become " +
                                std::to_string(format));
     } else {
-        ImageInspector image(out);
+        ImageReport image(out);
         if (!image.inspect(input, kind))
             return fail(input, image.error());
         natural = image.naturalFormat();
@@ -54,7 +54,7 @@ bool Converter::convert(const std::string& input, const std::string& output, int
     if (!saved)
         return fail(output, "cannot be written");
     out << "wrote " << output << ":\n";
-    CtxInspector written(out);
+    CtxReport written(out);
     if (!written.inspect(output))
         return fail(output, "reads back wrong: " + written.error());
     return true;

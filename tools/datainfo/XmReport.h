@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-class XmInspector {
+class XmReport {
 public:
-    explicit XmInspector(std::ostream& out);
+    explicit XmReport(std::ostream& out);
 
     bool inspect(const std::string& file);
     const std::string& error() const { return problem; }

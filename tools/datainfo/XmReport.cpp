@@ -1,5 +1,5 @@
 // Walks a FastTracker 2 module to its last byte and asks libopenmpt to open it.
-#include "XmInspector.h"
+#include "XmReport.h"
 
 #include <cstdio>
 #include <fstream>
@@ -12,30 +12,30 @@ const size_t headerStart = 60;
 
 } // namespace
 
-XmInspector::XmInspector(std::ostream& output) : out(output) {}
+XmReport::XmReport(std::ostream& output) : out(output) {}
 
-bool XmInspector::fail(const std::string& what)
+bool XmReport::fail(const std::string& what)
 {
     problem = what;
     return false;
 }
 
-bool XmInspector::has(size_t at, size_t length) const
+bool XmReport::has(size_t at, size_t length) const
 {
     return at <= bytes.size() && length <= bytes.size() - at;
 }
 
-unsigned XmInspector::word(size_t at) const
+unsigned XmReport::word(size_t at) const
 {
     return bytes[at] | (bytes[at + 1] << 8);
 }
 
-unsigned XmInspector::dword(size_t at) const
+unsigned XmReport::dword(size_t at) const
 {
     return word(at) | (word(at + 2) << 16);
 }
 
-bool XmInspector::inspect(const std::string& file)
+bool XmReport::inspect(const std::string& file)
 {
     std::ifstream in(file, std::ios::binary | std::ios::ate);
     if (!in)
@@ -71,7 +71,7 @@ bool XmInspector::inspect(const std::string& file)
     return askPlayer();
 }
 
-bool XmInspector::walkPatterns(size_t& at, unsigned count)
+bool XmReport::walkPatterns(size_t& at, unsigned count)
 {
     for (unsigned i = 0; i < count; ++i) {
         if (!has(at, 9))
@@ -87,7 +87,7 @@ bool XmInspector::walkPatterns(size_t& at, unsigned count)
     return true;
 }
 
-bool XmInspector::walkInstruments(size_t& at, unsigned count, unsigned& samples)
+bool XmReport::walkInstruments(size_t& at, unsigned count, unsigned& samples)
 {
     for (unsigned i = 0; i < count; ++i) {
         std::string which = "XM instrument " + std::to_string(i + 1);
@@ -114,7 +114,7 @@ bool XmInspector::walkInstruments(size_t& at, unsigned count, unsigned& samples)
     return true;
 }
 
-bool XmInspector::askPlayer()
+bool XmReport::askPlayer()
 {
     int error = 0;
     const char* message = nullptr;

@@ -9,7 +9,7 @@ bool OffscreenGL::ensure()
     SDL_Surface* screen = SDL_GetVideoSurface();
     if (screen && (screen->flags & SDL_OPENGL))
         return true;
-    // An inspector has nothing to show: SDL's offscreen driver keeps a window off the author's desktop.
+    // A file report has nothing to show: SDL's offscreen driver keeps a window off the author's desktop.
     setenv("SDL_VIDEODRIVER", "offscreen", 0);
     setenv("SDL12COMPAT_OPENGL_SCALING", "0", 0);
     if (SDL_Init(SDL_INIT_VIDEO) < 0)

@@ -1,4 +1,4 @@
-// Checked field reading for the inspector's walk of a chunk file: every read names the field, so a failure says what broke and where.
+// Checked field reading for velmora-data's walk of a chunk file: every read names the field, so a failure says what broke and where.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// What the inspector's chunk walk learnt about a file, handed to the engine check that follows.
+// What velmora-data's chunk walk learnt about a file, handed to the engine check that follows.
 #pragma once
 
 #include <string>

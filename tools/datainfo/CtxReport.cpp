@@ -1,5 +1,5 @@
 // Checks a CTX1 texture container completely.
-#include "CtxInspector.h"
+#include "CtxReport.h"
 
 #include "Printing.h"
 #include "scene/object/Chunk.h"
@@ -11,15 +11,15 @@
 #include <vector>
 #include <zlib.h>
 
-CtxInspector::CtxInspector(std::ostream& output) : out(output), format(0) {}
+CtxReport::CtxReport(std::ostream& output) : out(output), format(0) {}
 
-bool CtxInspector::fail(const std::string& what)
+bool CtxReport::fail(const std::string& what)
 {
     problem = what;
     return false;
 }
 
-bool CtxInspector::inspect(const std::string& file)
+bool CtxReport::inspect(const std::string& file)
 {
     std::ifstream in(file, std::ios::binary);
     if (!in)
@@ -51,7 +51,7 @@ bool CtxInspector::inspect(const std::string& file)
     return inflateAll(packed.data(), left, expected);
 }
 
-bool CtxInspector::inflateAll(const unsigned char* data, long long length, long long expected)
+bool CtxReport::inflateAll(const unsigned char* data, long long length, long long expected)
 {
     // One byte more than the pixels, to notice a stream that holds too much.
     std::vector<unsigned char> pixels(static_cast<size_t>(expected) + 1);

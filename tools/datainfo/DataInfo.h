@@ -4,9 +4,9 @@
 #include <ostream>
 #include <string>
 
-class Inspector {
+class DataInfo {
 public:
-    Inspector(std::ostream& out, std::ostream& err);
+    DataInfo(std::ostream& out, std::ostream& err);
 
     // The exit status: 0 when every file is sound, 1 when one is not, 2 for a wrong command line.
     int run(int argc, const char* const* argv);

@@ -1,15 +1,15 @@
 // The velmora-data command line.
-#include "Inspector.h"
+#include "DataInfo.h"
 
 #include "ChunkFacts.h"
 #include "ChunkReader.h"
 #include "ChunkWalker.h"
 #include "Converter.h"
-#include "CtxInspector.h"
+#include "CtxReport.h"
 #include "EngineCheck.h"
 #include "FileKind.h"
-#include "ImageInspector.h"
-#include "XmInspector.h"
+#include "ImageReport.h"
+#include "XmReport.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -54,16 +54,16 @@ std::string oneLine(std::string text)
 
 } // namespace
 
-Inspector::Inspector(std::ostream& output, std::ostream& errors) : out(output), err(errors) {}
+DataInfo::DataInfo(std::ostream& output, std::ostream& errors) : out(output), err(errors) {}
 
-int Inspector::usage()
+int DataInfo::usage()
 {
     err << "usage: velmora-data info FILE... [--format N]\n"
            "       velmora-data convert IN OUT.ctx|OUT.mtx [--format N]\n";
     return 2;
 }
 
-bool Inspector::parseFormat(const char* text, int& format)
+bool DataInfo::parseFormat(const char* text, int& format)
 {
     char* end = nullptr;
     long value = std::strtol(text, &end, 10);
@@ -73,7 +73,7 @@ bool Inspector::parseFormat(const char* text, int& format)
     return true;
 }
 
-int Inspector::run(int argc, const char* const* argv)
+int DataInfo::run(int argc, const char* const* argv)
 {
     if (argc < 3)
         return usage();
@@ -106,7 +106,7 @@ int Inspector::run(int argc, const char* const* argv)
     return allSound ? 0 : 1;
 }
 
-bool Inspector::report(const std::string& file, const std::string& problem)
+bool DataInfo::report(const std::string& file, const std::string& problem)
 {
     out.flush();
     err << "velmora-data: " << oneLine(file) << ": " << oneLine(problem) << "\n";
@@ -114,7 +114,7 @@ bool Inspector::report(const std::string& file, const std::string& problem)
     return false;
 }
 
-bool Inspector::info(const std::string& file, int format)
+bool DataInfo::info(const std::string& file, int format)
 {
     FileKind::Kind kind = FileKind::detect(file);
     if (kind == FileKind::MISSING || kind == FileKind::EMPTY || kind == FileKind::UNKNOWN)
@@ -127,7 +127,7 @@ bool Inspector::info(const std::string& file, int format)
     if (kind == FileKind::CHUNKS) {
         sound = infoChunks(file, problem);
     } else if (kind == FileKind::XM) {
-        XmInspector module(out);
+        XmReport module(out);
         sound = module.inspect(file);
         problem = module.error();
     } else {
@@ -136,7 +136,7 @@ bool Inspector::info(const std::string& file, int format)
     return sound || report(file, problem);
 }
 
-bool Inspector::infoChunks(const std::string& file, std::string& problem)
+bool DataInfo::infoChunks(const std::string& file, std::string& problem)
 {
     std::string absolute = std::filesystem::absolute(file).string();
     ChunkFacts facts;
@@ -160,19 +160,19 @@ bool Inspector::infoChunks(const std::string& file, std::string& problem)
     return walked && loaded;
 }
 
-bool Inspector::infoImage(const std::string& file, int kind, int format, std::string& problem)
+bool DataInfo::infoImage(const std::string& file, int kind, int format, std::string& problem)
 {
     FileKind::Kind imageKind = static_cast<FileKind::Kind>(kind);
     int natural = 0;
     if (imageKind == FileKind::CTX1) {
-        CtxInspector container(out);
+        CtxReport container(out);
         bool sound = container.inspect(file);
         problem = container.error();
         natural = container.getFormat();
         if (!sound)
             return false;
     } else {
-        ImageInspector image(out);
+        ImageReport image(out);
         bool sound = image.inspect(file, imageKind);
         problem = image.error();
         natural = image.naturalFormat();
@@ -185,7 +185,7 @@ bool Inspector::infoImage(const std::string& file, int kind, int format, std::st
     return loaded;
 }
 
-std::string Inspector::dataRoot(const std::string& absoluteFile)
+std::string DataInfo::dataRoot(const std::string& absoluteFile)
 {
     size_t at = absoluteFile.rfind("/data/");
     return at == std::string::npos ? std::string() : absoluteFile.substr(0, at == 0 ? 1 : at);

@@ -1,6 +1,6 @@
 // Kinds by content, the CTX1 container check and conversion bit for bit through the engine's loaders.
 #include "Converter.h"
-#include "CtxInspector.h"
+#include "CtxReport.h"
 #include "FileKind.h"
 #include "ProgramRun.h"
 #include "scene/object/Chunk.h"
@@ -75,7 +75,7 @@ TEST(ContainerCheck, AStreamThatStopsEarlyLoadsInTheEngineButIsRefusedHere)
     ASSERT_NE(texture, nullptr);
     EXPECT_EQ(texture->getDataPtr()[63], 0);
     std::ostringstream printout;
-    CtxInspector check(printout);
+    CtxReport check(printout);
     EXPECT_FALSE(check.inspect(file));
     EXPECT_EQ(check.error(), "the zlib stream ends after 32 of 64 pixel bytes; the engine would leave the rest black");
 }
@@ -86,7 +86,7 @@ TEST(ContainerCheck, TrailingBytesAndOversizedHeadersAreRefused)
     std::string tail = dir.file("tail.ctx");
     writeBytes(tail, container(4, 4, 64, "junk"));
     std::ostringstream printout;
-    CtxInspector check(printout);
+    CtxReport check(printout);
     EXPECT_FALSE(check.inspect(tail));
     EXPECT_EQ(check.error(), "4 bytes follow the zlib stream");
 

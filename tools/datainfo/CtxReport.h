@@ -4,9 +4,9 @@
 #include <ostream>
 #include <string>
 
-class CtxInspector {
+class CtxReport {
 public:
-    explicit CtxInspector(std::ostream& out);
+    explicit CtxReport(std::ostream& out);
 
     bool inspect(const std::string& file);
     const std::string& error() const { return problem; }

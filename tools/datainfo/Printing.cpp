@@ -1,4 +1,4 @@
-// Number formatting shared by the inspector's printouts.
+// Number formatting shared by velmora-data's printouts.
 #include "Printing.h"
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// Checked field reading for the inspector's chunk walk.
+// Checked field reading for velmora-data's chunk walk.
 #include "ChunkReader.h"
 
 #include "scene/object/Chunk.h"

@@ -30,7 +30,7 @@ std::string quoted(const std::string& text)
 
 ProgramRun ProgramRun::run(const std::vector<std::string>& args, const std::string& workingDir)
 {
-    std::string base = std::filesystem::temp_directory_path().string() + "/inspector-run-" + std::to_string(getpid());
+    std::string base = std::filesystem::temp_directory_path().string() + "/datainfo-run-" + std::to_string(getpid());
     std::string command = workingDir.empty() ? "" : "cd " + quoted(workingDir) + " && ";
     command += "ASAN_OPTIONS=\"$ASAN_OPTIONS:exitcode=86\" UBSAN_OPTIONS=\"$UBSAN_OPTIONS:exitcode=87\" " +
                           quoted(VELMORA_DATA_EXE);
@@ -54,7 +54,7 @@ int ProgramRun::errLines() const
     return static_cast<int>(std::count(err.begin(), err.end(), '\n'));
 }
 
-ScratchDir::ScratchDir(const std::string& name) : path("inspector-scratch/" + name + "-" + std::to_string(getpid()))
+ScratchDir::ScratchDir(const std::string& name) : path("datainfo-scratch/" + name + "-" + std::to_string(getpid()))
 {
     std::filesystem::remove_all(path);
     std::filesystem::create_directories(path);

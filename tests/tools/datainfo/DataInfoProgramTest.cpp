@@ -55,7 +55,7 @@ bool startsWithContainer(const std::vector<unsigned char>& bytes)
 
 } // namespace
 
-TEST(InspectorGeneratedFiles, TheDataTreeHoldsWhatTheScenesLoad)
+TEST(DataInfoGeneratedFiles, TheDataTreeHoldsWhatTheScenesLoad)
 {
     std::vector<std::string> files = generatedFiles();
     for (const char* needed : {"data/3d/ship.msh", "data/3d/leaf.msh", "data/3d/fan2.msh", "data/img/credits.png",
@@ -63,7 +63,7 @@ TEST(InspectorGeneratedFiles, TheDataTreeHoldsWhatTheScenesLoad)
         EXPECT_NE(std::find(files.begin(), files.end(), needed), files.end()) << needed;
 }
 
-TEST(InspectorGeneratedFiles, InfoOnEveryFileExitsZeroWithAPrintout)
+TEST(DataInfoGeneratedFiles, InfoOnEveryFileExitsZeroWithAPrintout)
 {
     for (const std::string& file : generatedFiles()) {
         ProgramRun run = ProgramRun::run({"info", file});
@@ -73,7 +73,7 @@ TEST(InspectorGeneratedFiles, InfoOnEveryFileExitsZeroWithAPrintout)
     }
 }
 
-TEST(InspectorGeneratedFiles, AMeshFindsItsTexturesFromAnyWorkingDirectory)
+TEST(DataInfoGeneratedFiles, AMeshFindsItsTexturesFromAnyWorkingDirectory)
 {
     std::string mesh = std::filesystem::absolute("data/3d/leaf.msh").string();
     ProgramRun run = ProgramRun::run({"info", mesh}, std::filesystem::temp_directory_path().string());
@@ -81,7 +81,7 @@ TEST(InspectorGeneratedFiles, AMeshFindsItsTexturesFromAnyWorkingDirectory)
     EXPECT_NE(run.out.find("engine: Mesh::load reads"), std::string::npos) << run.out;
 }
 
-TEST(InspectorDamagedCopies, EveryCutShortCopyIsRefused)
+TEST(DataInfoDamagedCopies, EveryCutShortCopyIsRefused)
 {
     ScratchDir dir("cut");
     for (const std::string& file : generatedFiles()) {
@@ -97,7 +97,7 @@ TEST(InspectorDamagedCopies, EveryCutShortCopyIsRefused)
     }
 }
 
-TEST(InspectorDamagedCopies, BrokenTagsAndMagicAreRefused)
+TEST(DataInfoDamagedCopies, BrokenTagsAndMagicAreRefused)
 {
     ScratchDir dir("tags");
     for (const std::string& file : generatedFiles()) {
@@ -118,7 +118,7 @@ TEST(InspectorDamagedCopies, BrokenTagsAndMagicAreRefused)
     }
 }
 
-TEST(InspectorDamagedCopies, FlippedBytesInsidePicturesFailTheirChecksums)
+TEST(DataInfoDamagedCopies, FlippedBytesInsidePicturesFailTheirChecksums)
 {
     ScratchDir dir("flip");
     for (const std::string& file : generatedFiles()) {
@@ -137,7 +137,7 @@ TEST(InspectorDamagedCopies, FlippedBytesInsidePicturesFailTheirChecksums)
     }
 }
 
-TEST(InspectorDamagedCopies, ScatteredFlipsNeverCrash)
+TEST(DataInfoDamagedCopies, ScatteredFlipsNeverCrash)
 {
     ScratchDir dir("scatter");
     unsigned seed = 12345;
@@ -158,7 +158,7 @@ TEST(InspectorDamagedCopies, ScatteredFlipsNeverCrash)
     }
 }
 
-TEST(InspectorCommandLine, WrongCommandLinesExitTwoWithTheUsage)
+TEST(DataInfoCommandLine, WrongCommandLinesExitTwoWithTheUsage)
 {
     for (std::vector<std::string> args : std::vector<std::vector<std::string>>{
              {}, {"info"}, {"list", "data/3d/ship.msh"}, {"info", "data/3d/ship.msh", "--format", "9"},
@@ -169,14 +169,14 @@ TEST(InspectorCommandLine, WrongCommandLinesExitTwoWithTheUsage)
     }
 }
 
-TEST(InspectorCommandLine, AMissingFileIsRefusedByName)
+TEST(DataInfoCommandLine, AMissingFileIsRefusedByName)
 {
     ProgramRun run = ProgramRun::run({"info", "data/3d/no-such-file.msh"});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.err, "velmora-data: data/3d/no-such-file.msh: cannot be opened\n");
 }
 
-TEST(InspectorCommandLine, OneBadFileAmongGoodOnesFailsTheRun)
+TEST(DataInfoCommandLine, OneBadFileAmongGoodOnesFailsTheRun)
 {
     ProgramRun run = ProgramRun::run({"info", "data/3d/ship.msh", "data/none.png", "data/img/logo.png"});
     EXPECT_EQ(run.status, 1);
@@ -184,7 +184,7 @@ TEST(InspectorCommandLine, OneBadFileAmongGoodOnesFailsTheRun)
     EXPECT_NE(run.out.find("data/img/logo.png: PNG image"), std::string::npos);
 }
 
-TEST(InspectorKinds, TheKindComesFromTheContentNotTheName)
+TEST(DataInfoKinds, TheKindComesFromTheContentNotTheName)
 {
     ScratchDir dir("kinds");
     std::string renamedMesh = dir.file("ship.bin");
@@ -203,7 +203,7 @@ TEST(InspectorKinds, TheKindComesFromTheContentNotTheName)
     EXPECT_EQ(ProgramRun::run({"convert", misnamed, dir.file("ship.ctx")}).status, 0);
 }
 
-TEST(InspectorConvert, WritesAContainerThatInfoAccepts)
+TEST(DataInfoConvert, WritesAContainerThatInfoAccepts)
 {
     ScratchDir dir("convert");
     std::string plain = dir.file("ship.ctx");
@@ -221,7 +221,7 @@ TEST(InspectorConvert, WritesAContainerThatInfoAccepts)
     EXPECT_NE(levels.out.find("12 mipmap levels"), std::string::npos) << levels.out;
 }
 
-TEST(InspectorConvert, RefusesWhatItCannotWrite)
+TEST(DataInfoConvert, RefusesWhatItCannotWrite)
 {
     ScratchDir dir("refuse");
     ProgramRun toPng = ProgramRun::run({"convert", "data/img/ship.png", dir.file("ship.png")});

@@ -1,5 +1,5 @@
 // Reads the headers and structure of the standard image files the engine loads.
-#include "ImageInspector.h"
+#include "ImageReport.h"
 
 #include "texture/TextureLoader.h"
 
@@ -15,15 +15,15 @@ const long long maxFileSize = 512LL * 1024 * 1024;
 
 } // namespace
 
-ImageInspector::ImageInspector(std::ostream& output) : out(output), natural(7) {}
+ImageReport::ImageReport(std::ostream& output) : out(output), natural(7) {}
 
-bool ImageInspector::fail(const std::string& what)
+bool ImageReport::fail(const std::string& what)
 {
     problem = what;
     return false;
 }
 
-unsigned ImageInspector::bigEndian(size_t at, int count) const
+unsigned ImageReport::bigEndian(size_t at, int count) const
 {
     unsigned value = 0;
     for (int i = 0; i < count; ++i)
@@ -31,7 +31,7 @@ unsigned ImageInspector::bigEndian(size_t at, int count) const
     return value;
 }
 
-unsigned ImageInspector::littleEndian(size_t at, int count) const
+unsigned ImageReport::littleEndian(size_t at, int count) const
 {
     unsigned value = 0;
     for (int i = count - 1; i >= 0; --i)
@@ -39,7 +39,7 @@ unsigned ImageInspector::littleEndian(size_t at, int count) const
     return value;
 }
 
-bool ImageInspector::inspect(const std::string& file, FileKind::Kind kind)
+bool ImageReport::inspect(const std::string& file, FileKind::Kind kind)
 {
     std::ifstream in(file, std::ios::binary | std::ios::ate);
     if (!in)
@@ -64,7 +64,7 @@ bool ImageInspector::inspect(const std::string& file, FileKind::Kind kind)
     }
 }
 
-bool ImageInspector::inspectPng()
+bool ImageReport::inspectPng()
 {
     size_t at = 8;
     int chunks = 0;
@@ -108,7 +108,7 @@ bool ImageInspector::inspectPng()
     return true;
 }
 
-bool ImageInspector::inspectJpeg()
+bool ImageReport::inspectJpeg()
 {
     size_t at = 2;
     while (true) {
@@ -139,7 +139,7 @@ bool ImageInspector::inspectJpeg()
     return true;
 }
 
-bool ImageInspector::inspectTiff(const std::string& file)
+bool ImageReport::inspectTiff(const std::string& file)
 {
     TIFFErrorHandler error = TIFFSetErrorHandler(nullptr);
     TIFFErrorHandler warning = TIFFSetWarningHandler(nullptr);
@@ -162,7 +162,7 @@ bool ImageInspector::inspectTiff(const std::string& file)
     return true;
 }
 
-bool ImageInspector::inspectPcx()
+bool ImageReport::inspectPcx()
 {
     if (bytes.size() < 128 + 769)
         return fail("PCX shorter than its header and palette");
@@ -200,7 +200,7 @@ bool ImageInspector::inspectPcx()
     return true;
 }
 
-bool ImageInspector::inspectSgi()
+bool ImageReport::inspectSgi()
 {
     if (bytes.size() < 512)
         return fail("SGI image shorter than its 512-byte header");
@@ -230,7 +230,7 @@ bool ImageInspector::inspectSgi()
     return true;
 }
 
-bool ImageInspector::inspectTga()
+bool ImageReport::inspectTga()
 {
     if (bytes.size() < 18)
         return fail("Targa shorter than its 18-byte header");

@@ -1,4 +1,4 @@
-// The inspector's chunk walk on files the engine writes, and on the damage it has to name.
+// The reader's chunk walk on files the engine writes, and on the damage it has to name.
 #include "ChunkFacts.h"
 #include "ChunkReader.h"
 #include "ChunkWalker.h"

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-class ImageInspector {
+class ImageReport {
 public:
-    explicit ImageInspector(std::ostream& out);
+    explicit ImageReport(std::ostream& out);
 
     bool inspect(const std::string& file, FileKind::Kind kind);
     const std::string& error() const { return problem; }
