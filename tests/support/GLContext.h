@@ -5,20 +5,18 @@
 
 class GLContext {
 public:
-    // Opens the window on first use (Xvfb or SDL's offscreen driver); false when no GL can be had.
+    // Opens the window on first use; false when no GL can be had.
     static bool ensure(int width = 128, int height = 128);
     static int width();
     static int height();
-    // Reads one RGBA pixel of the current frame (before any swap).
+    // One RGBA pixel of the current frame (before any swap).
     static void readPixel(int x, int y, unsigned char rgba[4]);
 };
 
-// Fixture for GL tests: fails the test when no context can be opened,
-// and leaves a cleared frame with identity matrices behind each test start.
+// Fails the test without a context; each test starts on a cleared frame with identity matrices.
 class GLTest : public ::testing::Test {
 protected:
     void SetUp() override;
-    // Finishes the test's drawing: llvmpipe can crash compiling work still
-    // queued when the context is torn down at exit.
+    // llvmpipe can crash compiling work still queued when the context is torn down at exit.
     void TearDown() override;
 };
