@@ -34,13 +34,11 @@ void expectRotation(const Matrix4& m)
     Vector3 x = column(m, 0), y = column(m, 1), z = column(m, 2);
     EXPECT_NEAR(x.length(), 1.0f, 1e-5f);
     EXPECT_NEAR(y.length(), 1.0f, 1e-5f);
-    EXPECT_NEAR(z.length(), 1.0f, 1e-5f);
     EXPECT_NEAR(x.dot(y), 0.0f, 1e-5f);
-    EXPECT_NEAR(y.dot(z), 0.0f, 1e-5f);
     expectNear(x.cross(y), z);
 }
 
-// A straight path along dir: three keys so the middle of the path is an inner span.
+// Three keys, so the middle of the path is an inner span.
 void straightPath(MeshAnimation& anim, const Vector3& origin, const Vector3& dir)
 {
     anim.addMeshPos(0, origin);
@@ -49,7 +47,12 @@ void straightPath(MeshAnimation& anim, const Vector3& origin, const Vector3& dir
     anim.setup();
 }
 
-// ---- placement ----
+std::string saved(MeshAnimation& anim)
+{
+    std::ostringstream out;
+    EXPECT_TRUE(anim.save(out));
+    return out.str();
+}
 
 class MeshPlacementTest : public ::testing::TestWithParam<Vector3> {};
 
@@ -66,8 +69,6 @@ TEST_P(MeshPlacementTest, ForwardAxisFollowsAStraightPath)
         expectNear(column(m, 2), dir, 1e-3f);
         expectRotation(m);
         expectNear(column(m, 3), anim.getPositionTrack()->evaluate(static_cast<float>(frame)), 1e-4f);
-        Vector3 along = column(m, 3) - origin;
-        EXPECT_NEAR(along.cross(dir).length(), 0.0f, 1e-3f) << "the point stays on the line";
     }
 }
 
@@ -75,23 +76,19 @@ INSTANTIATE_TEST_SUITE_P(EachAxis, MeshPlacementTest,
                          ::testing::Values(Vector3(1, 0, 0), Vector3(-1, 0, 0), Vector3(0, 1, 0),
                                            Vector3(0, -1, 0), Vector3(0, 0, 1), Vector3(0, 0, -1)));
 
-TEST(MeshAnimationTest, MotionAlongPlusZKeepsTheMeshUnturned)
+TEST(MeshAnimationTest, WithoutATrackOrAlongPlusZTheMeshIsUnturned)
 {
-    MeshAnimation anim;
-    straightPath(anim, Vector3(), Vector3(0.0f, 0.0f, 1.0f));
-    anim.setFrame(30);
-    Matrix4 m = anim.placement();
-    expectNear(column(m, 0), Vector3(1, 0, 0));
-    expectNear(column(m, 1), Vector3(0, 1, 0));
-}
-
-TEST(MeshAnimationTest, WithoutATrackTheMeshSitsAtTheOriginFacingPlusZ)
-{
-    MeshAnimation anim;
-    Matrix4 m = anim.placement();
+    MeshAnimation still;
+    Matrix4 m = still.placement();
     expectNear(column(m, 3), Vector3());
     expectNear(column(m, 2), Vector3(0, 0, 1));
     expectRotation(m);
+    MeshAnimation anim;
+    straightPath(anim, Vector3(), Vector3(0.0f, 0.0f, 1.0f));
+    anim.setFrame(30);
+    m = anim.placement();
+    expectNear(column(m, 0), Vector3(1, 0, 0));
+    expectNear(column(m, 1), Vector3(0, 1, 0));
 }
 
 TEST(MeshAnimationTest, PastTheEndOfAnOpenPathTheMeshStopsWithoutNaN)
@@ -106,9 +103,7 @@ TEST(MeshAnimationTest, PastTheEndOfAnOpenPathTheMeshStopsWithoutNaN)
         EXPECT_FALSE(std::isnan(m[i])) << i;
 }
 
-// ---- playback ----
-
-TEST(MeshAnimationTest, UpdateOnlyAdvancesTheFrame)
+TEST(MeshAnimationTest, UpdateAdvancesByTheFrameRate)
 {
     MeshAnimation anim;
     straightPath(anim, Vector3(), Vector3(1, 0, 0));
@@ -120,37 +115,23 @@ TEST(MeshAnimationTest, UpdateOnlyAdvancesTheFrame)
     EXPECT_EQ(anim.getCurrentFrame(), 17.0f);
 }
 
-// ---- the CANI chunk ----
-
-TEST(MeshAnimationTest, SaveLoadSaveIsBitIdenticalAndKeepsTheLabel)
+TEST(MeshAnimationTest, SaveLoadSaveIsBitIdenticalAndNamesTheMesh)
 {
     MeshAnimation anim;
     straightPath(anim, Vector3(-0.0f, 1e-40f, 2.0f), Vector3(0, 1, 0));
     anim.setLabel("fish");
     anim.setFramesPerSec(30.0f);
-    std::ostringstream first;
-    ASSERT_TRUE(anim.save(first));
-
+    const std::string first = saved(anim);
     MeshAnimation loaded;
-    std::istringstream in(first.str());
+    std::istringstream in(first);
     ASSERT_TRUE(loaded.load(in));
     EXPECT_EQ(loaded.getLabel(), "fish");
-    EXPECT_EQ(loaded.getFramesPerSec(), 30.0f);
-    std::ostringstream second;
-    ASSERT_TRUE(loaded.save(second));
-    EXPECT_EQ(first.str(), second.str());
-}
+    EXPECT_EQ(saved(loaded), first);
 
-TEST(MeshAnimationTest, SavesTheNameOfTheMeshItMoves)
-{
-    MeshAnimation anim;
-    anim.addMeshPos(0, Vector3());
     Mesh mesh;
     mesh.setName("ship");
     anim.setMesh(&mesh);
-    std::ostringstream out;
-    ASSERT_TRUE(anim.save(out));
-    EXPECT_EQ(out.str().substr(8, 6), std::string("\x04\x00ship", 6));
+    EXPECT_EQ(saved(anim).substr(8, 6), std::string("\x04\x00ship", 6));
 }
 
 TEST(MeshAnimationTest, ReadsTheFirstTrackOfACameraPathFile)
@@ -162,7 +143,6 @@ TEST(MeshAnimationTest, ReadsTheFirstTrackOfACameraPathFile)
     cam.addTargetPos(0, Vector3());
     std::ostringstream out;
     ASSERT_TRUE(cam.save(out));
-
     MeshAnimation anim;
     std::istringstream in(out.str());
     ASSERT_TRUE(anim.load(in));
@@ -172,34 +152,26 @@ TEST(MeshAnimationTest, ReadsTheFirstTrackOfACameraPathFile)
     EXPECT_EQ(std::string(next, 4), "LIN3");
 }
 
-TEST(MeshAnimationTest, EveryTruncationFailsAndLeavesNoTrack)
+TEST(MeshAnimationTest, TruncatedOrWrongInputFailsAndLeavesNoTrack)
 {
     MeshAnimation anim;
     straightPath(anim, Vector3(), Vector3(0, 0, 1));
     anim.setLabel("worm");
-    std::ostringstream out;
-    ASSERT_TRUE(anim.save(out));
-    const std::string bytes = out.str();
+    const std::string bytes = saved(anim);
     for (size_t cut = 0; cut < bytes.size(); ++cut) {
         MeshAnimation loaded;
         std::istringstream in(bytes.substr(0, cut));
         EXPECT_FALSE(loaded.load(in)) << cut;
         EXPECT_EQ(loaded.getPositionTrack(), nullptr) << cut;
     }
-}
-
-TEST(MeshAnimationTest, BadInputFails)
-{
-    MeshAnimation anim;
+    MeshAnimation empty;
     std::istringstream wrongTag(std::string("CAMI\0\0\xc0\x41\0\0", 10));
-    EXPECT_FALSE(anim.load(wrongTag));
+    EXPECT_FALSE(empty.load(wrongTag));
     std::ostringstream out;
-    EXPECT_FALSE(anim.save(out));
+    EXPECT_FALSE(empty.save(out));
     EXPECT_TRUE(out.str().empty());
-    EXPECT_FALSE(anim.load("/nonexistent/none.cam"));
+    EXPECT_FALSE(empty.load("/nonexistent/none.cam"));
 }
-
-// ---- GL ----
 
 class MeshAnimationGLTest : public GLTest {};
 
@@ -217,8 +189,7 @@ TEST_F(MeshAnimationGLTest, SetMatrixMultipliesThePlacementOntoTheCurrentMatrix)
     Matrix4 m = anim.placement();
     for (int r = 0; r < 3; ++r)
         for (int c = 0; c < 4; ++c)
-            EXPECT_NEAR(gl[4 * c + r], m[4 * r + c] + (r == 0 && c == 3 ? 10.0f : 0.0f), 1e-4f)
-                << r << "," << c;
+            EXPECT_NEAR(gl[4 * c + r], m[4 * r + c] + (r == 0 && c == 3 ? 10.0f : 0.0f), 1e-4f) << r << "," << c;
     glLoadIdentity();
 }
 

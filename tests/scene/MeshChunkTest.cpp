@@ -3,7 +3,6 @@
 #include "scene/Mesh.h"
 #include "scene/VertexArray.h"
 #include "scene/loadMeshMSH.h"
-#include "scene/object/Chunk.h"
 #include "texture/Material.h"
 #include "texture/MaterialMgr.h"
 
@@ -11,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -58,18 +56,27 @@ std::string saved(const T& object)
     return out.str();
 }
 
-// Every proper prefix of a valid chunk must fail to load into a fresh object.
 template <class T>
 void expectEveryPrefixFails(const std::string& whole)
 {
     for (size_t n = 0; n < whole.size(); ++n) {
         T object;
         std::istringstream in(whole.substr(0, n));
-        EXPECT_FALSE(object.load(in)) << "prefix of " << n << " of " << whole.size() << " bytes loaded";
+        EXPECT_FALSE(object.load(in)) << n << " of " << whole.size() << " bytes loaded";
     }
 }
 
-class MaterialRegistry : public ::testing::Test {
+std::string tempPath(const char* name)
+{
+    return ::testing::TempDir() + "velmora_scene_" + name;
+}
+
+void writeFile(const std::string& path, const std::string& content)
+{
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
+}
+
+class MeshChunk : public ::testing::Test {
 protected:
     void SetUp() override { MaterialMgr::getHandle()->shutdown(); }
     void TearDown() override { MaterialMgr::getHandle()->shutdown(); }
@@ -80,29 +87,29 @@ protected:
         MaterialMgr::getHandle()->add(material);
         return material;
     }
+
+    static Mesh* builtMesh(Material* material)
+    {
+        VertexArray* vertices = new VertexArray(oddVertices());
+        (*vertices)[0].position.assign(-1, -2, -3);
+        (*vertices)[1].position.assign(4, 5, 6);
+        (*vertices)[2].position.assign(0, 0, 0);
+        FaceArray* faces = new FaceArray();
+        faces->create(1);
+        faces->addFace(triangle(0, 1, 2, material));
+        Mesh* mesh = new Mesh();
+        EXPECT_TRUE(mesh->create(vertices, faces));
+        return mesh;
+    }
 };
 
-std::string tempPath(const char* name)
-{
-    return ::testing::TempDir() + "velmora_scene_" + name;
-}
-
-void writeFile(const std::string& path, const std::string& content)
-{
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(content.data(), static_cast<std::streamsize>(content.size()));
-}
-
 } // namespace
-
-// ---- VARR --------------------------------------------------------------
 
 TEST(VertexArrayChunk, RoundTripKeepsEveryBit)
 {
     VertexArray original = oddVertices();
     std::string first = saved(original);
     ASSERT_EQ(first.size(), 4u + 4u + 3u * 32u);
-
     VertexArray copy;
     std::istringstream in(first);
     ASSERT_TRUE(copy.load(in));
@@ -122,91 +129,36 @@ TEST(VertexArrayChunk, FieldOrderIsPositionNormalUV)
     EXPECT_EQ(saved(vertices), expected);
 }
 
-TEST(VertexArrayChunk, TruncatedAnywhereFails)
-{
-    expectEveryPrefixFails<VertexArray>(saved(oddVertices()));
-}
-
-TEST(VertexArrayChunk, WrongTagOrAbsurdCountFails)
-{
-    VertexArray vertices;
-    std::istringstream wrongTag(std::string("VARX") + le32(0));
-    EXPECT_FALSE(vertices.load(wrongTag));
-
-    std::istringstream huge(std::string("VARR") + le32(0x7fffffff) + std::string(64, '\0'));
-    EXPECT_FALSE(vertices.load(huge));
-    EXPECT_EQ(vertices.getCapacity(), 0);
-
-    std::istringstream negative(std::string("VARR") + le32(0xffffffffu));
-    EXPECT_FALSE(vertices.load(negative));
-}
-
-TEST(VertexArrayChunk, EmptyArrayEndsExactlyAtEndOfFile)
-{
-    VertexArray vertices;
-    std::istringstream in(std::string("VARR") + le32(0));
-    EXPECT_TRUE(vertices.load(in));
-    EXPECT_EQ(vertices.getNumVertices(), 0);
-}
-
-// ---- VertexArray and FaceArray storage ---------------------------------
-
 TEST(ArrayStorage, AddFailsWhenFullAndResizeKeepsContents)
 {
     VertexArray vertices;
     vertices.create(2);
-    EXPECT_EQ(vertices.getNumVertices(), 0);
     EXPECT_TRUE(vertices.addVertex(Vector3(1, 0, 0)));
     EXPECT_TRUE(vertices.addVertex(Vector3(2, 0, 0), Vector3(0, 1, 0)));
     EXPECT_FALSE(vertices.addVertex(Vector3(3, 0, 0)));
     ASSERT_TRUE(vertices.resize(4));
     EXPECT_EQ(vertices.getNumVertices(), 2);
     EXPECT_EQ(vertices[1].normal, Vector3(0, 1, 0));
-    EXPECT_TRUE(vertices.addVertex(Vector3(3, 0, 0), Vector2(0.5f, 0.25f)));
-    EXPECT_EQ(vertices[2].uv, Vector2(0.5f, 0.25f));
-    vertices.clear();
-    EXPECT_EQ(vertices.getNumVertices(), 0);
-    EXPECT_EQ(vertices.getCapacity(), 4);
-
-    FaceArray faces;
-    faces.create(1);
-    EXPECT_TRUE(faces.addFace(triangle(0, 1, 2)));
-    EXPECT_FALSE(faces.addFace(triangle(0, 1, 2)));
-}
-
-TEST(ArrayStorage, FaceHoldsAtMostFourIndices)
-{
+    EXPECT_TRUE(vertices.addVertex(Vector3(3, 0, 0)));
     Face face;
     EXPECT_TRUE(face.create(4));
     EXPECT_FALSE(face.create(5));
-    EXPECT_EQ(face.numIndices, 4);
-    face.clear();
-    EXPECT_EQ(face.numIndices, 0);
 }
 
-// ---- FARR --------------------------------------------------------------
-
-TEST_F(MaterialRegistry, FaceWithoutMaterialByteImage)
+TEST_F(MeshChunk, FaceByteImagesWithAndWithoutMaterial)
 {
-    FaceArray faces;
-    faces.create(1);
-    faces.addFace(triangle(1, 2, 3));
-    std::string expected = std::string("FARR") + le32(1) + le16(0) + le16(3)
-        + le32(1) + le32(2) + le32(3) + f32(0) + f32(0) + f32(1);
-    EXPECT_EQ(saved(faces), expected);
+    const std::string body = le16(3) + le32(1) + le32(2) + le32(3) + f32(0) + f32(0) + f32(1);
+    FaceArray bare;
+    bare.create(1);
+    bare.addFace(triangle(1, 2, 3));
+    EXPECT_EQ(saved(bare), std::string("FARR") + le32(1) + le16(0) + body);
+    FaceArray dressed;
+    dressed.create(1);
+    dressed.addFace(triangle(1, 2, 3, registered("Mat")));
+    EXPECT_EQ(saved(dressed), std::string("FARR") + le32(1) + le16(4) + body + le16(3) + "Mat");
 }
 
-TEST_F(MaterialRegistry, FaceWithMaterialByteImage)
-{
-    FaceArray faces;
-    faces.create(1);
-    faces.addFace(triangle(1, 2, 3, registered("Mat")));
-    std::string expected = std::string("FARR") + le32(1) + le16(4) + le16(3)
-        + le32(1) + le32(2) + le32(3) + f32(0) + f32(0) + f32(1) + le16(3) + "Mat";
-    EXPECT_EQ(saved(faces), expected);
-}
-
-TEST_F(MaterialRegistry, RoundTripResolvesMaterialsByName)
+TEST_F(MeshChunk, FaceRoundTripResolvesMaterialsByName)
 {
     Material* stone = registered("stone");
     Material* glass = registered("glass");
@@ -228,13 +180,11 @@ TEST_F(MaterialRegistry, RoundTripResolvesMaterialsByName)
     EXPECT_EQ(copy[0].material, stone);
     EXPECT_EQ(copy[1].material, nullptr);
     EXPECT_EQ(copy[2].material, glass);
-    EXPECT_EQ(copy[2].numIndices, 4);
     EXPECT_EQ(copy[2].indices[3], 0xfffffffeu);
-    EXPECT_EQ(bitsOf(copy[2].normal.x), 0x7fc12345u);
     EXPECT_EQ(saved(copy), first);
 }
 
-TEST_F(MaterialRegistry, UnknownMaterialLoadsAsNullAndKeepsItsFlag)
+TEST_F(MeshChunk, UnknownMaterialLoadsAsNullAndKeepsItsFlag)
 {
     std::string image = std::string("FARR") + le32(1) + le16(4) + le16(3)
         + le32(0) + le32(1) + le32(2) + f32(0) + f32(1) + f32(0) + le16(5) + "ghost";
@@ -245,99 +195,17 @@ TEST_F(MaterialRegistry, UnknownMaterialLoadsAsNullAndKeepsItsFlag)
     EXPECT_EQ(faces[0].flags, 4);
 }
 
-TEST_F(MaterialRegistry, TruncatedFaceArrayFails)
+TEST_F(MeshChunk, EveryTruncationFailsAndABrokenMeshHasNoArrays)
 {
+    expectEveryPrefixFails<VertexArray>(saved(oddVertices()));
     FaceArray faces;
     faces.create(2);
     faces.addFace(triangle(1, 2, 3, registered("Mat")));
     faces.addFace(triangle(4, 5, 6));
     expectEveryPrefixFails<FaceArray>(saved(faces));
-}
-
-TEST_F(MaterialRegistry, BadFaceRecordsFail)
-{
-    FaceArray faces;
-    std::istringstream fiveIndices(std::string("FARR") + le32(1) + le16(0) + le16(5)
-                                   + std::string(5 * 4 + 12, '\0'));
-    EXPECT_FALSE(faces.load(fiveIndices));
-
-    std::istringstream hugeCount(std::string("FARR") + le32(0x10000000) + std::string(32, '\0'));
-    EXPECT_FALSE(faces.load(hugeCount));
-
-    std::istringstream longName(std::string("FARR") + le32(1) + le16(4) + le16(0)
-                                + std::string(12, '\0') + le16(0xffff) + "abc");
-    EXPECT_FALSE(faces.load(longName));
-
-    std::istringstream wrongTag(std::string("FARM") + le32(0));
-    EXPECT_FALSE(faces.load(wrongTag));
-}
-
-// ---- MESH --------------------------------------------------------------
-
-namespace {
-
-Mesh* builtMesh(Material* material)
-{
-    VertexArray* vertices = new VertexArray(oddVertices());
-    (*vertices)[0].position.assign(-1, -2, -3);
-    (*vertices)[1].position.assign(4, 5, 6);
-    (*vertices)[2].position.assign(0, 0, 0);
-    FaceArray* faces = new FaceArray();
-    faces->create(1);
-    faces->addFace(triangle(0, 1, 2, material));
-    Mesh* mesh = new Mesh();
-    EXPECT_TRUE(mesh->create(vertices, faces));
-    return mesh;
-}
-
-} // namespace
-
-TEST_F(MaterialRegistry, MeshImageIsLimitsThenArrays)
-{
-    Mesh* mesh = builtMesh(nullptr);
-    std::string image = saved(*mesh);
-    ASSERT_EQ(image.substr(0, 4), "MESH");
-    const BoundingBox& limits = mesh->getLimits();
-    std::string expectedLimits = std::string(1, '\0') + std::string(3, '\0') + f32(limits.getRadius())
-        + f32(limits.getCentre().x) + f32(limits.getCentre().y) + f32(limits.getCentre().z)
-        + f32(-1) + f32(-2) + f32(-3) + f32(4) + f32(5) + f32(6);
-    EXPECT_EQ(image.substr(4, 44), expectedLimits);
-    EXPECT_EQ(image.substr(48, 4), "VARR");
-    EXPECT_EQ(image.substr(48 + 8 + 3 * 32, 4), "FARR");
-    delete mesh;
-}
-
-TEST_F(MaterialRegistry, MeshRoundTripKeepsLimitsAndArrays)
-{
-    Mesh* mesh = builtMesh(registered("hull"));
-    std::string first = saved(*mesh);
-    Mesh copy;
-    std::istringstream in(first);
-    ASSERT_TRUE(copy.load(in));
-    EXPECT_EQ(copy.getLimits().getMax(), Vector3(4, 5, 6));
-    EXPECT_EQ(copy.getFaces()->getFaces()[0].material, MaterialMgr::getHandle()->find("hull"));
-    EXPECT_EQ(saved(copy), first);
-    delete mesh;
-}
-
-TEST_F(MaterialRegistry, MeshPaddingIsIgnoredOnReading)
-{
-    Mesh* mesh = builtMesh(nullptr);
-    std::string image = saved(*mesh);
-    image[5] = 'x';
-    image[6] = 'y';
-    image[7] = 'z';
-    Mesh copy;
-    std::istringstream in(image);
-    ASSERT_TRUE(copy.load(in));
-    EXPECT_EQ(copy.getLimits().getMin(), Vector3(-1, -2, -3));
-    delete mesh;
-}
-
-TEST_F(MaterialRegistry, BrokenMeshChunkLeavesMeshEmpty)
-{
     Mesh* mesh = builtMesh(registered("hull"));
     std::string image = saved(*mesh);
+    delete mesh;
     for (size_t n = 0; n < image.size(); ++n) {
         Mesh copy;
         std::istringstream in(image.substr(0, n));
@@ -345,123 +213,117 @@ TEST_F(MaterialRegistry, BrokenMeshChunkLeavesMeshEmpty)
         EXPECT_EQ(copy.getVertices(), nullptr);
         EXPECT_EQ(copy.getFaces(), nullptr);
     }
-    delete mesh;
 }
 
-TEST_F(MaterialRegistry, LoadRefusedWhileMeshHasGeometry)
+TEST_F(MeshChunk, BadArrayRecordsFail)
 {
-    Mesh* mesh = builtMesh(nullptr);
+    const struct {
+        const char* what;
+        std::string image;
+    } vertexCases[] = {
+        {"wrong tag", std::string("VARX") + le32(0)},
+        {"huge count", std::string("VARR") + le32(0x7fffffff) + std::string(64, '\0')},
+        {"negative count", std::string("VARR") + le32(0xffffffffu)},
+    }, faceCases[] = {
+        {"five indices", std::string("FARR") + le32(1) + le16(0) + le16(5) + std::string(32, '\0')},
+        {"huge count", std::string("FARR") + le32(0x10000000) + std::string(32, '\0')},
+        {"name past the end", std::string("FARR") + le32(1) + le16(4) + le16(0) + std::string(12, '\0')
+                                  + le16(0xffff) + "abc"},
+        {"wrong tag", std::string("FARM") + le32(0)},
+    };
+    for (const auto& c : vertexCases) {
+        VertexArray vertices;
+        std::istringstream in(c.image);
+        EXPECT_FALSE(vertices.load(in)) << c.what;
+        EXPECT_EQ(vertices.getCapacity(), 0) << c.what;
+    }
+    for (const auto& c : faceCases) {
+        FaceArray faces;
+        std::istringstream in(c.image);
+        EXPECT_FALSE(faces.load(in)) << c.what;
+    }
+}
+
+TEST_F(MeshChunk, MeshImageIsLimitsThenArraysAndRoundTrips)
+{
+    Mesh* mesh = builtMesh(registered("hull"));
     std::string image = saved(*mesh);
-    VertexArray* before = mesh->getVertices();
+    const BoundingBox& limits = mesh->getLimits();
+    std::string expectedLimits = std::string("MESH") + std::string(4, '\0') + f32(limits.getRadius())
+        + f32(limits.getCentre().x) + f32(limits.getCentre().y) + f32(limits.getCentre().z)
+        + f32(-1) + f32(-2) + f32(-3) + f32(4) + f32(5) + f32(6);
+    EXPECT_EQ(image.substr(0, 48), expectedLimits);
+    EXPECT_EQ(image.substr(48, 4), "VARR");
+    EXPECT_EQ(image.substr(48 + 8 + 3 * 32, 4), "FARR");
+
+    Mesh copy;
     std::istringstream in(image);
-    EXPECT_FALSE(mesh->load(in));
-    EXPECT_EQ(mesh->getVertices(), before);
+    ASSERT_TRUE(copy.load(in));
+    EXPECT_EQ(copy.getFaces()->getFaces()[0].material, MaterialMgr::getHandle()->find("hull"));
+    EXPECT_EQ(saved(copy), image);
+    // A mesh with geometry refuses a second load and a second create.
+    std::istringstream again(image);
+    EXPECT_FALSE(mesh->load(again));
     VertexArray* otherVertices = new VertexArray();
     FaceArray* otherFaces = new FaceArray();
     EXPECT_FALSE(mesh->create(otherVertices, otherFaces));
-    EXPECT_EQ(mesh->getVertices(), before);
     delete otherVertices;
     delete otherFaces;
     delete mesh;
-}
-
-TEST(MeshSave, EmptyMeshWritesNothing)
-{
-    Mesh mesh;
     std::ostringstream out;
-    EXPECT_FALSE(mesh.save(out));
+    EXPECT_FALSE(Mesh().save(out));
     EXPECT_TRUE(out.str().empty());
 }
 
-// ---- limits and copies ----------------------------------------------------
-
-TEST(MeshLimits, SingleVertexHasZeroRadius)
-{
-    VertexArray* vertices = new VertexArray();
-    vertices->create(1);
-    vertices->addVertex(Vector3(2, 3, 4));
-    FaceArray* faces = new FaceArray();
-    Mesh mesh;
-    ASSERT_TRUE(mesh.create(vertices, faces));
-    EXPECT_EQ(mesh.getLimits().getMin(), mesh.getLimits().getMax());
-    EXPECT_EQ(mesh.getLimits().getRadius(), 0.0f);
-    EXPECT_EQ(mesh.getLimits().getKind(), BoundingBox::FROM_CORNERS);
-}
-
-TEST(MeshLimits, CreateRefusesNullArrays)
-{
-    Mesh mesh;
-    VertexArray vertices;
-    EXPECT_FALSE(mesh.create(&vertices, nullptr));
-    EXPECT_FALSE(mesh.create(nullptr, nullptr));
-    EXPECT_EQ(mesh.getVertices(), nullptr);
-}
-
-TEST_F(MaterialRegistry, CopiesShareNoArrays)
+TEST_F(MeshChunk, CopiesShareNoArrays)
 {
     Mesh* mesh = builtMesh(nullptr);
-    mesh->setName("original");
     Mesh copy(*mesh);
     ASSERT_NE(copy.getVertices(), nullptr);
     EXPECT_NE(copy.getVertices(), mesh->getVertices());
     EXPECT_NE(copy.getFaces(), mesh->getFaces());
-    EXPECT_EQ(copy.getName(), nullptr);
     (*copy.getVertices())[0].position.x = 99.0f;
     EXPECT_EQ((*mesh->getVertices())[0].position.x, -1.0f);
-
     Mesh assigned;
     assigned = *mesh;
     EXPECT_EQ(saved(assigned), saved(*mesh));
-    assigned.reset();
-    EXPECT_EQ(assigned.getVertices(), nullptr);
-    EXPECT_EQ(assigned.getFaces(), nullptr);
     delete mesh;
 }
 
-// ---- .msh files --------------------------------------------------------
-
-TEST_F(MaterialRegistry, MeshFileRoundTripThroughTheRegistry)
+TEST_F(MeshChunk, MeshFileRoundTripThroughTheRegistry)
 {
     Mesh* mesh = builtMesh(registered("deck"));
     std::string path = tempPath("roundtrip.msh");
     ASSERT_TRUE(mesh->save(path.c_str()));
+    delete mesh;
     MaterialMgr::getHandle()->shutdown();
-
     Mesh loaded;
     ASSERT_TRUE(loaded.load(path.c_str()));
     Material* deck = MaterialMgr::getHandle()->find("deck");
     ASSERT_NE(deck, nullptr);
     EXPECT_EQ(loaded.getFaces()->getFaces()[0].material, deck);
-    EXPECT_EQ(loaded.getLimits().getMin(), Vector3(-1, -2, -3));
-    delete mesh;
 }
 
-TEST_F(MaterialRegistry, MeshFileMessages)
+TEST_F(MeshChunk, MeshFileMessages)
 {
     Mesh mesh;
     EXPECT_FALSE(mesh.load(tempPath("missing.msh").c_str()));
-
-    std::string badMaterials = tempPath("badmaterials.msh");
-    writeFile(badMaterials, "MMGX");
-    ::testing::internal::CaptureStdout();
-    EXPECT_FALSE(mesh.load(badMaterials.c_str()));
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "COULDN'N LOAD MATERIALS\n");
-
-    std::string badMesh = tempPath("badmesh.msh");
-    writeFile(badMesh, std::string("MMGR") + le32(0) + "MESH" + std::string(10, '\0'));
-    ::testing::internal::CaptureStdout();
-    EXPECT_FALSE(mesh.load(badMesh.c_str()));
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "COULDN'N LOAD MESHDATA\n");
-    EXPECT_EQ(mesh.getVertices(), nullptr);
-
-    std::string empty = tempPath("empty.msh");
-    writeFile(empty, "");
-    ::testing::internal::CaptureStdout();
-    EXPECT_FALSE(mesh.load(empty.c_str()));
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "COULDN'N LOAD MATERIALS\n");
+    const struct {
+        std::string content;
+        const char* message;
+    } cases[] = {
+        {"", "COULDN'N LOAD MATERIALS\n"},
+        {std::string("MMGR") + le32(0) + "MESH" + std::string(10, '\0'), "COULDN'N LOAD MESHDATA\n"},
+    };
+    std::string path = tempPath("bad.msh");
+    for (const auto& c : cases) {
+        writeFile(path, c.content);
+        ::testing::internal::CaptureStdout();
+        EXPECT_FALSE(mesh.load(path.c_str()));
+        EXPECT_EQ(::testing::internal::GetCapturedStdout(), c.message);
+        EXPECT_EQ(mesh.getVertices(), nullptr);
+    }
 }
-
-// ---- headerless importer -------------------------------------------------
 
 namespace {
 
@@ -476,9 +338,7 @@ std::string plainMesh()
     for (const auto& record : records)
         for (float f : record)
             s += f32(f);
-    s += le32(1);
-    s += f32(0) + f32(0) + f32(1) + f32(123.0f) + le32(0) + le32(1) + le32(2);
-    return s;
+    return s + le32(1) + f32(0) + f32(0) + f32(1) + f32(123.0f) + le32(0) + le32(1) + le32(2);
 }
 
 } // namespace
@@ -489,7 +349,6 @@ TEST(PlainMeshImport, ReadsRecordsAndNormalisesNormals)
     writeFile(path, plainMesh());
     Mesh* mesh = loadMeshMSH(path.c_str());
     ASSERT_NE(mesh, nullptr);
-    EXPECT_EQ(mesh->getName(), nullptr);
     const VertexArray& vertices = *mesh->getVertices();
     ASSERT_EQ(vertices.getNumVertices(), 3);
     EXPECT_EQ(vertices[0].normal, Vector3(0, 0, 1));
@@ -497,15 +356,13 @@ TEST(PlainMeshImport, ReadsRecordsAndNormalisesNormals)
     EXPECT_EQ(vertices[2].normal, Vector3(0, 0, 0));  // a zero normal stays zero
     EXPECT_EQ(vertices[1].uv, Vector2(1, 0));
     const Face& face = mesh->getFaces()->getFaces()[0];
-    EXPECT_EQ(face.numIndices, 3);
     EXPECT_EQ(face.indices[2], 2u);
     EXPECT_EQ(face.normal, Vector3(0, 0, 1));
-    EXPECT_EQ(face.material, nullptr);
     EXPECT_EQ(mesh->getLimits().getMax(), Vector3(1, 1, 0));
     delete mesh;
 }
 
-TEST(PlainMeshImport, AnyShortFileGivesNull)
+TEST(PlainMeshImport, ShortFilesAndAbsurdCountsGiveNull)
 {
     std::string whole = plainMesh();
     std::string path = tempPath("plain_cut.bin");
@@ -516,11 +373,6 @@ TEST(PlainMeshImport, AnyShortFileGivesNull)
         delete mesh;
     }
     EXPECT_EQ(loadMeshMSH(tempPath("no_such_file").c_str()), nullptr);
-}
-
-TEST(PlainMeshImport, AbsurdCountsGiveNull)
-{
-    std::string path = tempPath("plain_huge.bin");
     writeFile(path, le32(0xffffffffu) + std::string(64, '\0'));
     EXPECT_EQ(loadMeshMSH(path.c_str()), nullptr);
     writeFile(path, le32(0) + le32(0x80000000u) + std::string(64, '\0'));
