@@ -1,18 +1,19 @@
-// Hand-built little-endian byte images for the chunk tests.
+// Hand-built little-endian byte images and the save/truncate helpers shared by the chunk tests.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstring>
+#include <sstream>
 #include <string>
 
 namespace bytes {
 
 inline std::string le32(uint32_t v)
 {
-    std::string s(4, '\0');
-    for (int i = 0; i < 4; ++i)
-        s[i] = static_cast<char>((v >> (8 * i)) & 0xff);
-    return s;
+    const char b[4] = {char(v & 0xff), char((v >> 8) & 0xff), char((v >> 16) & 0xff), char(v >> 24)};
+    return std::string(b, 4);
 }
 
 inline std::string le16(uint16_t v)
@@ -37,6 +38,33 @@ inline float fromBits(uint32_t bits)
 inline std::string f32(float f)
 {
     return le32(bitsOf(f));
+}
+
+template <class T>
+std::string saved(T& object)
+{
+    std::ostringstream out;
+    EXPECT_TRUE(object.save(out));
+    return out.str();
+}
+
+// Every proper prefix of a valid image must fail to load into a fresh object; check() inspects what is left.
+template <class T, class Check>
+void expectEveryPrefixFails(const std::string& whole, Check check)
+{
+    for (size_t n = 0; n < whole.size(); ++n) {
+        SCOPED_TRACE(testing::Message() << n << " of " << whole.size() << " bytes");
+        T object;
+        std::istringstream in(whole.substr(0, n));
+        EXPECT_FALSE(object.load(in));
+        check(object);
+    }
+}
+
+template <class T>
+void expectEveryPrefixFails(const std::string& whole)
+{
+    expectEveryPrefixFails<T>(whole, [](T&) {});
 }
 
 } // namespace bytes
