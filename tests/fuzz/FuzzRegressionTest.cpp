@@ -40,38 +40,15 @@ FuzzReaders::Outcome feed(const FuzzReaders::Reader& reader, const std::string& 
     return reader.entry(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
 }
 
-const char* describe(FuzzReaders::Outcome outcome)
+std::string dirOf(const char* kind, const char* reader)
 {
-    switch (outcome) {
-    case FuzzReaders::REJECTED: return "rejected";
-    case FuzzReaders::LOADED: return "loaded";
-    default: return "inconsistent";
-    }
-}
-
-std::string corpusDir(const char* reader)
-{
-    return std::string(VELMORA_FUZZ_DIR) + "/corpus/" + reader;
-}
-
-// Readers whose files end with their last declared field: any cut-off copy
-// of a good file must be refused.
-bool cutFilesFail(const std::string& reader)
-{
-    static const std::set<std::string> strict = {"mesh", "plainmesh", "materials", "lights", "cameras",
-                                                 "textures", "octree", "bezier", "png", "bw"};
-    return strict.count(reader) > 0;
+    return std::string(VELMORA_FUZZ_DIR) + "/" + kind + "/" + reader;
 }
 
 class FuzzFiles : public ::testing::TestWithParam<const FuzzReaders::Reader*> {
 protected:
     static void SetUpTestSuite() { FuzzReaders::prepare(); }
 };
-
-std::string readerName(const ::testing::TestParamInfo<const FuzzReaders::Reader*>& info)
-{
-    return info.param->name;
-}
 
 std::vector<const FuzzReaders::Reader*> allReaders()
 {
@@ -86,79 +63,48 @@ std::vector<const FuzzReaders::Reader*> allReaders()
 TEST(FuzzReaderTable, EveryBuiltTargetHasAReaderAndSeeds)
 {
     std::stringstream list(VELMORA_FUZZ_TARGETS);
-    std::set<std::string> built;
+    std::set<std::string> built, table;
     for (std::string name; std::getline(list, name, ',');)
         built.insert(name);
-    std::set<std::string> table;
-    for (const FuzzReaders::Reader* r = FuzzReaders::begin(); r != FuzzReaders::end(); ++r) {
+    for (const FuzzReaders::Reader* r : allReaders()) {
         table.insert(r->name);
-        EXPECT_EQ(FuzzReaders::find(r->name), r);
-        EXPECT_FALSE(filesIn(corpusDir(r->name)).empty()) << r->name << " has no seed files";
+        EXPECT_FALSE(filesIn(dirOf("corpus", r->name)).empty()) << r->name << " has no seed files";
     }
     EXPECT_EQ(built, table);
     EXPECT_EQ(FuzzReaders::find("nonesuch"), nullptr);
 }
 
-// Seeds are good files unless their name says "bad-".
-TEST_P(FuzzFiles, SeedsLoadAndBadSeedsAreRefused)
+// Seeds are good files unless their name says "bad-"; each file under regressions/ once crashed or misled a reader.
+TEST_P(FuzzFiles, SeedsLoadBadSeedsAreRefusedAndSavedFindingsStayHarmless)
 {
     const FuzzReaders::Reader& reader = *GetParam();
-    for (const std::string& file : filesIn(corpusDir(reader.name))) {
+    for (const std::string& file : filesIn(dirOf("corpus", reader.name))) {
         FuzzReaders::Outcome expected = file.rfind("bad-", 0) == 0 ? FuzzReaders::REJECTED : FuzzReaders::LOADED;
-        EXPECT_STREQ(describe(feed(reader, bytesOf(corpusDir(reader.name) + "/" + file))), describe(expected))
-            << reader.name << "/" << file;
+        EXPECT_EQ(feed(reader, bytesOf(dirOf("corpus", reader.name) + "/" + file)), expected) << file;
     }
+    for (const std::string& file : filesIn(dirOf("regressions", reader.name)))
+        EXPECT_NE(feed(reader, bytesOf(dirOf("regressions", reader.name) + "/" + file)), FuzzReaders::INCONSISTENT)
+            << file;
 }
 
+// Readers whose files end with their last declared field must refuse any cut-off copy.
 TEST_P(FuzzFiles, CutOffSeedsNeverCrashAndStrictReadersRefuseThem)
 {
+    static const std::set<std::string> strict = {"mesh",     "plainmesh", "materials", "lights", "cameras",
+                                                 "textures", "octree",    "bezier",    "png",    "bw"};
     const FuzzReaders::Reader& reader = *GetParam();
-    for (const std::string& file : filesIn(corpusDir(reader.name))) {
-        std::string bytes = bytesOf(corpusDir(reader.name) + "/" + file);
+    for (const std::string& file : filesIn(dirOf("corpus", reader.name))) {
+        std::string bytes = bytesOf(dirOf("corpus", reader.name) + "/" + file);
         for (size_t length = 0; length < bytes.size(); ++length) {
             FuzzReaders::Outcome outcome = feed(reader, bytes.substr(0, length));
-            ASSERT_NE(outcome, FuzzReaders::INCONSISTENT) << reader.name << "/" << file << " cut at " << length;
-            if (cutFilesFail(reader.name)) {
-                ASSERT_EQ(outcome, FuzzReaders::REJECTED) << reader.name << "/" << file << " cut at " << length;
-            }
+            ASSERT_NE(outcome, FuzzReaders::INCONSISTENT) << file << " cut at " << length;
+            if (strict.count(reader.name))
+                ASSERT_EQ(outcome, FuzzReaders::REJECTED) << file << " cut at " << length;
         }
     }
 }
 
-// Each file under regressions/<reader>/ once crashed or misled a reader.
-TEST_P(FuzzFiles, SavedFindingsStayHarmless)
-{
-    const FuzzReaders::Reader& reader = *GetParam();
-    std::string dir = std::string(VELMORA_FUZZ_DIR) + "/regressions/" + reader.name;
-    for (const std::string& file : filesIn(dir))
-        EXPECT_NE(feed(reader, bytesOf(dir + "/" + file)), FuzzReaders::INCONSISTENT) << reader.name << "/" << file;
-}
-
-INSTANTIATE_TEST_SUITE_P(Readers, FuzzFiles, ::testing::ValuesIn(allReaders()), readerName);
-
-// The forge's files are what the demo reads: they must pass the same checks.
-TEST(FuzzForgeOutput, MeshesPathsAndPicturesLoad)
-{
-    struct Source {
-        const char* dir;
-        const char* suffix;
-        const char* reader;
-    };
-    const Source sources[] = {{"data/3d", ".msh", "mesh"},   {"data/3d", ".oct", "octree"},
-                              {"data/3d", ".bez", "bezier"}, {"data", ".bez", "bezier"},
-                              {"data/3d", ".cam", "animation"}, {"data/img", ".png", "png"},
-                              {"data", ".png", "png"}};
-    int seen = 0;
-    FuzzReaders::prepare();
-    for (const Source& source : sources) {
-        for (const std::string& file : filesIn(source.dir)) {
-            if (file.size() < 4 || file.compare(file.size() - 4, 4, source.suffix) != 0)
-                continue;
-            ++seen;
-            std::string path = std::string(source.dir) + "/" + file;
-            EXPECT_EQ(feed(*FuzzReaders::find(source.reader), bytesOf(path)), FuzzReaders::LOADED) << path;
-        }
-    }
-    if (seen == 0)
-        GTEST_SKIP() << "no forge output in the working directory";
-}
+INSTANTIATE_TEST_SUITE_P(Readers, FuzzFiles, ::testing::ValuesIn(allReaders()),
+                         [](const ::testing::TestParamInfo<const FuzzReaders::Reader*>& info) {
+                             return std::string(info.param->name);
+                         });
