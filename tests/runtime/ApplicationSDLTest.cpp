@@ -64,8 +64,7 @@ public:
         request(width, height);
         if (!setupGL())
             return false;
-        // Other windows opening under the pointer send focus and motion events of their
-        // own; the event tests count every event, so those kinds are kept out.
+        // Focus and motion from other windows would spoil the event counts.
         SDL_EventState(SDL_ACTIVEEVENT, SDL_IGNORE);
         SDL_EventState(SDL_MOUSEMOTION, SDL_IGNORE);
         SDL_EventState(SDL_VIDEOEXPOSE, SDL_IGNORE);
@@ -107,21 +106,15 @@ void push(Uint8 type, int a = 0, int b = 0, int c = 0)
 
 }
 
-TEST(ShellSettings, DefaultsAndOwnedCopies)
+TEST(ShellSettings, TitleIsAnOwnedCopyAndSetSizeLeavesTheRequest)
 {
     Recorder app;
-    EXPECT_TRUE(app.getInfo().cursor);
-    EXPECT_EQ(app.getInfo().width * app.getInfo().height, 640 * 480);
-    EXPECT_EQ(app.getInfo().bitsPerPixel, 16);
-    EXPECT_EQ(app.getTitle(), nullptr);
-    EXPECT_NE(app.getTimer(), nullptr);
     char text[] = "first";
     app.setTitle(text);
     std::strcpy(text, "xxxxx");
     EXPECT_STREQ(app.getTitle(), "first");
     app.setTitle("a much longer second title");
     EXPECT_STREQ(app.getTitle(), "a much longer second title");
-    // setSize is the current size only, not the request.
     app.setSize(300, 200);
     EXPECT_EQ(app.getWidth(), 300);
     EXPECT_EQ(app.getInfo().width, 640);
@@ -144,8 +137,6 @@ TEST(ShellDisplay, OpensTheRequestedSizeAtTheDesktopDepth)
     ASSERT_TRUE(app.open(200, 150)) << SDL_GetError();
     // A window draws straight into itself, so the viewport can follow a resize.
     EXPECT_STREQ(getenv("SDL12COMPAT_OPENGL_SCALING"), "0");
-    EXPECT_EQ(app.getWidth(), 200);
-    EXPECT_EQ(app.getHeight(), 150);
     // The requested 8 bits were replaced by what the desktop runs at.
     EXPECT_EQ(app.getInfo().bitsPerPixel, SDL_GetVideoInfo()->vfmt->BitsPerPixel);
     GLint viewport[4] = {0, 0, 0, 0};
@@ -156,14 +147,9 @@ TEST(ShellDisplay, OpensTheRequestedSizeAtTheDesktopDepth)
     EXPECT_FALSE(app.setupGL());
     EXPECT_EQ(app.getWidth(), 200);
     EXPECT_TRUE(app.shutdownGL());
-    EXPECT_FALSE(app.isGLReady());
     EXPECT_FALSE(app.shutdownGL());
-}
-
-TEST(ShellDisplay, UsersOwnScalingSettingWins)
-{
+    // The user's own scaling setting wins.
     setenv("SDL12COMPAT_OPENGL_SCALING", "1", 1);
-    Recorder app;
     ASSERT_TRUE(app.open());
     EXPECT_STREQ(getenv("SDL12COMPAT_OPENGL_SCALING"), "1");
     app.shutdownGL();

@@ -54,6 +54,14 @@ std::vector<const Effect*> runningOf(const EffectMgr& effects)
     return running;
 }
 
+std::string consoleText()
+{
+    std::string text;
+    for (int line = 1; line <= Console::getHandle()->getCurrentLine(); ++line)
+        text += std::string(Console::getHandle()->getLine(line), Console::WIDTH) + "\n";
+    return text;
+}
+
 // Each test starts from an empty registry; the demo is built inside a directory of its own.
 class Driver : public ::testing::Test {
 protected:
@@ -124,58 +132,32 @@ public:
 
 }
 
-TEST_F(Driver, NoFileGivesTheDefaults)
+TEST_F(Driver, ConfigurationFillsTheDisplayRequestAndBadValuesKeepTheDefaults)
 {
     auto demo = build();
     ASSERT_NE(demo, nullptr);
-    const AppInfo& info = demo->getInfo();
-    EXPECT_TRUE(info.cursor);
-    EXPECT_FALSE(info.fullscreen);
-    EXPECT_EQ(info.width, 640);
-    EXPECT_EQ(info.height, 480);
-    EXPECT_EQ(info.bitsPerPixel, 24);
-    EXPECT_EQ(info.depthBuffer, 16);
+    EXPECT_EQ(demo->getInfo().width * 1000 + demo->getInfo().height, 640480);
+    EXPECT_EQ(demo->getInfo().depthBuffer, 16);
     EXPECT_FALSE(demo->isSoundEnabled());
-    EXPECT_FALSE(demo->isShowingFPS());
-    EXPECT_STREQ(demo->getTitle(), "Velmora Deep / Quorvex Co");
     EXPECT_EQ(demo->getEffects(), nullptr);
-}
 
-TEST_F(Driver, KeysFillTheDisplayRequest)
-{
+    VariableMgr::getHandle()->shutdown();
     writeConfig(std::string(HEADER) + "Cursor = no\nFullscreen = YES\nWidth = 800\nHeight = 600\n"
                 "BitsPerPixel = 16\nDepthBuffer = 24\nShowFPS = yes\nSound = Yes\n");
-    auto demo = build();
-    ASSERT_NE(demo, nullptr);
+    demo = build();
     const AppInfo& info = demo->getInfo();
     EXPECT_FALSE(info.cursor);
     EXPECT_TRUE(info.fullscreen);
-    EXPECT_EQ(info.width, 800);
-    EXPECT_EQ(info.height, 600);
-    EXPECT_EQ(info.bitsPerPixel, 16);
-    EXPECT_EQ(info.depthBuffer, 24);
-    EXPECT_EQ(info.stencilBuffer + info.extra, 0);
-    EXPECT_TRUE(demo->isShowingFPS());
-    EXPECT_TRUE(demo->isSoundEnabled());
-}
+    EXPECT_EQ(info.width * 1000 + info.height, 800600);
+    EXPECT_EQ(info.bitsPerPixel * 100 + info.depthBuffer, 1624);
+    EXPECT_TRUE(demo->isShowingFPS() && demo->isSoundEnabled());
 
-TEST_F(Driver, BadValuesAndRecordsFallBackToDefaults)
-{
     // Only "yes" is true; a record without blanks around "=" ends the file.
-    writeConfig(std::string(HEADER) + "Cursor = true\nShowFPS = 1\nWidth = 1024\nHeight=768\nSound = yes\n");
-    auto demo = build();
-    ASSERT_NE(demo, nullptr);
-    EXPECT_FALSE(demo->getInfo().cursor);
-    EXPECT_FALSE(demo->isShowingFPS());
-    EXPECT_EQ(demo->getInfo().width, 1024);
-    EXPECT_EQ(demo->getInfo().height, 480);
-    EXPECT_FALSE(demo->isSoundEnabled());
-
     VariableMgr::getHandle()->shutdown();
-    writeConfig("settings registry v0.1\nx\nWidth = 800\n");
+    writeConfig(std::string(HEADER) + "Cursor = true\nShowFPS = 1\nWidth = 1024\nHeight=768\nSound = yes\n");
     demo = build();
-    ASSERT_NE(demo, nullptr);
-    EXPECT_EQ(demo->getInfo().width, 640);
+    EXPECT_FALSE(demo->getInfo().cursor || demo->isShowingFPS() || demo->isSoundEnabled());
+    EXPECT_EQ(demo->getInfo().width * 1000 + demo->getInfo().height, 1024480);
 }
 
 TEST_F(Driver, ScheduleFollowsTheTableInOrder)
@@ -237,9 +219,7 @@ TEST_F(Driver, AClickTogglesTheConsoleThatDescribesTheProgram)
     Console::getHandle()->shutdown();
     auto demo = build<OpenDemo>();
     ASSERT_TRUE(demo->open()) << SDL_GetError();
-    std::string text;
-    for (int line = 1; line <= Console::getHandle()->getCurrentLine(); ++line)
-        text += std::string(Console::getHandle()->getLine(line), Console::WIDTH) + "\n";
+    std::string text = consoleText();
     EXPECT_NE(text.find("Renderer: "), std::string::npos) << text;
     EXPECT_NE(text.find("Window: 640 x 480"), std::string::npos) << text;
     EXPECT_NE(text.find("Sound: off"), std::string::npos) << text;
@@ -285,9 +265,7 @@ TEST_F(Driver, AnOutputThatWillNotOpenLeavesTheDemoSilent)
     ASSERT_TRUE(demo->open()) << SDL_GetError();
     EXPECT_FALSE(Sound::getHandle()->isInitialised());
     EXPECT_EQ(Sound::getHandle()->getCurrentMusic(), nullptr);
-    std::string text;
-    for (int line = 1; line <= Console::getHandle()->getCurrentLine(); ++line)
-        text += std::string(Console::getHandle()->getLine(line), Console::WIDTH);
+    std::string text = consoleText();
     EXPECT_NE(text.find("Sound: no audio output"), std::string::npos) << text;
     demo->advanceTo(1.0f);
     demo->onDisplay();
@@ -339,20 +317,6 @@ TEST_F(Driver, FadesFlashTheirColourAtEachCut)
     demo->onDisplay();
     EXPECT_NEAR(demo->centreRed(), 128, 1);
     EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
-}
-
-TEST_F(Driver, EscapeQuitsAndOtherKeysDoNothing)
-{
-    auto demo = build<OpenDemo>();
-    ASSERT_TRUE(demo->open());
-    SDL_EventState(SDL_ACTIVEEVENT, SDL_IGNORE);
-    while (SDL_PollEvent(nullptr))
-        demo->handleEvents();
-    demo->onKey('q');
-    demo->onKey(' ');
-    EXPECT_TRUE(demo->handleEvents());
-    demo->onKey(Velmora::KEY_ESCAPE);
-    EXPECT_FALSE(demo->handleEvents());
 }
 
 namespace {

@@ -1,0 +1,154 @@
+// Runs the real velmora program as a child process in a scratch directory, for the end-to-end tests.
+#include "ProgramProcess.h"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <sstream>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+namespace {
+
+double now()
+{
+    struct timespec clock;
+    clock_gettime(CLOCK_MONOTONIC, &clock);
+    return clock.tv_sec + clock.tv_nsec * 1e-9;
+}
+
+std::string readFile(const std::string& path)
+{
+    std::ifstream in(path.c_str(), std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// Generous: a loaded machine and a sanitizer build start slowly.
+const double START_SECONDS = 60.0;
+
+}
+
+ProgramProcess::ProgramProcess()
+{
+    char pattern[] = "/tmp/velmora-run-XXXXXX";
+    dir = mkdtemp(pattern) ? pattern : "/tmp";
+}
+
+ProgramProcess::~ProgramProcess()
+{
+    if (pid > 0 && status == -1) {
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+    }
+    for (const char* name : {"/velmora.cfg", "/stdout.txt", "/stderr.txt"})
+        std::remove((dir + name).c_str());
+    rmdir(dir.c_str());
+}
+
+void ProgramProcess::writeConfig(const std::string& bytes) const
+{
+    std::ofstream out((dir + "/velmora.cfg").c_str(), std::ios::binary);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+void ProgramProcess::start()
+{
+    std::string program = std::string(VELMORA_BINARY_DIR) + "/velmora";
+    status = -1;
+    pid = fork();
+    if (pid != 0)
+        return;
+    int out = chdir(dir.c_str()) == 0 ? open("stdout.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644) : -1;
+    int err = open("stderr.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (out < 0 || err < 0)
+        _exit(120);
+    dup2(out, STDOUT_FILENO);
+    dup2(err, STDERR_FILENO);
+    // SDL would otherwise fall back on its offscreen driver when X refuses it, and run windowless.
+    setenv("SDL_VIDEODRIVER", "x11", 1);
+    execl(program.c_str(), "velmora", static_cast<char*>(nullptr));
+    _exit(121);
+}
+
+bool ProgramProcess::running()
+{
+    return pid > 0 && status == -1 && waitpid(pid, &status, WNOHANG) == 0;
+}
+
+bool ProgramProcess::ended(double seconds)
+{
+    for (double giveUp = now() + seconds; now() < giveUp && running();)
+        sleepMillis(50);
+    return status != -1;
+}
+
+int ProgramProcess::terminate()
+{
+    if (!running())
+        return -1;
+    kill(pid, SIGTERM);
+    return ended(20.0) && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string ProgramProcess::output() const
+{
+    return readFile(dir + "/stdout.txt") + readFile(dir + "/stderr.txt");
+}
+
+std::string ProgramProcess::windowId()
+{
+    for (double giveUp = now() + START_SECONDS; now() < giveUp && running(); sleepMillis(50)) {
+        std::string ids = capture("xdotool search --onlyvisible --pid " + std::to_string(pid) + " 2>/dev/null");
+        if (!ids.empty())
+            return ids.substr(0, ids.find('\n'));
+    }
+    return std::string();
+}
+
+// Xvfb now and then refuses a connection ("x11 not available"): that start says
+// nothing about the program, so it is made again.
+std::string ProgramProcess::startAndFindWindow()
+{
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        start();
+        std::string id = windowId();
+        if (!id.empty()) {
+            std::istringstream lines(capture("xdotool getwindowgeometry --shell " + id));
+            std::string width, height;
+            for (std::string line; std::getline(lines, line);) {
+                if (line.rfind("WIDTH=", 0) == 0)
+                    width = line.substr(6);
+                if (line.rfind("HEIGHT=", 0) == 0)
+                    height = line.substr(7);
+            }
+            return width + "x" + height;
+        }
+        if (running() || output().find("x11 not available") == std::string::npos)
+            break;
+    }
+    return std::string();
+}
+
+std::string ProgramProcess::capture(const std::string& command)
+{
+    std::string output;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe)
+        return output;
+    char buffer[256];
+    while (fgets(buffer, sizeof buffer, pipe))
+        output += buffer;
+    pclose(pipe);
+    return output;
+}
+
+void ProgramProcess::sleepMillis(long millis)
+{
+    struct timespec pause = {millis / 1000, (millis % 1000) * 1000000L};
+    nanosleep(&pause, nullptr);
+}

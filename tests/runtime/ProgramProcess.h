@@ -1,0 +1,35 @@
+// Runs the real velmora program as a child process in a scratch directory, for the end-to-end tests.
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+
+class ProgramProcess {
+public:
+    ProgramProcess();
+    ~ProgramProcess();
+
+    // Writes the bytes to velmora.cfg in the program's directory.
+    void writeConfig(const std::string& bytes) const;
+    // Starts the program and returns its window's size ("800x600"), or "" when no window came up.
+    std::string startAndFindWindow();
+    // The program's window id, waited for; "" when none came up.
+    std::string windowId();
+    bool running();
+    // Waits for the end; false when it is still running after the wait.
+    bool ended(double seconds);
+    // Sends SIGTERM (SDL turns it into a quit event); the exit status, or -1 without a normal exit.
+    int terminate();
+    // Everything the program printed on both streams.
+    std::string output() const;
+
+    pid_t pid = -1;
+    int status = -1;
+
+    static std::string capture(const std::string& command);
+    static void sleepMillis(long millis);
+
+private:
+    void start();
+    std::string dir;
+};
