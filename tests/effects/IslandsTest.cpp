@@ -3,15 +3,11 @@
 
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
-#include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
-#include "scene/VertexArray.h"
 #include "support/GLContext.h"
 #include "texture/MaterialMgr.h"
 
 #include <gtest/gtest.h>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <unistd.h>
@@ -27,25 +23,10 @@ public:
     static void createWater(Islands& s) { s.createWaterMesh(); }
     static void updateWater(Islands& s, float dt) { s.updateWaterMesh(dt); }
     static float& angle(Islands& s) { return s.waterAngle; }
-    static float& phase(Islands& s) { return s.waterPhase; }
-    static float scroll(const Islands& s) { return s.waterScroll; }
-    static float height(Islands& s, int k) { return (*s.water->getVertices())[k].position.y; }
     static MeshAnimation* birdAnim(Islands& s) { return s.birdAnim; }
-    static bool hasBirds(const Islands& s) { return s.birds != nullptr; }
-    static int birdCount(const Islands& s)
-    {
-        int n = 0;
-        for (Islands::Bird* b = s.birds; b; b = b->next)
-            ++n;
-        return n;
-    }
-    static int mountainCount(const Islands& s)
-    {
-        int n = 0;
-        for (Islands::Mountain* m = s.mountains; m; m = m->next)
-            ++n;
-        return n;
-    }
+    template <typename Node> static int length(const Node* node) { return node ? 1 + length(node->next) : 0; }
+    static int birdCount(const Islands& s) { return length(s.birds); }
+    static int mountainCount(const Islands& s) { return length(s.mountains); }
     static bool hasShip(const Islands& s) { return s.ship && s.shipAnim; }
     static void updateBirds(Islands& s, float dt) { s.updateBirds(dt); }
 };
@@ -61,15 +42,6 @@ protected:
     }
 };
 
-float expectedHeight(float angleDegrees, float phase, int i, int j)
-{
-    const float u = static_cast<float>(i) / 20.0f - 0.5f;
-    const float v = static_cast<float>(j) / 20.0f - 0.5f;
-    const float w = u == 0.0f ? 0.0f : std::atan2(u, v);
-    const float vertexPhase = phase + static_cast<float>(20 * i + j) * 81.48733f;
-    return std::cos(w) * std::cos(angleDegrees * 0.017453292f + vertexPhase) * 0.125f;
-}
-
 }  // namespace
 
 TEST_F(IslandsTest, WaterFuncIsFlatInDirectionOnlyOnTheMiddleRow)
@@ -80,22 +52,6 @@ TEST_F(IslandsTest, WaterFuncIsFlatInDirectionOnlyOnTheMiddleRow)
     EXPECT_NEAR(IslandsProbe::waterFunc(scene, 3.14159265f, 10, 17, 0.0f), -0.125f, 1e-6f);
     // Row 0, column 10: u = -0.5, v = 0, so w = -90 degrees and the height vanishes.
     EXPECT_NEAR(IslandsProbe::waterFunc(scene, 0.0f, 0, 10, 0.0f), 0.0f, 1e-6f);
-    // Never above the wave height.
-    for (int i = 0; i < 20; ++i)
-        for (int j = 0; j < 20; ++j)
-            EXPECT_LE(std::fabs(IslandsProbe::waterFunc(scene, 0.7f, i, j, 1.3f)), 0.125f);
-}
-
-TEST_F(IslandsTest, EveryVertexGetsItsOwnPhaseAndThePhaseItselfOnlyGrowsByDt)
-{
-    Islands scene(0, EffectTimer(35.5f, 68.5f));
-    IslandsProbe::createWater(scene);
-    IslandsProbe::updateWater(scene, 0.5f);
-    EXPECT_FLOAT_EQ(IslandsProbe::phase(scene), 0.5f);
-    EXPECT_FLOAT_EQ(IslandsProbe::angle(scene), 22.5f);
-    EXPECT_FLOAT_EQ(IslandsProbe::scroll(scene), 0.5f * 0.0128f);
-    for (int k : {0, 1, 21, 199, 210, 399})
-        EXPECT_NEAR(IslandsProbe::height(scene, k), expectedHeight(22.5f, 0.5f, k / 20, k % 20), 2e-5f) << k;
 }
 
 TEST_F(IslandsTest, WaveAngleWrapsBySubtracting360OncePerUpdate)
@@ -121,7 +77,6 @@ TEST_F(IslandsTest, BirdsLoopBackToFrameZeroAtTheEndOfTheirPath)
     MeshAnimation* birds = IslandsProbe::birdAnim(scene);
     ASSERT_NE(birds, nullptr);
     EXPECT_EQ(IslandsProbe::birdCount(scene), Islands::NUM_BIRDS);
-    EXPECT_FLOAT_EQ(birds->getFramesPerSec(), 12.0f);
     const long last = birds->getLastFrame();
     ASSERT_GT(last, 0);
     IslandsProbe::updateBirds(scene, (static_cast<float>(last) - 1.0f) / 12.0f);
@@ -133,33 +88,23 @@ TEST_F(IslandsTest, BirdsLoopBackToFrameZeroAtTheEndOfTheirPath)
     EXPECT_FLOAT_EQ(birds->getCurrentFrame(), 0.0f);
 }
 
-TEST_F(IslandsTest, FullDataTreeLoadsEverything)
+TEST_F(IslandsTest, FullDataLoadsAndASecondInitiateReusesCameraLightsAndSkyMaterial)
 {
     Islands scene(0, EffectTimer(35.5f, 68.5f));
     EXPECT_EQ(IslandsProbe::mountainCount(scene), 6);
     EXPECT_TRUE(IslandsProbe::hasShip(scene));
-    EXPECT_TRUE(IslandsProbe::hasBirds(scene));
-}
-
-TEST_F(IslandsTest, SecondInitiateReusesCameraLightsAndSkyMaterial)
-{
-    Islands scene(0, EffectTimer(35.5f, 68.5f));
     scene.initiate();
     Camera* camera = CameraMgr::getHandle()->find("IslandCamera");
     Light* light = LightMgr::getHandle()->find("IslandLight1");
     Material* sky = MaterialMgr::getHandle()->find("HemisphereMaterial");
-    ASSERT_NE(camera, nullptr);
-    ASSERT_NE(light, nullptr);
-    ASSERT_NE(sky, nullptr);
-    const int cameras = CameraMgr::getHandle()->getNumCameras();
-    const int lights = LightMgr::getHandle()->getNumLights();
+    ASSERT_TRUE(camera && light && sky);
+    const int count = CameraMgr::getHandle()->getNumCameras() * 100 + LightMgr::getHandle()->getNumLights();
     scene.shutdown();
     scene.initiate();
     EXPECT_EQ(CameraMgr::getHandle()->find("IslandCamera"), camera);
     EXPECT_EQ(LightMgr::getHandle()->find("IslandLight1"), light);
     EXPECT_EQ(MaterialMgr::getHandle()->find("HemisphereMaterial"), sky);
-    EXPECT_EQ(CameraMgr::getHandle()->getNumCameras(), cameras);
-    EXPECT_EQ(LightMgr::getHandle()->getNumLights(), lights);
+    EXPECT_EQ(CameraMgr::getHandle()->getNumCameras() * 100 + LightMgr::getHandle()->getNumLights(), count);
     scene.update(0.1f);
     scene.display();
     scene.shutdown();
@@ -176,7 +121,7 @@ TEST_F(IslandsTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns)
         Islands scene(0, EffectTimer(35.5f, 68.5f));
         EXPECT_EQ(IslandsProbe::mountainCount(scene), 0);
         EXPECT_FALSE(IslandsProbe::hasShip(scene));
-        EXPECT_FALSE(IslandsProbe::hasBirds(scene));
+        EXPECT_EQ(IslandsProbe::birdCount(scene), 0);
         scene.initiate();
         scene.update(0.5f);
         scene.display();
