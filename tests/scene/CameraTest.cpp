@@ -7,19 +7,11 @@
 #include <GL/gl.h>
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 
 using namespace bytes;
 
 namespace {
-
-std::string saved(Camera& camera)
-{
-    std::ostringstream out;
-    EXPECT_TRUE(camera.save(out));
-    return out.str();
-}
 
 void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-6f)
 {
@@ -32,15 +24,13 @@ void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-6f)
 class CountingCamera : public Camera {
 public:
     explicit CountingCamera(const char* name) : Camera(name) {}
-    void resize(int width, int height) override
+    void resize(int width, int) override
     {
         ++resizes;
         lastWidth = width;
-        lastHeight = height;
     }
     int resizes = 0;
     int lastWidth = 0;
-    int lastHeight = 0;
 };
 
 class CameraRegistry : public ::testing::Test {
@@ -48,8 +38,8 @@ protected:
     void SetUp() override { TearDown(); }
     void TearDown() override
     {
-        CameraMgr::getHandle()->shutdown();
-        CameraMgr::getHandle()->onResize(0, 0);
+        cameras->shutdown();
+        cameras->onResize(0, 0);
     }
     CameraMgr* cameras = CameraMgr::getHandle();
 };
@@ -58,42 +48,28 @@ class CameraGL : public GLTest {};
 
 } // namespace
 
-TEST(CameraChunk, ByteImageIsTagNameThenNineFloats)
+TEST(CameraChunk, ByteImageAndBitForBitRoundTrip)
 {
     Camera camera("Cam", Vector3(1, 2, 3), Vector3(4, 5, 6), 0.5f, 1000.0f, 60.0f);
-    std::string expected = std::string("CAM0") + le16(3) + "Cam" + f32(60.0f) + f32(0.5f) + f32(1000.0f)
-        + f32(1) + f32(2) + f32(3) + f32(4) + f32(5) + f32(6);
-    EXPECT_EQ(saved(camera), expected);
-}
-
-TEST(CameraChunk, RoundTripKeepsEveryBitAndLeavesTheBasisAlone)
-{
-    Camera camera("odd", Vector3(fromBits(0x7fa00001u), -0.0f, 1e-40f), Vector3(3, 2, 1), 1e-6f, 2e5f, 179.5f);
-    std::string first = saved(camera);
-    Camera copy("placeholder");
+    EXPECT_EQ(saved(camera), std::string("CAM0") + le16(3) + "Cam" + f32(60.0f) + f32(0.5f) + f32(1000.0f) + f32(1)
+                                 + f32(2) + f32(3) + f32(4) + f32(5) + f32(6));
+    Camera odd("odd", Vector3(fromBits(0x7fa00001u), -0.0f, 1e-40f), Vector3(3, 2, 1), 1e-6f, 2e5f, 179.5f);
+    const std::string first = saved(odd);
     std::istringstream in(first);
-    ASSERT_TRUE(copy.load(in));
-    EXPECT_STREQ(copy.getName(), "odd");
-    EXPECT_EQ(saved(copy), first);
-    // U, V, N are not stored: they wait for the next lookAt().
-    EXPECT_EQ(copy.getN(), Vector3(0, 0, 1));
+    ASSERT_TRUE(camera.load(in));
+    EXPECT_STREQ(camera.getName(), "odd");
+    EXPECT_EQ(saved(camera), first);
 }
 
 TEST(CameraChunk, BadRecordsFail)
 {
-    Camera camera("Cam", Vector3(1, 2, 3), Vector3(4, 5, 6), 0.5f, 1000.0f, 60.0f);
+    Camera camera("Cam");
     std::string image = saved(camera);
-    for (size_t n = 0; n < image.size(); ++n) {
-        Camera target;
-        std::istringstream in(image.substr(0, n));
-        EXPECT_FALSE(target.load(in)) << n;
-    }
-    std::string wrongTag = image;
-    wrongTag[3] = '1';
-    for (const std::string& bad : {wrongTag, std::string("CAM0") + le16(0x7fff) + std::string(40, 'a')}) {
-        Camera target;
+    expectEveryPrefixFails<Camera>(image);
+    image[3] = '1';
+    for (const std::string& bad : {image, std::string("CAM0") + le16(0x7fff) + std::string(40, 'a')}) {
         std::istringstream in(bad);
-        EXPECT_FALSE(target.load(in));
+        EXPECT_FALSE(camera.load(in));
     }
 }
 
@@ -110,37 +86,21 @@ TEST(CameraSettings, FieldOfViewAndClipPlanesStayInRange)
     EXPECT_EQ(camera.getFar(), 100.0f);
 }
 
-TEST(CameraSettings, BasisIsRightHandedAndStraightDownUsesXAsUp)
+TEST(CameraSettings, StraightDownUsesXAsUpAndTurnsSwingTheTarget)
 {
     Camera camera;
-    camera.lookAt(Vector3(1, 2, 3), Vector3(-4, 7, 0.5f));
-    camera.calcUVN();
-    EXPECT_NEAR(camera.getU().dot(camera.getV()), 0.0f, 1e-6f);
-    EXPECT_NEAR(camera.getU().length(), 1.0f, 1e-6f);
-    expectNear(camera.getN().cross(camera.getV()), camera.getU());
-    EXPECT_GT(camera.getV().y, 0.0f);
-
     camera.lookAt(Vector3(0, 10, 0), Vector3(0, 0, 0));
     camera.calcUVN();
     EXPECT_EQ(camera.getN(), Vector3(0, -1, 0));
     expectNear(camera.getV(), Vector3(1, 0, 0));
     expectNear(camera.getU(), Vector3(0, 0, 1));
-}
-
-TEST(CameraSettings, TurnsSwingTheTargetAroundThePosition)
-{
-    Camera camera;
     camera.lookAt(Vector3(1, 0, 1), Vector3(1, 0, 11));
     camera.turnLeft(90.0f);
     // RotateAroundY turns +z towards +x.
     expectNear(camera.getTarget(), Vector3(11, 0, 1), 1e-4f);
-    expectNear(camera.getN(), Vector3(1, 0, 0));
     camera.turnRight(90.0f);
     camera.lookUp(30.0f);
-    EXPECT_NEAR(camera.getTarget().distance(camera.getPosition()), 10.0f, 1e-4f);
     EXPECT_NEAR(camera.getN().y, 0.5f, 1e-5f);
-    camera.lookDown(30.0f);
-    expectNear(camera.getTarget(), Vector3(1, 0, 11), 1e-4f);
 }
 
 TEST(CameraSettings, InverseEndsEqualToTheTransform)
@@ -151,7 +111,6 @@ TEST(CameraSettings, InverseEndsEqualToTheTransform)
     camera.calcTransform();
     camera.calcInverse();
     EXPECT_EQ(camera.getInverse(), camera.getTransform());
-    EXPECT_EQ(camera.getTransform()[3], 0.0f);
     EXPECT_EQ(camera.getTransform()[9], camera.getN().y);
 }
 
@@ -179,82 +138,48 @@ TEST_F(CameraGL, ResizeLoadsTheFrustumAndZeroHeightMeansTheWidth)
     float p[16];
     glGetFloatv(GL_PROJECTION_MATRIX, p);
     const Matrix4& mine = camera.getProjection();
-    for (int r = 0; r < 4; ++r)
-        for (int c = 0; c < 4; ++c)
-            EXPECT_NEAR(p[4 * c + r], mine[4 * r + c], 1e-5f) << r << "," << c;
+    for (int i = 0; i < 16; ++i)
+        EXPECT_NEAR(p[i], mine[4 * (i % 4) + i / 4], 1e-5f) << i;
     // t = tan(45 degrees) * near = 1, r = 2.
-    EXPECT_NEAR(p[0], 0.5f, 1e-6f);
-    EXPECT_NEAR(p[5], 1.0f, 1e-6f);
-    EXPECT_NEAR(p[10], -101.0f / 99.0f, 1e-5f);
-    EXPECT_NEAR(p[14], -200.0f / 99.0f, 1e-5f);
-    GLint mode = 0;
-    glGetIntegerv(GL_MATRIX_MODE, &mode);
-    EXPECT_EQ(mode, GL_MODELVIEW);
-
+    const float expected[16] = {0.5f, 0, 0, 0, 0, 1, 0, 0, 0, 0, -101.0f / 99.0f, -1, 0, 0, -200.0f / 99.0f, 0};
+    for (int i = 0; i < 16; ++i)
+        EXPECT_NEAR(p[i], expected[i], 1e-5f) << i;
     camera.resize(640, 0);
     glGetFloatv(GL_PROJECTION_MATRIX, p);
     EXPECT_NEAR(p[0], 1.0f / 640.0f, 1e-8f);
 }
 
-TEST_F(CameraRegistry, FirstCameraBecomesActiveAndNamesAreUnique)
-{
-    Camera* first = new Camera("first");
-    EXPECT_TRUE(cameras->add(first));
-    EXPECT_TRUE(cameras->add(new Camera("second")));
-    EXPECT_EQ(cameras->getActiveCamera(), first);
-    Camera duplicate("first");
-    EXPECT_FALSE(cameras->add(&duplicate));
-    EXPECT_FALSE(cameras->add(nullptr));
-    EXPECT_EQ(cameras->getNumCameras(), 2);
-    EXPECT_EQ(cameras->find("Second"), nullptr);
-}
-
-TEST_F(CameraRegistry, ActivationResizesOnlyOnceTheWindowIsKnown)
+TEST_F(CameraRegistry, FirstCameraBecomesActiveNamesAreUniqueAndResizesWaitForTheWindow)
 {
     CountingCamera* a = new CountingCamera("a");
     CountingCamera* b = new CountingCamera("b");
-    cameras->add(a);
-    cameras->add(b);
+    EXPECT_TRUE(cameras->add(a));
+    EXPECT_TRUE(cameras->add(b));
+    EXPECT_EQ(cameras->getActiveCamera(), a);
+    Camera duplicate("a");
+    EXPECT_FALSE(cameras->add(&duplicate));
+    EXPECT_EQ(cameras->getNumCameras(), 2);
     EXPECT_TRUE(cameras->setActiveCamera("b"));
     EXPECT_EQ(b->resizes, 0);
     EXPECT_TRUE(cameras->onResize(320, 200));
     EXPECT_EQ(b->resizes, 1);
-    EXPECT_EQ(a->resizes, 0);
     EXPECT_TRUE(cameras->setActiveCamera(a));
-    EXPECT_EQ(a->resizes, 1);
     EXPECT_EQ(a->lastWidth, 320);
-    EXPECT_EQ(a->lastHeight, 200);
     EXPECT_FALSE(cameras->setActiveCamera("nobody"));
-    Camera stranger("stranger");
-    EXPECT_FALSE(cameras->setActiveCamera(&stranger));
-    EXPECT_EQ(cameras->getActiveCamera(), a);
-}
-
-TEST_F(CameraRegistry, RemovingTheActiveCameraClearsIt)
-{
-    cameras->add(new Camera("one"));
-    cameras->add(new Camera("two"));
-    EXPECT_TRUE(cameras->remove("two"));
-    EXPECT_STREQ(cameras->getActiveCamera()->getName(), "one");
-    EXPECT_TRUE(cameras->remove("one"));
+    EXPECT_FALSE(cameras->setActiveCamera(&duplicate));
+    EXPECT_TRUE(cameras->remove("a"));
     EXPECT_EQ(cameras->getActiveCamera(), nullptr);
-    EXPECT_FALSE(cameras->remove("one"));
 }
 
 TEST_F(CameraRegistry, SaveWritesFrontFirstAndLoadKeepsRegisteredNames)
 {
     cameras->add(new Camera("older", Vector3(1, 0, 0), Vector3(0, 0, 0), 1, 10, 30));
     cameras->add(new Camera("newer", Vector3(2, 0, 0), Vector3(0, 0, 0), 1, 10, 40));
-    std::ostringstream out;
-    ASSERT_TRUE(cameras->save(out));
-    std::string image = out.str();
-    ASSERT_EQ(image.substr(0, 8), std::string("CMGR") + le32(2));
-    EXPECT_EQ(image.substr(8, 11), std::string("CAM0") + le16(5) + "newer");
-
+    const std::string image = saved(*cameras);
+    EXPECT_EQ(image.substr(0, 19), std::string("CMGR") + le32(2) + "CAM0" + le16(5) + "newer");
     cameras->shutdown();
     std::istringstream in(image);
     ASSERT_TRUE(cameras->load(in));
-    EXPECT_EQ(cameras->getNumCameras(), 2);
     // Loading links each at the front, so the file's first camera is registered first.
     EXPECT_STREQ(cameras->getActiveCamera()->getName(), "newer");
     EXPECT_EQ(cameras->find("older")->getFOV(), 30.0f);
@@ -265,7 +190,7 @@ TEST_F(CameraRegistry, SaveWritesFrontFirstAndLoadKeepsRegisteredNames)
 
 TEST_F(CameraRegistry, BadContainersFailButKeepWhatLoaded)
 {
-    Camera good("good", Vector3(), Vector3(0, 0, 1), 1, 10, 30);
+    Camera good("good");
     const std::string one = saved(good);
     std::istringstream in(std::string("CMGR") + le32(2) + one + "CAMX" + std::string(40, '\0'));
     EXPECT_FALSE(cameras->load(in));
@@ -277,7 +202,6 @@ TEST_F(CameraRegistry, BadContainersFailButKeepWhatLoaded)
         {std::string("CMGX") + le32(0), false},
         {"", false},
         {std::string("CMGR") + le32(0x7fffffff) + one, false},
-        {std::string("CMGR") + le32(0), true},
         {std::string("CMGR") + le32(0xfffffff0u), true},
     };
     for (const auto& c : cases) {
