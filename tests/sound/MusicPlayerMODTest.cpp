@@ -7,7 +7,6 @@
 
 #include <cmath>
 #include <fstream>
-#include <iterator>
 #include <limits>
 #include <string>
 #include <vector>
@@ -41,12 +40,9 @@ protected:
 }  // namespace
 
 TEST(MusicPlayerMODLoad, MissingAndDamagedFilesFail) {
-    std::ifstream in(writeModule("whole.xm"), std::ios::binary);
-    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    ASSERT_GT(bytes.size(), 60u);
     const std::string bad[] = {scratchPath("no-such-song.xm"), writeBytes("empty.xm", ""),
                                writeBytes("text.xm", "just some words, no music\n"),
-                               writeBytes("cut.xm", bytes.substr(0, 40)), "/tmp"};
+                               writeBytes("cut.xm", "Extended Module: tiny"), "/tmp"};
     MusicPlayerMOD player;
     for (const std::string& file : bad)
         EXPECT_FALSE(player.load(file.c_str())) << file;
@@ -61,6 +57,9 @@ TEST(MusicPlayerMODLoad, MissingAndDamagedFilesFail) {
 }
 
 TEST_F(MusicPlayerMODTest, ReloadStopsAndReplacesAndAFailedOneDropsTheSongButKeepsTheName) {
+    // Its own name again must not read freed memory.
+    player.setFilename(player.getFilename());
+    EXPECT_STREQ(path.c_str(), player.getFilename());
     TinyModule other;
     other.orders = 6;
     std::string otherPath = writeModule("other.xm", other);

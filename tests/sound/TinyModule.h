@@ -4,16 +4,13 @@
 #include <string>
 
 struct TinyModule {
-    int orders = 4;        // order list cycles through the two patterns
-    int rows = 16;         // rows of every pattern
-    int speed = 3;         // ticks per row
-    int bpm = 125;         // tempo
-    int restart = 0;       // order the song loops back to
+    int orders = 4;   // the order list alternates the two patterns
+    int restart = 0;  // the order the song loops back to
 
     // Writes the module to the file; false when it cannot be written.
     bool write(const std::string& path) const;
-    // Seconds of one full pass through the order list.
-    double seconds() const;
+    // Seconds of one pass: 16 rows at speed 3 and 125 bpm per order.
+    double seconds() const { return orders * 16 * 3 * 2.5 / 125; }
 };
 
 // A path in a directory of this test process's own, made on first use.
