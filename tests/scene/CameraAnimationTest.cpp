@@ -36,9 +36,7 @@ protected:
         anim.addTargetPos(80, Vector3(5.0f, 5.0f, 5.0f));
         anim.setFramesPerSec(25.0f);
         anim.setCamera(camName);
-        std::ostringstream out;
-        EXPECT_TRUE(anim.save(out));
-        return out.str();
+        return saved(anim);
     }
 };
 
@@ -92,59 +90,34 @@ TEST_F(CameraAnimationTest, HalfASecondAt24FramesPerSecondIs12FramesAndMovesTheC
     EXPECT_EQ(anim.getCurrentFrame(), 24.0f);
 }
 
-TEST_F(CameraAnimationTest, SaveLoadSaveIsBitIdentical)
+TEST_F(CameraAnimationTest, SaveLoadSaveIsBitIdenticalAndAnUnknownCameraLoadsAsNone)
 {
     CameraAnimation anim;
     const std::string first = filledImage(anim);
+    const std::string head = std::string("CANI") + f32(25.0f) + le16(7) + camName + "LIN3";
+    EXPECT_EQ(first.substr(0, head.size()), head);
+    // Two LIN3 headers of 10 bytes and five keys.
+    EXPECT_EQ(first.size(), head.size() - 4 + 2 * 10 + 5 * static_cast<size_t>(Lin3Key::RECORD_SIZE));
     CameraAnimation loaded;
     std::istringstream in(first);
     ASSERT_TRUE(loaded.load(in));
     EXPECT_EQ(in.peek(), EOF);
     EXPECT_EQ(loaded.getCamera(), CameraMgr::getHandle()->find(camName));
-    EXPECT_EQ(loaded.getFramesPerSec(), 25.0f);
-    std::ostringstream second;
-    ASSERT_TRUE(loaded.save(second));
-    EXPECT_EQ(first, second.str());
-}
+    EXPECT_EQ(saved(loaded), first);
 
-TEST_F(CameraAnimationTest, LayoutIsTagRateNameThenTwoTracks)
-{
-    CameraAnimation anim;
-    const std::string bytes = filledImage(anim);
-    const std::string head = std::string("CANI") + f32(25.0f) + le16(7) + camName;
-    EXPECT_EQ(bytes.substr(0, head.size()), head);
-    EXPECT_EQ(bytes.substr(head.size(), 4), "LIN3");
-    // Two LIN3 headers of 10 bytes and five keys.
-    EXPECT_EQ(bytes.size(), head.size() + 2 * 10 + 5 * static_cast<size_t>(Lin3Key::RECORD_SIZE));
-}
-
-TEST_F(CameraAnimationTest, UnknownCameraNameLoadsWithoutCamera)
-{
-    CameraAnimation anim;
-    const std::string bytes = filledImage(anim);
     CameraMgr::getHandle()->remove(camName);
-    CameraAnimation loaded;
-    std::istringstream in(bytes);
-    EXPECT_TRUE(loaded.load(in));
-    EXPECT_EQ(loaded.getCamera(), nullptr);
-    EXPECT_NE(loaded.getTargetTrack(), nullptr);
+    CameraAnimation orphan;
+    std::istringstream again(first);
+    EXPECT_TRUE(orphan.load(again));
+    EXPECT_EQ(orphan.getCamera(), nullptr);
 }
 
-TEST_F(CameraAnimationTest, EveryTruncationFailsAndLeavesNoTracks)
+TEST_F(CameraAnimationTest, TruncatedWrongOrAbsurdInputFails)
 {
-    CameraAnimation anim;
-    const std::string bytes = filledImage(anim);
-    for (size_t cut = 0; cut < bytes.size(); ++cut) {
-        CameraAnimation loaded;
-        std::istringstream in(bytes.substr(0, cut));
-        EXPECT_FALSE(loaded.load(in)) << cut;
-        EXPECT_EQ(loaded.getPositionTrack(), nullptr) << cut;
-        EXPECT_EQ(loaded.getTargetTrack(), nullptr) << cut;
-    }
-}
-
-TEST_F(CameraAnimationTest, BadInputFails)
-{
+    auto noTracks = [](CameraAnimation& a) {
+        EXPECT_EQ(a.getPositionTrack(), nullptr);
+        EXPECT_EQ(a.getTargetTrack(), nullptr);
+    };
     CameraAnimation anim;
     std::string wrongTag = filledImage(anim);
     wrongTag[3] = 'X';
@@ -156,12 +129,9 @@ TEST_F(CameraAnimationTest, BadInputFails)
         std::string("CANI") + f32(24.0f) + le16(0xffff) + "abc",
         std::string("CANI") + f32(24.0f) + le16(0) + "LIN3" + le16(0) + le32(0x7fffffffu),
     };
-    for (const std::string& bad : cases) {
-        CameraAnimation fresh;
-        std::istringstream badIn(bad);
-        EXPECT_FALSE(fresh.load(badIn));
-        EXPECT_EQ(fresh.getPositionTrack(), nullptr);
-    }
+    for (const std::string& bad : cases)
+        expectEveryPrefixFails<CameraAnimation>(bad + "\n", noTracks);
+    expectEveryPrefixFails<CameraAnimation>(filledImage(anim), noTracks);
     CameraAnimation empty;
     std::ostringstream out;
     EXPECT_FALSE(empty.save(out));
