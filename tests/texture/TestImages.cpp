@@ -3,8 +3,9 @@
 
 #include <csetjmp>
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <jpeglib.h>
 #include <png.h>
 #include <tiffio.h>
@@ -34,7 +35,57 @@ Bytes readBytes(const std::string& path)
     return Bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
 }
 
-bool writePng(const std::string& path, const PngSpec& shape)
+unsigned char* copyOf(const Bytes& bytes)
+{
+    unsigned char* p = new unsigned char[bytes.size()];
+    std::memcpy(p, bytes.data(), bytes.size());
+    return p;
+}
+
+Bytes pixelsOf(const Texture* t)
+{
+    return Bytes(t->getDataPtr(), t->getDataPtr() + t->getDataSize());
+}
+
+Bytes patched(Bytes file, std::initializer_list<std::pair<size_t, int>> edits)
+{
+    for (const auto& edit : edits)
+        file.at(edit.first) = static_cast<unsigned char>(edit.second);
+    return file;
+}
+
+TexturePtr loadBytes(TextureLoader& loader, const Bytes& file, const char* name, int format)
+{
+    std::string path = scratchPath(name);
+    EXPECT_TRUE(writeBytes(path, file));
+    return TexturePtr(loader.loadTexture(path.c_str(), format));
+}
+
+void expectEveryTruncationFails(TextureLoader& loader, const Bytes& whole, const char* name, int format, size_t keep)
+{
+    for (size_t length = 0; length + keep < whole.size(); ++length)
+        EXPECT_FALSE(loadBytes(loader, Bytes(whole.begin(), whole.begin() + length), name, format))
+            << name << " cut at " << length;
+}
+
+void expectEveryCode(TextureLoader& loader, const Bytes& file, const char* name, const Bytes& a, const Bytes& b,
+                     bool hasAlpha, int tolerance)
+{
+    const int channels[9][4] = {{}, {0}, {1}, {2}, {3}, {2}, {2, 3}, {0, 1, 2}, {0, 1, 2, 3}};
+    for (int code = 1; code <= 8; ++code) {
+        TexturePtr t = loadBytes(loader, file, name, code);
+        ASSERT_TRUE(t) << code;
+        int n = Texture::componentsOf(code);
+        const unsigned char* last = t->getDataPtr() + t->getDataSize() - n;
+        for (int c = 0; c < n; ++c) {
+            bool opaque = !hasAlpha && code == 8 && c == 3;
+            EXPECT_NEAR(opaque ? 255 : a[channels[code][c]], t->getDataPtr()[c], tolerance) << name << " code " << code;
+            EXPECT_NEAR(opaque ? 255 : b[channels[code][c]], last[c], tolerance) << name << " code " << code;
+        }
+    }
+}
+
+bool writePng(const std::string& path, const PngShape& shape)
 {
     FILE* file = std::fopen(path.c_str(), "wb");
     if (!file)
@@ -55,12 +106,11 @@ bool writePng(const std::string& path, const PngSpec& shape)
     if (!colours.empty())
         png_set_PLTE(png, info, colours.data(), static_cast<int>(colours.size()));
     if (!shape.trns.empty())
-        png_set_tRNS(png, info, const_cast<png_bytep>(shape.trns.data()), static_cast<int>(shape.trns.size()),
-                     nullptr);
+        png_set_tRNS(png, info, shape.trns.data(), static_cast<int>(shape.trns.size()), nullptr);
     png_write_info(png, info);
     size_t rowBytes = shape.samples.size() / shape.height;
     for (int y = 0; y < shape.height; ++y)
-        png_write_row(png, const_cast<png_bytep>(shape.samples.data() + y * rowBytes));
+        png_write_row(png, shape.samples.data() + y * rowBytes);
     png_write_end(png, info);
     png_destroy_write_struct(&png, &info);
     std::fclose(file);
@@ -103,13 +153,11 @@ bool writeTiff(const std::string& path, int width, int height, const Bytes& rgba
     TIFFSetField(tif, TIFFTAG_IMAGELENGTH, height);
     TIFFSetField(tif, TIFFTAG_SAMPLESPERPIXEL, 4);
     TIFFSetField(tif, TIFFTAG_BITSPERSAMPLE, 8);
-    TIFFSetField(tif, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
     TIFFSetField(tif, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     TIFFSetField(tif, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
     // Associated alpha: libtiff hands the samples over without premultiplying them.
     uint16_t extra = EXTRASAMPLE_ASSOCALPHA;
     TIFFSetField(tif, TIFFTAG_EXTRASAMPLES, 1, &extra);
-    TIFFSetField(tif, TIFFTAG_ROWSPERSTRIP, height);
     for (int y = 0; y < height; ++y)
         TIFFWriteScanline(tif, const_cast<unsigned char*>(rgba.data() + y * width * 4), y, 0);
     TIFFClose(tif);
@@ -118,49 +166,21 @@ bool writeTiff(const std::string& path, int width, int height, const Bytes& rgba
 
 namespace {
 
-void put16le(Bytes& b, size_t at, int v)
-{
-    b[at] = static_cast<unsigned char>(v & 0xff);
-    b[at + 1] = static_cast<unsigned char>((v >> 8) & 0xff);
-}
-
-void put16be(Bytes& b, size_t at, int v)
-{
-    b[at] = static_cast<unsigned char>((v >> 8) & 0xff);
-    b[at + 1] = static_cast<unsigned char>(v & 0xff);
-}
-
 void push32be(Bytes& b, uint32_t v)
 {
     for (int shift = 24; shift >= 0; shift -= 8)
         b.push_back(static_cast<unsigned char>((v >> shift) & 0xff));
 }
 
-// SGI RLE: repeat packets for runs of 3 or more, literal packets otherwise.
+// SGI RLE: a repeat packet for every run of two or more, one-byte literal packets otherwise.
 Bytes sgiRow(const unsigned char* row, int width)
 {
     Bytes out;
-    int x = 0;
-    while (x < width) {
-        int run = 1;
-        while (x + run < width && run < 127 && row[x + run] == row[x])
+    for (int x = 0, run = 1; x < width; x += run) {
+        for (run = 1; x + run < width && run < 127 && row[x + run] == row[x];)
             ++run;
-        if (run >= 3) {
-            out.push_back(static_cast<unsigned char>(run));
-            out.push_back(row[x]);
-            x += run;
-            continue;
-        }
-        int start = x;
-        int count = 0;
-        while (x < width && count < 127) {
-            if (x + 2 < width && row[x] == row[x + 1] && row[x] == row[x + 2])
-                break;
-            ++x;
-            ++count;
-        }
-        out.push_back(static_cast<unsigned char>(0x80 | count));
-        out.insert(out.end(), row + start, row + start + count);
+        out.push_back(static_cast<unsigned char>(run > 1 ? run : 0x81));
+        out.push_back(row[x]);
     }
     out.push_back(0);
     return out;
@@ -170,24 +190,15 @@ Bytes sgiRow(const unsigned char* row, int width)
 
 Bytes makePcx(int width, int height, int bytesPerLine, const Bytes& indices, const Bytes& palette)
 {
-    Bytes file(128, 0);
-    file[0] = 0x0a;
-    file[1] = 5;
-    file[2] = 1;
-    file[3] = 8;
-    put16le(file, 8, width - 1);
-    put16le(file, 10, height - 1);
-    file[65] = 1;
-    put16le(file, 66, bytesPerLine);
-    size_t i = 0;
-    while (i < indices.size()) {
-        size_t run = 1;
-        while (i + run < indices.size() && run < 63 && indices[i + run] == indices[i])
+    Bytes file = patched(Bytes(128, 0), {{0, 0x0a}, {1, 5}, {2, 1}, {3, 8}, {8, (width - 1) & 0xff}, {9, (width - 1) >> 8},
+                                         {10, (height - 1) & 0xff}, {11, (height - 1) >> 8}, {65, 1},
+                                         {66, bytesPerLine & 0xff}, {67, bytesPerLine >> 8}});
+    for (size_t i = 0, run = 1; i < indices.size(); i += run) {
+        for (run = 1; i + run < indices.size() && run < 63 && indices[i + run] == indices[i];)
             ++run;
         if (run > 1 || indices[i] > 191)
             file.push_back(static_cast<unsigned char>(0xc0 | run));
         file.push_back(indices[i]);
-        i += run;
     }
     file.push_back(0x0c);
     file.insert(file.end(), palette.begin(), palette.end());
@@ -196,17 +207,12 @@ Bytes makePcx(int width, int height, int bytesPerLine, const Bytes& indices, con
 
 Bytes makeSgi(int width, int height, const Bytes& pixels, bool rle)
 {
-    Bytes file(512, 0);
-    put16be(file, 0, 474);
-    file[2] = rle ? 1 : 0;
-    file[3] = 1;
-    put16be(file, 4, 2);
-    put16be(file, 6, width);
-    put16be(file, 8, height);
-    put16be(file, 10, 1);
-    file[19] = 255;  // pixmax
+    // Magic 474, storage, one byte per channel, two dimensions, the size, one channel, pixmax 255.
+    Bytes file = patched(Bytes(512, 0), {{0, 0x01}, {1, 0xda}, {2, rle ? 1 : 0}, {3, 1}, {5, 2}, {6, width >> 8},
+                                         {7, width & 0xff}, {8, height >> 8}, {9, height & 0xff}, {11, 1}, {19, 255}});
     if (!rle) {
-        file.insert(file.end(), pixels.begin(), pixels.end());
+        file.resize(512 + pixels.size());
+        std::copy(pixels.begin(), pixels.end(), file.begin() + 512);
         return file;
     }
     std::vector<Bytes> rows;

@@ -1,32 +1,44 @@
-// Small image files made inside the tests: temporary paths and writers for every format the loaders read.
+// Small image files made inside the tests, and the load helpers the loader tests share.
 #pragma once
 
-#include <cstdint>
+#include "texture/Texture.h"
+#include "texture/TextureLoader.h"
+
+#include <initializer_list>
+#include <memory>
 #include <string>
 #include <vector>
 
 typedef std::vector<unsigned char> Bytes;
+typedef std::unique_ptr<Texture> TexturePtr;
 
 // A path in this process's own scratch directory.
 std::string scratchPath(const std::string& fileName);
-
 bool writeBytes(const std::string& path, const Bytes& bytes);
 Bytes readBytes(const std::string& path);
+// A new[] copy, for textures that take ownership of their pixels.
+unsigned char* copyOf(const Bytes& bytes);
+Bytes pixelsOf(const Texture* t);
+// A copy of a file with some bytes replaced: {offset, value} pairs.
+Bytes patched(Bytes file, std::initializer_list<std::pair<size_t, int>> edits);
+TexturePtr loadBytes(TextureLoader& loader, const Bytes& file, const char* name, int format);
+// Every proper prefix of a valid file must be refused (the last `keep` lengths excepted).
+void expectEveryTruncationFails(TextureLoader& loader, const Bytes& whole, const char* name, int format,
+                                size_t keep = 0);
+// Per format code 1 to 8: the first and last pixels of a file whose first and last are RGBA a and b.
+// Without alpha in the file, a[3] and b[3] are what the alpha codes take and RGBA gets opaque.
+void expectEveryCode(TextureLoader& loader, const Bytes& file, const char* name, const Bytes& a, const Bytes& b,
+                     bool hasAlpha = true, int tolerance = 0);
 
-// samples: rows top first, channels as the colour type has them, bitDepth 8
-// (or 16, big-endian pairs, or 1/2/4 packed as libpng expects for grey and palette).
-struct PngSpec {
-    int width = 0;
-    int height = 0;
-    int colorType = 0;
-    int bitDepth = 8;
+// samples: rows top first, as the colour type and bit depth pack them.
+struct PngShape {
+    int width, height, colorType, bitDepth;
     Bytes samples;
-    Bytes palette;  // RGB triples for palette images
+    Bytes palette;  // RGB triples
     Bytes trns;     // alpha per palette entry
 };
-bool writePng(const std::string& path, const PngSpec& shape);
-
-bool writeJpeg(const std::string& path, int width, int height, const Bytes& rgb, int components = 3);
+bool writePng(const std::string& path, const PngShape& shape);
+bool writeJpeg(const std::string& path, int width, int height, const Bytes& pixels, int components = 3);
 // rgba rows top first.
 bool writeTiff(const std::string& path, int width, int height, const Bytes& rgba);
 // indices: bytesPerLine per row; palette: 768 bytes.
