@@ -19,11 +19,3 @@ TEST(Color, ArithmeticRunsFreeUntilClamped)
     Color diff = Color(0.8f, 0.5f, 0.1f, 1) - Color(1, 0, 0, 0);
     EXPECT_EQ(diff.clamp().r, 0.0f);
 }
-
-TEST(Color, NormalizeOfBlackIsSafe)
-{
-    Color c(0.2f, 0.4f, 0.1f, 0.5f);
-    EXPECT_FLOAT_EQ(c.normalize().g, 1.0f);
-    Color black(0, 0, 0, 1);
-    EXPECT_EQ(black.normalize(), Color(0, 0, 0, 1));
-}

@@ -56,16 +56,6 @@ TEST(Rotations, VectorRotateDoesNotNormaliseTheAxis)
     EXPECT_NEAR(v.m[10], 4.0f, 1e-6f);
 }
 
-TEST(Rotations, AxisBasisAsRowsOrColumns)
-{
-    Vector3 u(0, 0, 1), v(1, 0, 0), n(0, 1, 0);
-    Matrix4 rows, columns;
-    RotateAxis(rows, u, v, n);
-    InvRotateAxis(columns, u, v, n);
-    EXPECT_EQ(rows, Matrix4(0, 0, 1, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1));
-    EXPECT_EQ(columns, rows.transpose());
-}
-
 TEST(Projection, FrustumTakesTopBeforeBottom)
 {
     Matrix4 m;
