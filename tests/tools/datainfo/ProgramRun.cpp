@@ -1,21 +1,21 @@
-// Test helper: runs velmora-data as a subprocess.
+// Test helpers: runs velmora-data as a subprocess; scratch files.
 #include "ProgramRun.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <sys/wait.h>
 #include <unistd.h>
+
+namespace fs = std::filesystem;
 
 namespace {
 
 std::string slurp(const std::string& file)
 {
     std::ifstream in(file, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 std::string quoted(const std::string& text)
@@ -30,22 +30,21 @@ std::string quoted(const std::string& text)
 
 ProgramRun ProgramRun::run(const std::vector<std::string>& args, const std::string& workingDir)
 {
-    std::string base = std::filesystem::temp_directory_path().string() + "/datainfo-run-" + std::to_string(getpid());
+    const std::string base = fs::temp_directory_path().string() + "/datainfo-run-" + std::to_string(getpid());
     std::string command = workingDir.empty() ? "" : "cd " + quoted(workingDir) + " && ";
     command += "ASAN_OPTIONS=\"$ASAN_OPTIONS:exitcode=86\" UBSAN_OPTIONS=\"$UBSAN_OPTIONS:exitcode=87\" " +
-                          quoted(VELMORA_DATA_EXE);
+               quoted(VELMORA_DATA_EXE);
     for (const std::string& arg : args)
         command += " " + quoted(arg);
-    command += " >" + base + ".out 2>" + base + ".err";
-    int raw = std::system(command.c_str());
+    const int raw = std::system((command + " >" + base + ".out 2>" + base + ".err").c_str());
     ProgramRun result;
     // A signal in the program shows as a shell status above 128.
     if (raw != -1 && WIFEXITED(raw) && WEXITSTATUS(raw) < 128)
         result.status = WEXITSTATUS(raw);
     result.out = slurp(base + ".out");
     result.err = slurp(base + ".err");
-    std::filesystem::remove(base + ".out");
-    std::filesystem::remove(base + ".err");
+    fs::remove(base + ".out");
+    fs::remove(base + ".err");
     return result;
 }
 
@@ -56,36 +55,35 @@ int ProgramRun::errLines() const
 
 ScratchDir::ScratchDir(const std::string& name) : path("datainfo-scratch/" + name + "-" + std::to_string(getpid()))
 {
-    std::filesystem::remove_all(path);
-    std::filesystem::create_directories(path);
+    fs::remove_all(path);
+    fs::create_directories(path);
 }
 
 ScratchDir::~ScratchDir()
 {
     std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
+    fs::remove_all(path, ignored);
 }
 
 std::vector<unsigned char> readBytes(const std::string& file)
 {
-    std::string text = slurp(file);
+    const std::string text = slurp(file);
     return std::vector<unsigned char>(text.begin(), text.end());
 }
 
 void writeBytes(const std::string& file, const std::vector<unsigned char>& bytes)
 {
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(file, std::ios::binary | std::ios::trunc)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
 std::vector<std::string> generatedFiles()
 {
     std::vector<std::string> files;
     std::error_code ignored;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator("data", ignored)) {
+    for (const auto& entry : fs::recursive_directory_iterator("data", ignored))
         if (entry.is_regular_file())
             files.push_back(entry.path().string());
-    }
     std::sort(files.begin(), files.end());
     return files;
 }

@@ -1,11 +1,11 @@
-// Test helper: runs velmora-data as a subprocess and keeps its exit status and both output streams.
+// Test helpers: run velmora-data as a subprocess, scratch directories and whole-file bytes.
 #pragma once
 
 #include <string>
 #include <vector>
 
 struct ProgramRun {
-    int status = -1;       // exit status; -1 when the program did not exit normally
+    int status = -1; // exit status; -1 when the program did not exit normally
     std::string out;
     std::string err;
 
@@ -14,7 +14,7 @@ struct ProgramRun {
     int errLines() const;
 };
 
-// Test helper: a fresh directory below the build directory, removed afterwards.
+// A fresh directory below the build directory, removed afterwards.
 struct ScratchDir {
     std::string path;
     explicit ScratchDir(const std::string& name);
