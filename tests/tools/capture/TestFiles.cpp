@@ -3,18 +3,16 @@
 
 #include <png.h>
 #include <cstring>
-#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <sys/wait.h>
 
 std::string readWholeFile(const std::string& path)
 {
     std::ifstream in(path.c_str(), std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 std::string makeTemporaryDir()
@@ -26,20 +24,18 @@ std::string makeTemporaryDir()
 
 void removeTree(const std::string& dir)
 {
-    if (dir.compare(0, 27, "/tmp/velmora-capture-test-") != 0)
-        return;
-    std::string command = "rm -rf '" + dir + "'";
-    if (std::system(command.c_str()) != 0)
-        std::fprintf(stderr, "could not remove %s\n", dir.c_str());
+    std::error_code ignored;
+    if (dir.compare(0, 26, "/tmp/velmora-capture-test-") == 0)
+        std::filesystem::remove_all(dir, ignored);
 }
 
 ProgramRun runInBuildDir(const std::string& command, const std::string& environment)
 {
     ProgramRun run;
-    std::string logs = makeTemporaryDir();
-    std::string line = "cd '" VELMORA_BINARY_DIR "' && " + environment + " " + command + " >'" + logs +
-                       "/out' 2>'" + logs + "/err'";
-    int raw = std::system(line.c_str());
+    const std::string logs = makeTemporaryDir();
+    const std::string line = "cd '" VELMORA_BINARY_DIR "' && " + environment + " " + command + " >'" + logs +
+                             "/out' 2>'" + logs + "/err'";
+    const int raw = std::system(line.c_str());
     run.status = (raw != -1 && WIFEXITED(raw)) ? WEXITSTATUS(raw) : -1;
     run.out = readWholeFile(logs + "/out");
     run.err = readWholeFile(logs + "/err");

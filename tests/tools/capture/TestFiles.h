@@ -11,12 +11,10 @@ struct ProgramRun {
     std::string err;
 };
 
-// `command` is a shell command line run from the build directory; `environment` is
-// prefixed as is (e.g. "env -u DISPLAY").
+// `command` runs from the build directory; `environment` is prefixed as is (e.g. "env -u DISPLAY").
 ProgramRun runInBuildDir(const std::string& command, const std::string& environment = "");
-// A fresh empty directory below /tmp.
+// A fresh empty directory below /tmp, and its removal with whatever is in it.
 std::string makeTemporaryDir();
-// Deletes a directory made by makeTemporaryDir with whatever is in it.
 void removeTree(const std::string& dir);
 std::string readWholeFile(const std::string& path);
 // Reads a PNG as tightly packed RGB, top row first; false when it is not a readable PNG.
