@@ -13,29 +13,27 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace {
 
 const char* const CREDITS = "data/img/credits.png";
 const float SPAN = 8.875f;
 
-// A white, opaque stand-in for the credits picture, under its name in the cache.
-Texture* seedWhiteTexture()
-{
-    unsigned char* pixels = new unsigned char[4 * 4 * 2];
-    std::memset(pixels, 255, 4 * 4 * 2);
-    Texture* texture = new Texture(CREDITS, 4, 4, 16, 6, pixels);
-    TextureMgr::getHandle()->addTexture(texture);
-    return texture;
-}
-
 class CreditTest : public GLTest {
 protected:
+    Texture* texture = nullptr;
+
     void SetUp() override
     {
         GLTest::SetUp();
         CameraMgr::getHandle()->shutdown();
         CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
+        // A white, opaque stand-in for the credits picture, under its name in the cache.
+        unsigned char* pixels = new unsigned char[4 * 4 * 2];
+        std::memset(pixels, 255, 4 * 4 * 2);
+        texture = new Texture(CREDITS, 4, 4, 16, 6, pixels);
+        TextureMgr::getHandle()->addTexture(texture);
     }
     void TearDown() override
     {
@@ -44,11 +42,17 @@ protected:
         TextureMgr::getHandle()->registerStandardLoaders();
     }
 
-    unsigned char centreRed()
+    static unsigned char centreRed()
     {
         unsigned char rgba[4];
         GLContext::readPixel(GLContext::width() / 2, GLContext::height() / 2, rgba);
         return rgba[0];
+    }
+
+    // The picture's alpha and speed, then the trail's.
+    static std::vector<float> alphas(Credit& credit)
+    {
+        return {credit.getTextAlpha(), credit.getTextAlphaSpeed(), credit.getBlurAlpha(), credit.getBlurAlphaSpeed()};
     }
 };
 
@@ -56,30 +60,20 @@ protected:
 
 TEST_F(CreditTest, PictureStopsAtZeroWhileTheTrailBounces)
 {
-    seedWhiteTexture();
     Credit credit(0, 4, EffectTimer(0.0f, 2.0f));
     credit.initiate();
     // Landing on exactly 1: the picture's bound is strict, the trail's inclusive.
     credit.update(1.0f);
-    EXPECT_EQ(credit.getTextAlpha(), 1.0f);
-    EXPECT_EQ(credit.getTextAlphaSpeed(), 1.0f);
-    EXPECT_EQ(credit.getBlurAlphaSpeed(), -1.0f);
+    EXPECT_EQ(alphas(credit), (std::vector<float>{1.0f, 1.0f, 1.0f, -1.0f}));
     credit.update(1.0f);
-    EXPECT_EQ(credit.getTextAlpha(), 1.0f);
-    EXPECT_EQ(credit.getTextAlphaSpeed(), -1.0f);
-    EXPECT_EQ(credit.getBlurAlpha(), 0.0f);
-    EXPECT_EQ(credit.getBlurAlphaSpeed(), 1.0f);
+    EXPECT_EQ(alphas(credit), (std::vector<float>{1.0f, -1.0f, 0.0f, 1.0f}));
     credit.update(1.0f);
     credit.update(0.5f);
-    EXPECT_EQ(credit.getTextAlpha(), 0.0f);
-    EXPECT_EQ(credit.getTextAlphaSpeed(), 0.0f);
-    EXPECT_EQ(credit.getBlurAlpha(), 0.5f);
-    EXPECT_EQ(credit.getBlurAlphaSpeed(), -1.0f);
+    EXPECT_EQ(alphas(credit), (std::vector<float>{0.0f, 0.0f, 0.5f, -1.0f}));
 }
 
 TEST_F(CreditTest, OddTrailsTurnClockwiseOneTurnPerCredit)
 {
-    seedWhiteTexture();
     Credit even(2, 2, EffectTimer(17.75f, 26.625f));
     Credit odd(1, 3, EffectTimer(8.875f, 17.75f));
     even.initiate();
@@ -105,7 +99,6 @@ TEST_F(CreditTest, OddTrailsTurnClockwiseOneTurnPerCredit)
 
 TEST_F(CreditTest, FirstCreditUploadsTheTextureAndTheLastUnloadsIt)
 {
-    Texture* texture = seedWhiteTexture();
     CameraMgr* cameras = CameraMgr::getHandle();
     cameras->add(new Camera("Other"));
     cameras->add(new Camera("CreditsCamera"));
@@ -131,7 +124,6 @@ TEST_F(CreditTest, FirstCreditUploadsTheTextureAndTheLastUnloadsIt)
 
 TEST_F(CreditTest, DrawsThePictureAndLeavesTheStateAsFound)
 {
-    seedWhiteTexture();
     LightMgr::getHandle()->turnLightingOn();
     Credit credit(0, 4, EffectTimer(0.0f, SPAN));
     credit.initiate();
@@ -160,5 +152,4 @@ TEST_F(CreditTest, MissingPictureIsReportedAndDrawnWhite)
     credit.update(SPAN / 2.0f);
     credit.display();
     EXPECT_EQ(centreRed(), 255);
-    credit.shutdown();
 }

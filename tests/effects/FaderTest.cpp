@@ -85,12 +85,6 @@ TEST_F(FaderDraw, WhiteAtTheMiddleCoversABlackFrameAndAtAQuarterIsMidGrey)
     expectWholeFrame(128, 128, 128, 1);
 }
 
-TEST_F(FaderDraw, TheColoursOwnAlphaHasNoEffect)
-{
-    started(Color(1.0f, 0.0f, 1.0f, 0.0f), {0.5f}).display();
-    expectWholeFrame(255, 0, 255);
-}
-
 TEST_F(FaderDraw, CoversWhateverTheSceneLeftAndRestoresItWithLightingLeftOff)
 {
     glMatrixMode(GL_PROJECTION);
