@@ -5,7 +5,6 @@
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -105,17 +104,6 @@ TEST_F(VariableFile, SaveRunsHeaderIntoNoticeSpacesRecordsAndIsNotReadBack)
     EXPECT_FALSE(other.load(path.c_str()));
     EXPECT_EQ(other.getCount(), 0u);
     EXPECT_FALSE(mgr.save("/nonexistent-dir/velmora.cfg"));
-}
-
-TEST_F(VariableFile, SaveCreatesWithMode0664)
-{
-    mode_t old = umask(0);
-    bool saved = mgr.save(path.c_str());
-    umask(old);
-    ASSERT_TRUE(saved);
-    struct stat info;
-    ASSERT_EQ(stat(path.c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 0777, 0664u);
 }
 
 TEST(VariableRegistry, AddReplacesValueButKeepsFlag)

@@ -41,11 +41,3 @@ TEST_F(GLEXTDriver, DrawRangeElementsIsLeftOutOfBindAll)
     EXPECT_EQ(offered, GLEXT::bindDrawRangeElements());
     EXPECT_EQ(offered, GLEXT::isSupported(GLEXT::EXT_draw_range_elements));
 }
-
-TEST_F(GLEXTDriver, WindowSystemWordsGetNoBits)
-{
-    GLEXT::flagsGLX = 0x5;
-    GLEXT::bindAllGLX();
-    EXPECT_EQ(0u, GLEXT::flagsGLX);
-    EXPECT_FALSE(GLEXT::hasExtensionWGL("WGL_ARB_pbuffer", nullptr));
-}

@@ -73,22 +73,6 @@ TEST(ImageLoad, EachFormatCodeTakesItsChannels)
     EXPECT_EQ(Bytes(300, 42), pixelsOf(runs.get()));
 }
 
-TEST(ImageLoad, ReloadKeepsTheBufferAndRefusesOtherSizes)
-{
-    TextureLoaderTIFF loader;
-    std::string path = scratchPath("reload.tif");
-    ASSERT_TRUE(writeBytes(path, tiffFile()));
-    TexturePtr t(loader.loadTexture(path.c_str(), 7));
-    const unsigned char* buffer = t->getDataPtr();
-    ASSERT_TRUE(writeTiff(path, 1, 2, {1, 2, 3, 255, 4, 5, 6, 255}));
-    EXPECT_TRUE(loader.reloadTexture(path.c_str(), t.get()));
-    EXPECT_EQ(buffer, t->getDataPtr());
-    EXPECT_EQ(Bytes({4, 5, 6, 1, 2, 3}), pixelsOf(t.get()));
-    ASSERT_TRUE(writeTiff(path, 2, 1, {9, 9, 9, 9, 9, 9, 9, 9}));
-    EXPECT_FALSE(loader.reloadTexture(path.c_str(), t.get()));
-    EXPECT_EQ(Bytes({4, 5, 6, 1, 2, 3}), pixelsOf(t.get()));
-}
-
 TEST(ImageLoad, TargaFilesGiveADeliberatelyEmptyImage)
 {
     TextureLoaderTGA loader;

@@ -78,37 +78,6 @@ TEST_F(Cache, SameNameGivesTheSameTextureWhateverTheFormatButCaseMatters)
     EXPECT_EQ(nullptr, mgr()->findTexture("a.FAKE"));
 }
 
-TEST_F(Cache, LoaderRegistryComparesWholeListsIgnoringCaseAndAsksTheNewestFirst)
-{
-    CountingLoader* same = new CountingLoader("PNG");
-    EXPECT_FALSE(mgr()->registerLoader(same));
-    delete same;
-    CountingLoader* newer = new CountingLoader("pngx");
-    ASSERT_TRUE(mgr()->registerLoader(newer));
-    EXPECT_EQ(newer, mgr()->findLoader("a.pngx"));
-    EXPECT_FALSE(mgr()->unregisterLoader("pn"));
-    EXPECT_TRUE(mgr()->unregisterLoader("Png"));
-    // With the PNG loader gone, the catch-all takes .png names.
-    EXPECT_STREQ("ctx,mtx", mgr()->findLoader("x.png")->getExtension());
-}
-
-TEST_F(Cache, ReloadAndSaveGoThroughTheLoaderOfTheName)
-{
-    std::string path = ctxFile("reload.ctx");
-    Texture* t = mgr()->loadTexture(path.c_str(), 5);
-    ASSERT_NE(nullptr, t);
-    t->getDataPtr()[0] = 99;
-    EXPECT_TRUE(t->reload());
-    EXPECT_EQ(1, t->getDataPtr()[0]);
-    t->getDataPtr()[0] = 42;
-    EXPECT_TRUE(mgr()->saveTexture(path.c_str()));
-    EXPECT_FALSE(mgr()->saveTexture("not-cached.ctx"));
-    mgr()->removeTexture(path.c_str());
-    Texture* again = mgr()->loadTexture(path.c_str(), 5);
-    ASSERT_NE(nullptr, again);
-    EXPECT_EQ(42, again->getDataPtr()[0]);
-}
-
 TEST_F(Cache, SaveWritesSixteenBitNamesNewestFirstThatLoadCannotReadBack)
 {
     mgr()->addTexture(new Texture("a.ctx", 1, 1, 8, 5, new unsigned char[1]()));

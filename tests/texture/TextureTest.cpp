@@ -19,12 +19,7 @@ unsigned char* filled(size_t size, unsigned char value)
     return p;
 }
 
-GLint boundParameter(GLenum name)
-{
-    GLint value = 0;
-    glGetTexParameteriv(GL_TEXTURE_2D, name, &value);
-    return value;
-}
+GLint boundParameter(GLenum name) { GLint v = 0; glGetTexParameteriv(GL_TEXTURE_2D, name, &v); return v; }
 
 void drawQuad()
 {
@@ -99,20 +94,6 @@ TEST_F(TextureGL, FirstBindUploadsAndADeletedObjectIsRecreated)
     EXPECT_FALSE(t.unload());
 }
 
-TEST_F(TextureGL, QualityAboveOneFiltersLinearly)
-{
-    const GLint expected[] = {GL_NEAREST, GL_NEAREST, GL_LINEAR, GL_LINEAR};
-    for (int quality = 0; quality <= 3; ++quality) {
-        Texture::setTexQuality(quality);
-        Texture t("q", 1, 1, 8, 5, filled(1, 0));
-        EXPECT_TRUE(t.upload());
-        glBindTexture(GL_TEXTURE_2D, t.getGLName());
-        EXPECT_EQ(expected[quality], boundParameter(GL_TEXTURE_MIN_FILTER)) << quality;
-        EXPECT_EQ(expected[quality], boundParameter(GL_TEXTURE_MAG_FILTER)) << quality;
-        EXPECT_EQ(GL_REPEAT, boundParameter(GL_TEXTURE_WRAP_T));
-    }
-}
-
 TEST_F(TextureGL, UploadedAndUpdatedPixelsReachTheScreen)
 {
     Texture t("p", 1, 1, 32, 8, new unsigned char[4]{10, 200, 30, 255});
@@ -131,19 +112,6 @@ TEST_F(TextureGL, UploadedAndUpdatedPixelsReachTheScreen)
     EXPECT_EQ(250, rgba[0]);
     t.unbind();
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-}
-
-TEST_F(TextureGL, UnitBindLeavesTheUnitActiveAndUnbindReturnsToUnitZero)
-{
-    ASSERT_TRUE(GLEXT::isSupported(GLEXT::ARB_multitexture));
-    Texture t("m", 1, 1, 8, 5, filled(1, 0));
-    t.bind(GL_TEXTURE1_ARB);
-    GLint active = 0;
-    glGetIntegerv(GL_ACTIVE_TEXTURE_ARB, &active);
-    EXPECT_EQ(GL_TEXTURE1_ARB, active);
-    t.unbind(GL_TEXTURE1_ARB);
-    glGetIntegerv(GL_ACTIVE_TEXTURE_ARB, &active);
-    EXPECT_EQ(GL_TEXTURE0_ARB, active);
 }
 
 TEST_F(TextureGL, NonSquareMipMapKeepsZeroSidedLevels)
