@@ -22,14 +22,10 @@ double now()
 
 std::string readFile(const std::string& path)
 {
-    std::ifstream in(path.c_str(), std::ios::binary);
     std::stringstream text;
-    text << in.rdbuf();
+    text << std::ifstream(path.c_str(), std::ios::binary).rdbuf();
     return text.str();
 }
-
-// Generous: a loaded machine and a sanitizer build start slowly.
-const double START_SECONDS = 60.0;
 
 }
 
@@ -41,7 +37,7 @@ ProgramProcess::ProgramProcess()
 
 ProgramProcess::~ProgramProcess()
 {
-    if (pid > 0 && status == -1) {
+    if (running()) {
         kill(pid, SIGKILL);
         waitpid(pid, nullptr, 0);
     }
@@ -52,8 +48,7 @@ ProgramProcess::~ProgramProcess()
 
 void ProgramProcess::writeConfig(const std::string& bytes) const
 {
-    std::ofstream out((dir + "/velmora.cfg").c_str(), std::ios::binary);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream((dir + "/velmora.cfg").c_str(), std::ios::binary) << bytes;
 }
 
 void ProgramProcess::start()
@@ -65,10 +60,8 @@ void ProgramProcess::start()
         return;
     int out = chdir(dir.c_str()) == 0 ? open("stdout.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644) : -1;
     int err = open("stderr.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (out < 0 || err < 0)
+    if (out < 0 || err < 0 || dup2(out, STDOUT_FILENO) < 0 || dup2(err, STDERR_FILENO) < 0)
         _exit(120);
-    dup2(out, STDOUT_FILENO);
-    dup2(err, STDERR_FILENO);
     // SDL would otherwise fall back on its offscreen driver when X refuses it, and run windowless.
     setenv("SDL_VIDEODRIVER", "x11", 1);
     execl(program.c_str(), "velmora", static_cast<char*>(nullptr));
@@ -92,7 +85,13 @@ int ProgramProcess::terminate()
     if (!running())
         return -1;
     kill(pid, SIGTERM);
-    return ended(20.0) && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    ended(20.0);
+    return exitStatus();
+}
+
+int ProgramProcess::exitStatus() const
+{
+    return status != -1 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 std::string ProgramProcess::output() const
@@ -100,9 +99,10 @@ std::string ProgramProcess::output() const
     return readFile(dir + "/stdout.txt") + readFile(dir + "/stderr.txt");
 }
 
+// Generous: a loaded machine and a sanitizer build start slowly.
 std::string ProgramProcess::windowId()
 {
-    for (double giveUp = now() + START_SECONDS; now() < giveUp && running(); sleepMillis(50)) {
+    for (double giveUp = now() + 60.0; now() < giveUp && running(); sleepMillis(50)) {
         std::string ids = capture("xdotool search --onlyvisible --pid " + std::to_string(pid) + " 2>/dev/null");
         if (!ids.empty())
             return ids.substr(0, ids.find('\n'));
@@ -118,15 +118,12 @@ std::string ProgramProcess::startAndFindWindow()
         start();
         std::string id = windowId();
         if (!id.empty()) {
-            std::istringstream lines(capture("xdotool getwindowgeometry --shell " + id));
-            std::string width, height;
-            for (std::string line; std::getline(lines, line);) {
-                if (line.rfind("WIDTH=", 0) == 0)
-                    width = line.substr(6);
-                if (line.rfind("HEIGHT=", 0) == 0)
-                    height = line.substr(7);
-            }
-            return width + "x" + height;
+            std::string shell = capture("xdotool getwindowgeometry --shell " + id);
+            size_t width = shell.find("WIDTH="), height = shell.find("HEIGHT=");
+            if (width == std::string::npos || height == std::string::npos)
+                return std::string();
+            return shell.substr(width + 6, shell.find('\n', width) - width - 6) + "x" +
+                   shell.substr(height + 7, shell.find('\n', height) - height - 7);
         }
         if (running() || output().find("x11 not available") == std::string::npos)
             break;
@@ -138,12 +135,11 @@ std::string ProgramProcess::capture(const std::string& command)
 {
     std::string output;
     FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe)
-        return output;
     char buffer[256];
-    while (fgets(buffer, sizeof buffer, pipe))
+    while (pipe && fgets(buffer, sizeof buffer, pipe))
         output += buffer;
-    pclose(pipe);
+    if (pipe)
+        pclose(pipe);
     return output;
 }
 

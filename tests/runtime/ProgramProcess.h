@@ -20,11 +20,10 @@ public:
     bool ended(double seconds);
     // Sends SIGTERM (SDL turns it into a quit event); the exit status, or -1 without a normal exit.
     int terminate();
+    // The status of an ended program, or -1 while it runs or when it did not exit normally.
+    int exitStatus() const;
     // Everything the program printed on both streams.
     std::string output() const;
-
-    pid_t pid = -1;
-    int status = -1;
 
     static std::string capture(const std::string& command);
     static void sleepMillis(long millis);
@@ -32,4 +31,6 @@ public:
 private:
     void start();
     std::string dir;
+    pid_t pid = -1;
+    int status = -1;
 };

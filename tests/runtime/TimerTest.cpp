@@ -1,4 +1,4 @@
-// Frame clocks: sampling, the 24-frame average and its fixed divisor, tick resolution.
+// Frame clocks: sampling, the 24-frame average and its fixed divisor, the first tick reading.
 #include "runtime/Timer.h"
 #include "runtime/TimerLinux.h"
 
@@ -54,7 +54,7 @@ TEST(FrameTimer, FewFramesStillDivideByTwentyFourAndTheRingKeepsTheLastTwentyFou
     EXPECT_NEAR(timer.getFramesPerSec(), 25.0, 1e-9);
 }
 
-TEST(TickTimer, FirstFrameMeasuresFromSetupInWholeTicks)
+TEST(TickTimer, FirstFrameMeasuresFromSetup)
 {
     TimerLinux timer;
     ASSERT_GT(timer.getTicksPerSecond(), 0);
@@ -63,12 +63,4 @@ TEST(TickTimer, FirstFrameMeasuresFromSetupInWholeTicks)
     // Without the discarded reading the first frame would span the whole tick counter.
     EXPECT_GE(timer.getDeltaTime(), 0.0);
     EXPECT_LT(timer.getDeltaTime(), 1.0);
-    double tick = 1.0 / timer.getTicksPerSecond();
-    bool sawZero = false;
-    for (int i = 0; i < 1000 && !sawZero; ++i) {
-        double ticks = timer.getUpdateSecs() / tick;
-        EXPECT_NEAR(ticks, std::round(ticks), 1e-9);
-        sawZero = ticks == 0.0;
-    }
-    EXPECT_TRUE(sawZero);
 }

@@ -1,4 +1,4 @@
-// The real velmora program started with damaged velmora.cfg files: it opens the window it could read and runs on.
+// The real velmora program started with good and damaged velmora.cfg files: it opens the window it could read, runs on and ends cleanly.
 #include "ProgramProcess.h"
 
 #include <gtest/gtest.h>
@@ -32,6 +32,7 @@ std::vector<ConfigCase> cases()
 {
     std::string tenKilobytes(10 * 1024, 'x');
     return {
+        {"Plain", true, header + "Fullscreen = no\nWidth = 800\nHeight = 600\nSound = no\n", "800x600"},
         {"Missing", false, "", "640x480"},
         {"Empty", true, "", "640x480"},
         {"HeaderOnly", true, header, "640x480"},
@@ -59,9 +60,11 @@ TEST_P(ConfigFileRun, OpensTheWindowItCouldReadAndRunsOn)
     if (config.present)
         program.writeConfig(config.content);
     EXPECT_EQ(program.startAndFindWindow(), config.window) << program.output();
-    ProgramProcess::sleepMillis(1500);
+    ProgramProcess::sleepMillis(2000);
     ASSERT_TRUE(program.running()) << "velmora ended on its own: " << program.output();
+    // SIGTERM is a normal end, and run's true comes back as exit status 1: kept inverted.
     EXPECT_EQ(program.terminate(), 1) << program.output();
+    EXPECT_EQ(program.output().find("ERROR!"), std::string::npos) << program.output();
 }
 
 INSTANTIATE_TEST_SUITE_P(DamagedConfig, ConfigFileRun, ::testing::ValuesIn(cases()),

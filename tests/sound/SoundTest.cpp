@@ -6,7 +6,6 @@
 
 #include "TinyModule.h"
 
-#include <SDL/SDL.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -199,33 +198,4 @@ TEST_F(SoundTest, ABufferOfOddLengthIsFilledWithoutOverrun) {
     sound->mix(buffer.data(), static_cast<int>(buffer.size()));
     EXPECT_EQ(0, buffer[400] | buffer[402]);
     EXPECT_EQ(100.0f * 1000.0f / 44100.0f, player.getCurrentLocation());
-}
-
-// The driver's start sequence on a real (dummy) device, pulled by SDL's audio thread.
-TEST_F(SoundTest, APlayedModuleReportsARisingLocationOverRealTime) {
-    sound->shutdown();
-    sound->setDriver(0);
-    ASSERT_TRUE(sound->initiate(44100, 32));
-    sound->setGlobalVolume(0);
-    MusicPlayerMOD* player = new MusicPlayerMOD();
-    ASSERT_TRUE(player->load(module.c_str()));
-    ASSERT_TRUE(sound->addMusic(player));
-    ASSERT_TRUE(sound->setCurrentMusic(player));
-    player->initiate();
-    sound->update();
-    sound->setGlobalVolume(200);
-    auto waitPast = [player](float mark) {
-        float location = player->getCurrentLocation();
-        for (int i = 0; i < 500 && location <= mark; ++i, location = player->getCurrentLocation())
-            SDL_Delay(10);
-        return location;
-    };
-    float first = waitPast(0.0f);
-    EXPECT_GT(first, 0.0f);
-    EXPECT_GT(waitPast(first), first);
-    // Paused, the audio thread leaves the song alone.
-    ASSERT_TRUE(player->pause());
-    float held = player->getCurrentLocation();
-    SDL_Delay(200);
-    EXPECT_EQ(held, player->getCurrentLocation());
 }
