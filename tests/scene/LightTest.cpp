@@ -221,22 +221,3 @@ TEST_F(LightTest, RegistryInitiatesLightsAndReorientsOnlyThoseOn)
     EXPECT_EQ(Light::getUnitMask(), 2u);
     EXPECT_FALSE(glIsEnabled(GL_LIGHT0));
 }
-
-TEST_F(LightTest, RegistrySetsTheLightModelAndTheFlagDecidesTheLightingSwitch)
-{
-    lights->turnLightingOff();
-    lights->initiate();
-    GLint value = 0;
-    glGetIntegerv(GL_LIGHT_MODEL_TWO_SIDE, &value);
-    EXPECT_EQ(value, 1);
-    glGetIntegerv(GL_LIGHT_MODEL_COLOR_CONTROL, &value);
-    EXPECT_EQ(value, GL_SEPARATE_SPECULAR_COLOR);
-    EXPECT_TRUE(glIsEnabled(GL_LIGHTING));
-    lights->toggleLighting();
-    EXPECT_FALSE(glIsEnabled(GL_LIGHTING));
-    // A lighting switched on behind its back stays on: the flag already says off.
-    glEnable(GL_LIGHTING);
-    lights->turnLightingOff();
-    EXPECT_TRUE(glIsEnabled(GL_LIGHTING));
-    glDisable(GL_LIGHTING);
-}

@@ -192,11 +192,6 @@ TEST_F(MeshGL, UploadPointsEachArrayIntoTheInterleavedVertices)
     vertices.unload(7);
     EXPECT_FALSE(glIsEnabled(GL_VERTEX_ARRAY));
     EXPECT_FALSE(glIsEnabled(GL_TEXTURE_COORD_ARRAY));
-    // Unit-1 coordinates leave unit 0 selected.
-    ASSERT_TRUE(vertices.upload(VertexArray::TEXCOORDS_UNIT1));
-    glGetIntegerv(GL_CLIENT_ACTIVE_TEXTURE, &stride);
-    EXPECT_EQ(stride, GL_TEXTURE0);
-    vertices.unload(VertexArray::TEXCOORDS_UNIT1);
 }
 
 TEST(SphericalMapping, ElevationIsDividedByAFullTurnFromTheCentreOfTheLimits)

@@ -92,20 +92,6 @@ TEST(TrackEvaluate, RepeatWrapsAtTheLastFrame)
     EXPECT_NE(track.evaluate(150), B);
 }
 
-TEST(TrackSetup, InnerKeysAverageTheirChordsAndOpenEndsUseTheirOne)
-{
-    Lin3Track track;
-    Lin3Key* first = add(track, 0, Vector3(0, 0, 0));
-    Lin3Key* mid = add(track, 10, Vector3(10, 0, 0));
-    Lin3Key* last = add(track, 20, Vector3(10, 10, 0));
-    track.setup();
-    expectNear(mid->getDS(), Vector3(5, 5, 0));
-    expectNear(mid->getDD(), Vector3(5, 5, 0));
-    EXPECT_EQ(first->getDD(), Vector3(10, 0, 0));
-    EXPECT_EQ(last->getDS(), Vector3(0, 10, 0));
-    EXPECT_EQ(track.evaluate(10), Vector3(10, 0, 0));
-}
-
 TEST(TrackSetup, ClosedSeamUsesPenultimateToLastInterval)
 {
     const Vector3 P1(10, 0, 0);
