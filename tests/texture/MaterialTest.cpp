@@ -3,10 +3,8 @@
 
 #include "texture/MaterialMgr.h"
 #include "texture/MulTextureMaterial.h"
-#include "texture/TextureLoaderInternal.h"
 #include "texture/TextureMgr.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -41,41 +39,15 @@ void expectSameFields(const Material& a, const Material& b)
     EXPECT_EQ(0x1000abcdul, b.getFlags());
 }
 
-std::string bytesOf(std::initializer_list<int> values)
-{
-    std::string s;
-    for (int v : values)
-        s.push_back(static_cast<char>(v));
-    return s;
-}
-
-template <class T>
-std::string saved(T&& m)
-{
-    std::ostringstream out;
-    EXPECT_TRUE(m.save(out));
-    return out.str();
-}
-
-template <class T>
-bool loads(T& m, const std::string& bytes)
-{
-    std::istringstream in(bytes);
-    return m.load(in);
-}
-
 class Materials : public ::testing::Test {
 protected:
     void SetUp() override { mgr->shutdown(); }
     void TearDown() override { mgr->shutdown(); }
 
-    // A cached CTX1 texture the texture references can resolve to.
+    // A cached texture the texture references can resolve to.
     static Texture* cachedTexture(const char* name, int format)
     {
-        Texture t("src", 1, 1, 8, format, new unsigned char[4]{1, 2, 3, 4});
-        std::string path = scratchPath(name);
-        EXPECT_TRUE(TextureLoaderInternal().saveTexture(path.c_str(), &t));
-        return TextureMgr::getHandle()->loadTexture(path.c_str(), format);
+        return TextureMgr::getHandle()->loadTexture(ctxFile(name, format).c_str(), format);
     }
 
     MaterialMgr* mgr = MaterialMgr::getHandle();

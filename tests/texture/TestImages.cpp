@@ -1,11 +1,12 @@
 // Writers for the test images, through the same libraries the loaders read with.
 #include "TestImages.h"
 
+#include "texture/TextureLoaderInternal.h"
+
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <jpeglib.h>
 #include <png.h>
 #include <tiffio.h>
@@ -45,6 +46,22 @@ unsigned char* copyOf(const Bytes& bytes)
 Bytes pixelsOf(const Texture* t)
 {
     return Bytes(t->getDataPtr(), t->getDataPtr() + t->getDataSize());
+}
+
+std::string bytesOf(std::initializer_list<int> values)
+{
+    std::string s;
+    for (int v : values)
+        s.push_back(static_cast<char>(v));
+    return s;
+}
+
+std::string ctxFile(const char* name, int format)
+{
+    Texture t("src", 1, 1, 8, format, new unsigned char[4]{1, 2, 3, 4});
+    std::string path = scratchPath(name);
+    EXPECT_TRUE(TextureLoaderInternal().saveTexture(path.c_str(), &t));
+    return path;
 }
 
 Bytes patched(Bytes file, std::initializer_list<std::pair<size_t, int>> edits)

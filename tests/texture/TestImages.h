@@ -4,8 +4,11 @@
 #include "texture/Texture.h"
 #include "texture/TextureLoader.h"
 
+#include <gtest/gtest.h>
+
 #include <initializer_list>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -29,6 +32,24 @@ void expectEveryTruncationFails(TextureLoader& loader, const Bytes& whole, const
 // Without alpha in the file, a[3] and b[3] are what the alpha codes take and RGBA gets opaque.
 void expectEveryCode(TextureLoader& loader, const Bytes& file, const char* name, const Bytes& a, const Bytes& b,
                      bool hasAlpha = true, int tolerance = 0);
+
+// Chunk bytes as a string, and stream round trips of anything with load/save.
+std::string bytesOf(std::initializer_list<int> values);
+template <class T>
+std::string saved(T&& object)
+{
+    std::ostringstream out;
+    EXPECT_TRUE(object.save(out));
+    return out.str();
+}
+template <class T>
+bool loads(T& object, const std::string& bytes)
+{
+    std::istringstream in(bytes);
+    return object.load(in);
+}
+// A one-pixel CTX1 file (pixel bytes 1, 2, 3, 4 as the format needs); its path.
+std::string ctxFile(const char* name, int format);
 
 // samples: rows top first, as the colour type and bit depth pack them.
 struct PngShape {

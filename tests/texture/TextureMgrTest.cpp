@@ -1,11 +1,9 @@
 // The texture cache: sharing by exact name, loader registry, TMGR bytes and its kept 16/32-bit mismatch.
 #include "TestImages.h"
 
-#include "texture/TextureLoaderInternal.h"
 #include "texture/TextureMgr.h"
 
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace {
 
@@ -22,14 +20,6 @@ public:
     int loads = 0;
 };
 
-std::string bytesOf(std::initializer_list<int> values)
-{
-    std::string s;
-    for (int v : values)
-        s.push_back(static_cast<char>(v));
-    return s;
-}
-
 // Each test starts from an empty cache and the standard loaders.
 class Cache : public ::testing::Test {
 protected:
@@ -44,16 +34,6 @@ protected:
 
     static TextureMgr* mgr() { return TextureMgr::getHandle(); }
 
-    // A one-pixel CTX1 file, for the real loader path.
-    static std::string ctxFile(const char* name, int format = 5)
-    {
-        Texture t("src", 1, 1, 8, format, new unsigned char[4]{1, 2, 3, 4});
-        std::string path = scratchPath(name);
-        TextureLoaderInternal writer;
-        EXPECT_TRUE(writer.saveTexture(path.c_str(), &t));
-        return path;
-    }
-
     // A TMGR list of one entry with a 32-bit name length.
     static std::string list(const std::string& name, int format = 5)
     {
@@ -65,7 +45,7 @@ protected:
 
 TEST_F(Cache, SameNameGivesTheSameTextureWhateverTheFormatButCaseMatters)
 {
-    std::string path = ctxFile("shared.ctx");
+    std::string path = ctxFile("shared.ctx", 5);
     Texture* first = mgr()->loadTexture(path.c_str(), 5);
     ASSERT_NE(nullptr, first);
     EXPECT_EQ(first, mgr()->loadTexture(path.c_str(), 8));
@@ -82,35 +62,29 @@ TEST_F(Cache, SaveWritesSixteenBitNamesNewestFirstThatLoadCannotReadBack)
 {
     mgr()->addTexture(new Texture("a.ctx", 1, 1, 8, 5, new unsigned char[1]()));
     mgr()->addTexture(new Texture("bc.png", 1, 1, 8, 8, new unsigned char[4]()));
-    std::stringstream file;
-    EXPECT_TRUE(mgr()->save(file));
-    EXPECT_EQ("TMGR" + bytesOf({2, 0, 0, 0, 8, 0, 0, 0, 6, 0}) + "bc.png" + bytesOf({5, 0, 0, 0, 5, 0}) + "a.ctx",
-              file.str());
+    std::string file = saved(*mgr());
+    EXPECT_EQ("TMGR" + bytesOf({2, 0, 0, 0, 8, 0, 0, 0, 6, 0}) + "bc.png" + bytesOf({5, 0, 0, 0, 5, 0}) + "a.ctx", file);
     reset();
-    EXPECT_FALSE(mgr()->load(file));
+    EXPECT_FALSE(loads(*mgr(), file));
     EXPECT_EQ(0, mgr()->getTextureCount());
 }
 
 TEST_F(Cache, LoadReadsThirtyTwoBitNameLengthsAndSkipsCachedNames)
 {
     std::string path = ctxFile("listed.ctx", 7);
-    std::istringstream in(list(path, 7));
-    EXPECT_TRUE(mgr()->load(in));
+    EXPECT_TRUE(loads(*mgr(), list(path, 7)));
     Texture* t = mgr()->findTexture(path.c_str());
     ASSERT_NE(nullptr, t);
     EXPECT_EQ(7, t->getFormat());
-    std::istringstream again(list(path, 7));
-    EXPECT_TRUE(mgr()->load(again));
+    EXPECT_TRUE(loads(*mgr(), list(path, 7)));
     EXPECT_EQ(1, mgr()->getTextureCount());
 }
 
 TEST_F(Cache, BadListsFail)
 {
-    std::string good = list(ctxFile("bad-list.ctx"));
-    for (size_t length = 0; length < good.size(); ++length) {
-        std::istringstream in(good.substr(0, length));
-        EXPECT_FALSE(mgr()->load(in)) << "cut at " << length;
-    }
+    std::string good = list(ctxFile("bad-list.ctx", 5));
+    for (size_t length = 0; length < good.size(); ++length)
+        EXPECT_FALSE(loads(*mgr(), good.substr(0, length))) << "cut at " << length;
     EXPECT_EQ(0, mgr()->getTextureCount());
     const std::string bad[] = {
         "TMGX" + good.substr(4),
@@ -120,9 +94,7 @@ TEST_F(Cache, BadListsFail)
         list("nodot"),
         list("gone1.ctx"),
     };
-    for (const std::string& text : bad) {
-        std::istringstream in(text);
-        EXPECT_FALSE(mgr()->load(in)) << text.substr(0, 12);
-    }
+    for (const std::string& text : bad)
+        EXPECT_FALSE(loads(*mgr(), text)) << text.substr(0, 12);
     EXPECT_FALSE(mgr()->load(scratchPath("no-such-list.tmg").c_str()));
 }
