@@ -10,23 +10,8 @@
 
 namespace bytes {
 
-inline std::string le32(uint32_t v)
-{
-    const char b[4] = {char(v & 0xff), char((v >> 8) & 0xff), char((v >> 16) & 0xff), char(v >> 24)};
-    return std::string(b, 4);
-}
-
-inline std::string le16(uint16_t v)
-{
-    return std::string{static_cast<char>(v & 0xff), static_cast<char>(v >> 8)};
-}
-
-inline uint32_t bitsOf(float value)
-{
-    uint32_t bits;
-    std::memcpy(&bits, &value, 4);
-    return bits;
-}
+inline std::string le16(uint16_t v) { return std::string{char(v & 0xff), char(v >> 8)}; }
+inline std::string le32(uint32_t v) { return le16(uint16_t(v & 0xffff)) + le16(uint16_t(v >> 16)); }
 
 inline float fromBits(uint32_t bits)
 {
@@ -37,7 +22,9 @@ inline float fromBits(uint32_t bits)
 
 inline std::string f32(float f)
 {
-    return le32(bitsOf(f));
+    uint32_t bits;
+    std::memcpy(&bits, &f, 4);
+    return le32(bits);
 }
 
 template <class T>

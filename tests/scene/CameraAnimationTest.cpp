@@ -1,15 +1,12 @@
-// Camera paths: key editing, playback, the CANI chunk and its bad inputs, the path display state.
+// Camera paths: key editing, playback, the CANI chunk and its bad inputs.
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
-#include "scene/LightMgr.h"
 #include "scene/Lin3Key.h"
 #include "scene/Lin3Track.h"
 
 #include "ByteImage.h"
-#include "support/GLContext.h"
 
-#include <GL/gl.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -136,37 +133,6 @@ TEST_F(CameraAnimationTest, TruncatedWrongOrAbsurdInputFails)
     std::ostringstream out;
     EXPECT_FALSE(empty.save(out));
     EXPECT_FALSE(empty.load("/nonexistent/dir/none.cam"));
-}
-
-class CameraAnimationDrawTest : public GLTest {};
-
-TEST_F(CameraAnimationDrawTest, DrawsTranslucentPathsAndRestoresState)
-{
-    CameraAnimation anim;
-    // A horizontal line through the middle of the window, identity matrices.
-    anim.addCameraPos(0, Vector3(-1.0f, 0.0f, 0.0f));
-    anim.addCameraPos(10, Vector3(1.0f, 0.0f, 0.0f));
-    anim.addTargetPos(0, Vector3(0.0f, -2.0f, 0.0f));
-    anim.getPositionTrack()->setFlags(0);
-    anim.setup();
-    LightMgr::getHandle()->turnLightingOn();
-    glDisable(GL_DEPTH_TEST);
-    anim.draw();
-
-    unsigned char px[4];
-    GLContext::readPixel(GLContext::width() / 2, GLContext::height() / 2, px);
-    EXPECT_NEAR(px[0], 128, 3);  // red at half alpha over black
-    EXPECT_EQ(px[1], 0);
-    EXPECT_TRUE(glIsEnabled(GL_LIGHTING));
-    EXPECT_FALSE(glIsEnabled(GL_BLEND));
-    GLint depthFunc = 0;
-    glGetIntegerv(GL_DEPTH_FUNC, &depthFunc);
-    EXPECT_EQ(depthFunc, GL_LESS);
-    GLfloat width = 0.0f;
-    glGetFloatv(GL_LINE_WIDTH, &width);
-    EXPECT_EQ(width, 1.0f);
-    LightMgr::getHandle()->turnLightingOff();
-    glDisable(GL_COLOR_MATERIAL);
 }
 
 }  // namespace

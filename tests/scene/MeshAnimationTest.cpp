@@ -6,9 +6,7 @@
 #include "scene/MeshAnimation.h"
 
 #include "ByteImage.h"
-#include "support/GLContext.h"
 
-#include <GL/gl.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -144,26 +142,6 @@ TEST(MeshAnimationTest, TruncatedOrWrongInputFailsAndLeavesNoTrack)
     std::ostringstream out;
     EXPECT_FALSE(empty.save(out));
     EXPECT_FALSE(empty.load("/nonexistent/none.cam"));
-}
-
-class MeshAnimationGLTest : public GLTest {};
-
-TEST_F(MeshAnimationGLTest, SetMatrixMultipliesThePlacementOntoTheCurrentMatrix)
-{
-    MeshAnimation anim;
-    straightPath(anim, Vector3(1, 2, 3), Vector3(0, -1, 0));
-    anim.setFrame(20);
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    glTranslatef(10.0f, 0.0f, 0.0f);
-    anim.setMatrix();
-    float gl[16];
-    glGetFloatv(GL_MODELVIEW_MATRIX, gl);
-    Matrix4 m = anim.placement();
-    for (int r = 0; r < 3; ++r)
-        for (int c = 0; c < 4; ++c)
-            EXPECT_NEAR(gl[4 * c + r], m[4 * r + c] + (r == 0 && c == 3 ? 10.0f : 0.0f), 1e-4f) << r << "," << c;
-    glLoadIdentity();
 }
 
 }  // namespace

@@ -175,25 +175,6 @@ TEST_F(MeshGL, TextureCallTakesThreeComponentsFromU)
     delete mesh;
 }
 
-TEST_F(MeshGL, UploadPointsEachArrayIntoTheInterleavedVertices)
-{
-    VertexArray vertices;
-    vertices.create(2);
-    vertices.addVertex(Vector3(1, 2, 3));
-    vertices.addVertex(Vector3(4, 5, 6));
-    EXPECT_FALSE(vertices.upload(0));
-    ASSERT_TRUE(vertices.upload(7));
-    GLint stride = 0;
-    glGetIntegerv(GL_VERTEX_ARRAY_STRIDE, &stride);
-    EXPECT_EQ(stride, 32);
-    void* pointer = nullptr;
-    glGetPointerv(GL_TEXTURE_COORD_ARRAY_POINTER, &pointer);
-    EXPECT_EQ(pointer, static_cast<void*>(&vertices[0].uv));
-    vertices.unload(7);
-    EXPECT_FALSE(glIsEnabled(GL_VERTEX_ARRAY));
-    EXPECT_FALSE(glIsEnabled(GL_TEXTURE_COORD_ARRAY));
-}
-
 TEST(SphericalMapping, ElevationIsDividedByAFullTurnFromTheCentreOfTheLimits)
 {
     // Centred on (1, 5, 5), so a mapping measured from the origin would go wrong.

@@ -102,24 +102,6 @@ TEST(OctreeFileTest, SaveLoadSaveIsBitIdentical)
     EXPECT_EQ(again.tellg(), 0);
 }
 
-TEST(OctreeFileTest, NodeFlagsSayWhatFollowsAndThePvsBitAddsNoBytes)
-{
-    Scenery scenery;
-    const std::string bytes = saved(scenery.tree);
-    const size_t root = bytes.find("OCTN");
-    ASSERT_NE(root, std::string::npos);
-    // Root: children and faces; the count and index follow the 41-byte box.
-    EXPECT_EQ(bytes.substr(root + 4, 2), le16(3));
-    EXPECT_EQ(bytes.substr(root + 6 + 41, 8), le32(1) + le32(3));
-    const size_t child0 = root + 6 + 41 + 8, child1 = child0 + 6 + 41 + 12;
-    EXPECT_EQ(bytes.substr(child0, 6), "OCTN" + le16(2));
-    EXPECT_EQ(bytes.substr(child1, 6), "OCTN" + le16(0));
-    scenery.tree.getRoot()->getChild(1)->getPVS().add();
-    const std::string withPvs = saved(scenery.tree);
-    EXPECT_EQ(withPvs.size(), bytes.size());
-    EXPECT_EQ(withPvs.substr(child1, 6), "OCTN" + le16(4));
-}
-
 TEST(OctreeFileTest, DamagedFilesFailAndLeaveTheOctreeEmpty)
 {
     const std::string arrays = "VARR" + le32(0) + "FARR" + le32(0);

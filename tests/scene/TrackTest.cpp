@@ -1,8 +1,15 @@
-// Tracks: sorted insertion, tangent set-up (open and closed), evaluation and time wrapping.
+// Key-frame tracks: TCB weights and records, sorted insertion, tangent set-up, evaluation, wrapping and LIN3.
 #include "scene/Lin3Track.h"
+#include "scene/TCB.h"
+
+#include "ByteImage.h"
 
 #include <gtest/gtest.h>
+#include <climits>
 #include <cmath>
+#include <string>
+
+using namespace bytes;
 
 namespace {
 
@@ -15,15 +22,102 @@ Lin3Key* add(Track& track, int frame, const Vector3& value)
 
 void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-5f)
 {
-    EXPECT_NEAR(a.x, b.x, tolerance);
-    EXPECT_NEAR(a.y, b.y, tolerance);
-    EXPECT_NEAR(a.z, b.z, tolerance);
+    EXPECT_LT((a - b).length(), tolerance) << a << " is not " << b;
 }
 
 const Vector3 A(1, 2, 3);
 const Vector3 B(11, -4, 7);
 
+TCB keyAt(int frame)
+{
+    TCB t;
+    t.setFrame(frame);
+    return t;
+}
+
+struct Weights {
+    float ksm, ksp, kdm, kdp;
+};
+
+Weights weights(TCB* prev, TCB* prevAlt, TCB& cur, TCB* next)
+{
+    Weights w{};
+    TCB::tcb(prev, prevAlt, &cur, nullptr, next, w.ksm, w.ksp, w.kdm, w.kdp);
+    return w;
+}
+
+std::string header(uint16_t flags, uint32_t count)
+{
+    return "LIN3" + le16(flags) + le32(count);
+}
+
+std::string keyRecord(int frame, float x)
+{
+    Lin3Key key(static_cast<float>(frame), Vector3(x, 0, 0));
+    return saved(key);
+}
+
+// A track with awkward bit patterns in its float fields.
+void fill(Lin3Track& track)
+{
+    track.setFlags(0x8003);
+    Lin3Key* a = new Lin3Key(-7, Vector3(-0.0f, 1e-40f, 0.1f));
+    a->setContinuity(-1.0f / 3.0f);
+    a->setBias(fromBits(1u));
+    track.insertKey(a);
+    track.insertKey(new Lin3Key(100, Vector3(3.4028235e38f, -1.17549435e-38f, 12345.678f)));
+    track.insertKey(new Lin3Key(100, Vector3(1, 2, 3)));
+}
+
 }  // namespace
+
+TEST(TcbWeights, UnevenSpacingWithAllThreeParametersOfTheCurrentKeyOnly)
+{
+    TCB prev = keyAt(0), cur = keyAt(10), next = keyAt(30);
+    cur.setTension(0.5f);
+    cur.setContinuity(-0.5f);
+    cur.setBias(0.25f);
+    // The neighbours' parameters must not count.
+    prev.setTension(0.9f);
+    next.setBias(-0.7f);
+    // Worked by hand: fp = 5/6, fn = 7/6 after the continuity adjustment.
+    Weights w = weights(&prev, nullptr, cur, &next);
+    EXPECT_NEAR(w.ksm, 75.0f / 192.0f, 1e-6f);
+    EXPECT_NEAR(w.ksp, 15.0f / 192.0f, 1e-6f);
+    EXPECT_NEAR(w.kdm, 35.0f / 192.0f, 1e-6f);
+    EXPECT_NEAR(w.kdp, 63.0f / 192.0f, 1e-6f);
+}
+
+TEST(TcbWeights, AlternatesMeasureAcrossTheSeam)
+{
+    TCB penultimate = keyAt(20), last = keyAt(40), first = keyAt(0), second = keyAt(10);
+    // Intervals 20 (penultimate to last) and 10 (first to second): dt = 15.
+    Weights w = weights(&penultimate, &last, first, &second);
+    EXPECT_NEAR(w.ksm, 2.0f / 3.0f, 1e-6f);
+    EXPECT_NEAR(w.ksp, 2.0f / 3.0f, 1e-6f);
+    EXPECT_NEAR(w.kdm, 1.0f / 3.0f, 1e-6f);
+    EXPECT_NEAR(w.kdp, 1.0f / 3.0f, 1e-6f);
+}
+
+TEST(TcbWeights, DegenerateFramesStayFinite)
+{
+    TCB a = keyAt(5), b = keyAt(5), c = keyAt(5);
+    Weights w = weights(&a, nullptr, b, &c);
+    EXPECT_TRUE(std::isfinite(w.ksm) && std::isfinite(w.kdp));
+    TCB low = keyAt(INT_MIN), mid = keyAt(0), high = keyAt(INT_MAX);
+    w = weights(&low, nullptr, mid, &high);
+    EXPECT_TRUE(std::isfinite(w.ksm) && std::isfinite(w.kdp));
+}
+
+TEST(Lin3KeyFrame, CeilingOfTheTimeClampedToTheIntRange)
+{
+    const struct {
+        float time;
+        int frame;
+    } cases[] = {{2.1f, 3}, {-2.5f, -2}, {4.0f, 4}, {-0.5f, 0}, {1e20f, INT_MAX}, {-1e20f, INT_MIN}, {NAN, 0}};
+    for (const auto& c : cases)
+        EXPECT_EQ(Lin3Key(c.time, Vector3()).getFrame(), c.frame) << c.time;
+}
 
 TEST(TrackKeys, InsertKeepsFrameOrderAndPutsAnEqualFrameAfterTheOldKey)
 {
@@ -123,4 +217,77 @@ TEST(TrackSetup, ClosedTwoKeyTrackStaysFinite)
     EXPECT_EQ(first->getDD(), (B - A) * 0.5f);
     EXPECT_TRUE(std::isfinite(track.evaluate(15).x));
     EXPECT_TRUE(std::isfinite(last->getDS().x));
+}
+
+TEST(Lin3Chunk, LayoutIsHeaderThenKeyRecordsAndRoundTripsBitForBit)
+{
+    Lin3Track track;
+    fill(track);
+    const std::string first = saved(track);
+    ASSERT_EQ(first.size(), 10u + 3u * Lin3Key::RECORD_SIZE);
+    // A key is a TCB0 record (frame, flags, five floats) followed by its value.
+    EXPECT_EQ(first.substr(0, 18), header(0x8003, 3) + "TCB0" + le32(uint32_t(-7)));
+    EXPECT_EQ(first.substr(28, 4), f32(fromBits(1u)));  // bias: tension and continuity come first
+    EXPECT_EQ(first.substr(40, 4), f32(-0.0f));
+    EXPECT_EQ(first.substr(10 + Lin3Key::RECORD_SIZE, 4), "TCB0");
+    std::istringstream in(first);
+    Lin3Track back;
+    ASSERT_TRUE(back.load(in));
+    EXPECT_EQ(back.getNumKeys(), 3);
+    EXPECT_EQ(saved(back), first);
+    float z = static_cast<const Lin3Key*>(back.getFirstKey())->getPosition().x;
+    EXPECT_TRUE(std::signbit(z) && z == 0.0f);
+}
+
+TEST(Lin3Chunk, LoadSortsKeysKeepsFileOrderForEqualFramesAndReplacesOldKeys)
+{
+    Lin3Track track;
+    fill(track);
+    std::istringstream in(header(0, 3) + keyRecord(20, 1) + keyRecord(5, 2) + keyRecord(20, 3));
+    ASSERT_TRUE(track.load(in));
+    EXPECT_EQ(track.getNumKeys(), 3);
+    const Key* k = track.getFirstKey();
+    EXPECT_EQ(k->getFrame(), 5);
+    k = k->getNextKey();
+    EXPECT_EQ(static_cast<const Lin3Key*>(k)->getPosition().x, 1.0f);
+    k = k->getNextKey();
+    EXPECT_EQ(static_cast<const Lin3Key*>(k)->getPosition().x, 3.0f);
+    EXPECT_EQ(k->getNextKey(), nullptr);
+}
+
+TEST(Lin3Chunk, ZeroOrNegativeCountLoadsNothing)
+{
+    for (uint32_t count : {0u, 0xffffffffu, 0x80000000u}) {
+        std::istringstream in(header(2, count) + "trailing");
+        Lin3Track track;
+        EXPECT_TRUE(track.load(in)) << count;
+        EXPECT_EQ(track.getNumKeys(), 0);
+        EXPECT_EQ(track.getFirstKey(), nullptr);
+        EXPECT_EQ(track.getFlags(), 2);
+    }
+}
+
+TEST(Lin3Chunk, TruncatedAnywhereFailsWithTheCountMatchingTheList)
+{
+    Lin3Track track;
+    fill(track);
+    expectEveryPrefixFails<Lin3Track>(saved(track), [](Lin3Track& partial) {
+        int listed = 0;
+        for (const Key* k = partial.getFirstKey(); k; k = k->getNextKey())
+            ++listed;
+        EXPECT_EQ(partial.getNumKeys(), listed);
+    });
+}
+
+TEST(Lin3Chunk, AbsurdCountOrWrongTagsFail)
+{
+    Lin3Track track;
+    std::istringstream absurd(header(0, 0x7fffffff) + keyRecord(1, 1));
+    EXPECT_FALSE(track.load(absurd));
+    EXPECT_EQ(track.getFirstKey(), nullptr);
+    std::istringstream wrongTrack("LIN2" + header(0, 0).substr(4));
+    EXPECT_FALSE(track.load(wrongTrack));
+    std::istringstream wrongKey(header(0, 2) + keyRecord(0, 0) + "TCB1" + keyRecord(1, 1).substr(4));
+    EXPECT_FALSE(track.load(wrongKey));
+    EXPECT_EQ(track.getNumKeys(), 1);
 }
