@@ -1,4 +1,4 @@
-// Bezier patch meshes: the BMSH round trip and its bad input, the surface and its normals, the grid, moving, culling.
+// Bezier patch meshes: the BMSH round trip and its bad input, normals, the grid and culling.
 #include "scene/BezierMesh.h"
 
 #include "scene/Camera.h"
@@ -65,15 +65,6 @@ TEST(BezierMeshChunk, RefusesWrongTagTruncationAbsurdCountsAndMissingFiles)
     EXPECT_FALSE(BezierMesh().load("no/such/mountain.bez"));
 }
 
-TEST(BezierMeshSurface, CornersAreTheCornerControlPoints)
-{
-    const BezierMesh::Patch patch = hill(3.0f);
-    EXPECT_EQ(BezierMesh::evaluate(patch, 1.0f, 0.0f), patch.points[3]);
-    EXPECT_EQ(BezierMesh::evaluate(patch, 0.0f, 1.0f), patch.points[12]);
-    // At the middle the four inner points weigh (3/8 + 3/8)^2 = 9/16.
-    EXPECT_NEAR(BezierMesh::evaluate(patch, 0.5f, 0.5f).y, 3.0f * 0.5625f, 1e-5f);
-}
-
 TEST(BezierMeshSurface, NormalsFaceUpOnAnUpFacingPatchEvenAtACollapsedEdge)
 {
     EXPECT_NEAR(BezierMesh::normalAt(hill(0.0f), 0.3f, 0.7f).y, 1.0f, 1e-6f);
@@ -95,23 +86,6 @@ TEST(BezierMeshGrid, GridSizeSetsThePointsPerPatchAndNeverDropsBelowOne)
     EXPECT_EQ(mesh.getSurface(0).positions.size(), 11u * 6u);
     mesh.setGridSize(0, -3);
     EXPECT_EQ(mesh.getSurface(0).positions.size(), 4u);
-}
-
-TEST(BezierMeshGrid, MoveMeshShiftsPointsAndLimitsButNotTheTexture)
-{
-    BezierMesh mesh;
-    mesh.addPatch(hill(1.0f));
-    mesh.setGridSize(4, 4);
-    const Vector3 before = mesh.getSurface(0).positions[7];
-    const Vector2 uvBefore = mesh.getSurface(0).uvs[7];
-    mesh.moveMesh(Vector3(10.0f, -0.15f, 10.0f));
-    mesh.moveMesh(Vector3(1.0f, 0.0f, 0.0f));
-    EXPECT_FLOAT_EQ(mesh.getSurface(0).positions[7].x, before.x + 11.0f);
-    EXPECT_FLOAT_EQ(mesh.getLimits().getMin().x, 11.0f);
-    EXPECT_FLOAT_EQ(mesh.getSurface(0).uvs[7].x, uvBefore.x);
-    // A later grid change keeps the move.
-    mesh.setGridSize(2, 2);
-    EXPECT_FLOAT_EQ(mesh.getSurface(0).positions[0].x, 11.0f);
 }
 
 class BezierMeshDrawTest : public GLTest {};

@@ -1,4 +1,4 @@
-// The view frustum taken from the GL matrices: the point, sphere, line and box tests.
+// The view frustum taken from the GL matrices: the point, sphere and box tests.
 #include "scene/BoundingBox.h"
 #include "scene/Camera.h"
 #include "scene/Frustum.h"
@@ -72,12 +72,4 @@ TEST_F(FrustumGL, Boxes)
     EXPECT_EQ(frustum().getBoxLocation(BoundingBox(Vector3(-1, -1, 2), Vector3(1, 1, 3))), Frustum::OUTSIDE);
     // A box enclosing the whole frustum has corners behind every plane, yet it is inside.
     EXPECT_TRUE(frustum().isBoxInside(BoundingBox(Vector3(-500, -500, -500), Vector3(500, 500, 500))));
-}
-
-TEST_F(FrustumGL, Lines)
-{
-    EXPECT_EQ(frustum().getLineLocation(Vector3(0, 0, -5), Vector3(0, 0, -50)), Frustum::INSIDE);
-    EXPECT_TRUE(frustum().isLineInside(Vector3(-30, 0, -10), Vector3(30, 0, -10)));
-    EXPECT_EQ(frustum().getLineLocation(Vector3(-30, 0, -10), Vector3(30, 0, -10)), Frustum::INTERSECTING);
-    EXPECT_FALSE(frustum().isLineInside(Vector3(20, 0, -10), Vector3(30, 0, -10)));
 }

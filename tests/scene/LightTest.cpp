@@ -16,18 +16,6 @@ using namespace bytes;
 
 namespace {
 
-// Records the reorients the registry makes.
-class CountingLight : public DirectionalLight {
-public:
-    explicit CountingLight(const char* name) : DirectionalLight(name) {}
-    void reorient(const Camera& camera) override
-    {
-        ++reorients;
-        DirectionalLight::reorient(camera);
-    }
-    int reorients = 0;
-};
-
 class LightTest : public GLTest {
 protected:
     void SetUp() override
@@ -46,19 +34,6 @@ protected:
 };
 
 } // namespace
-
-TEST(LightChunk, ByteImagesOfBothKinds)
-{
-    DirectionalLight sun("Sun");
-    EXPECT_EQ(saved(sun), std::string("DLIT") + le16(3) + "Sun" + std::string(1, '\0') + f32(0) + f32(0) + f32(0)
-                              + f32(0.2f) + f32(0.2f) + f32(0.2f) + f32(1) + f32(0.8f) + f32(0.8f) + f32(0.8f) + f32(1)
-                              + f32(1) + f32(1) + f32(1) + f32(1) + f32(0) + f32(0) + f32(1));
-    SpotLight spot("L");
-    const std::string image = saved(spot);
-    ASSERT_EQ(image.size(), 4u + 3u + 73u + 20u);
-    EXPECT_EQ(image.substr(0, 4), "SLIT");
-    EXPECT_EQ(image.substr(80), f32(0) + f32(0) + f32(-1) + f32(0) + f32(180));
-}
 
 TEST(LightChunk, RoundTripKeepsEveryBitAndTheOnByte)
 {
@@ -202,22 +177,4 @@ TEST_F(LightTest, UploadSendsZeroAttenuationAndReorientFollowsTheModelView)
     glGetLightfv(unit, GL_POSITION, value);
     EXPECT_FLOAT_EQ(value[2], -2.0f);
     EXPECT_EQ(value[3], 1.0f);
-}
-
-TEST_F(LightTest, RegistryInitiatesLightsAndReorientsOnlyThoseOn)
-{
-    CountingLight* on = new CountingLight("on");
-    CountingLight* off = new CountingLight("off");
-    lights->add(on);
-    lights->add(off);
-    EXPECT_EQ(off->getUnit(), GL_LIGHT1);
-    on->turnOn();
-    on->turnOn();
-    EXPECT_TRUE(glIsEnabled(GL_LIGHT0));
-    lights->reorient(Camera());
-    EXPECT_EQ(on->reorients, 1);
-    EXPECT_EQ(off->reorients, 0);
-    EXPECT_TRUE(lights->remove("on"));
-    EXPECT_EQ(Light::getUnitMask(), 2u);
-    EXPECT_FALSE(glIsEnabled(GL_LIGHT0));
 }

@@ -1,4 +1,4 @@
-// Octree and nodes: octants, the OCTN/OCTT records, damaged files, traversal, leaf drawing.
+// Octree and nodes: octants, the OCTT file, damaged files, the empty PVS, leaf drawing.
 #include "scene/Camera.h"
 #include "scene/FaceArray.h"
 #include "scene/Octree.h"
@@ -14,7 +14,6 @@
 
 #include <sstream>
 #include <string>
-#include <vector>
 
 using namespace bytes;
 
@@ -135,40 +134,7 @@ TEST(OctreeFileTest, DamagedFilesFailAndLeaveTheOctreeEmpty)
     EXPECT_FALSE(Octree().load("/nonexistent/dir/x.oct"));
 }
 
-std::vector<const OctreeNode*> visited;
-OctreeParseCode answer = OCTREE_PARSE_CHILDREN;
-
-OctreeParseCode record(OctreeNode* node)
-{
-    visited.push_back(node);
-    return answer;
-}
-
-TEST(OctreeParseTest, DescendsInTheOrderTheCallbackAsks)
-{
-    Scenery scenery;
-    OctreeNode* root = scenery.tree.getRoot();
-    const struct {
-        OctreeParseCode code;
-        size_t count;
-        const OctreeNode* second;
-    } cases[] = {
-        {OCTREE_PARSE_CHILDREN, 9, root->getChild(0)},
-        {OCTREE_PARSE_CHILDREN_REVERSED, 9, root->getChild(7)},
-        {static_cast<OctreeParseCode>(17), 1, nullptr},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.code);
-        visited.clear();
-        answer = c.code;
-        scenery.tree.parse(record);
-        ASSERT_EQ(visited.size(), c.count);
-        EXPECT_EQ(visited[0], root);
-        EXPECT_EQ(c.count > 1 ? visited[1] : nullptr, c.second);
-    }
-}
-
-TEST(OctreeParseTest, EveryNodeOfALoadedTreeSeesEverything)
+TEST(OctreePvsTest, EveryNodeOfALoadedTreeSeesEverythingAfterTheBuilders)
 {
     Scenery scenery;
     Octree tree;
@@ -177,11 +143,9 @@ TEST(OctreeParseTest, EveryNodeOfALoadedTreeSeesEverything)
     tree.buildPVS(tree.getRoot());
     tree.setupDummyPVS(tree.getRoot());
     EXPECT_TRUE(tree.buildLeafPVS(tree.getRoot()->getChild(0), tree.getRoot()));
-    visited.clear();
-    answer = OCTREE_PARSE_CHILDREN;
-    tree.parse(record);
-    for (const OctreeNode* node : visited)
-        EXPECT_TRUE(node->PvsCanSee(Vector3(123, 456, 789)));
+    EXPECT_TRUE(tree.getRoot()->PvsCanSee(Vector3(123, 456, 789)));
+    for (int i = 0; i < 8; ++i)
+        EXPECT_TRUE(tree.getRoot()->getChild(i)->PvsCanSee(Vector3(123, 456, 789))) << i;
 }
 
 class OctreeRenderTest : public GLTest {

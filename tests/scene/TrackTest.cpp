@@ -135,15 +135,6 @@ TEST(TrackKeys, InsertKeepsFrameOrderAndPutsAnEqualFrameAfterTheOldKey)
     EXPECT_EQ(track.findKey(10), old);
 }
 
-TEST(TrackKeys, NullIgnoredAndLoadingDoesNotCount)
-{
-    Track track;
-    track.insertKey(nullptr);
-    track.insertKey(new Lin3Key(3, A), true);
-    EXPECT_EQ(track.getNumKeys(), 0);
-    EXPECT_NE(track.findKey(3), nullptr);
-}
-
 TEST(TrackEvaluate, EmptySingleKeyAndTwoKeysMeetingAtTheHermiteMidpoint)
 {
     Lin3Track track;
