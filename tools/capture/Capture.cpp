@@ -2,6 +2,8 @@
 #include "Capture.h"
 
 #include "Frame.h"
+#include "MemoryProbe.h"
+#include "MemoryReport.h"
 #include "PngWriter.h"
 #include "SoundtrackRenderer.h"
 #include "VideoEncoder.h"
@@ -18,7 +20,9 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <link.h>
 #include <iostream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -72,6 +76,19 @@ bool writableFile(const std::string& file, std::string& error)
     if (!existed)
         unlink(file.c_str());
     return true;
+}
+
+// Keeps every library loaded so far mapped until the process ends. SDL_Quit lets the GL driver unload its
+// modules; a leak checker running at exit could then no longer name what they left behind.
+void pinLoadedLibraries()
+{
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, size_t, void*) {
+            if (info->dlpi_name && info->dlpi_name[0] == '/')
+                dlopen(info->dlpi_name, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+            return 0;
+        },
+        nullptr);
 }
 
 }
@@ -148,6 +165,7 @@ bool Capture::run(int, char**)
         return false;
     if (!setupGL())
         return fail("cannot open a GL window");
+    pinLoadedLibraries();
     bool ok = work();
     onQuit();
     shutdownGL();
@@ -280,7 +298,9 @@ bool Capture::renderRange()
 
     Frame frame;
     std::string why;
-    const char* label = timing ? "bench" : !options.videoFile.empty() ? "video" : "frames";
+    const char* label = timing ? "bench" : !options.videoFile.empty() ? "video" : readBack ? "frames" : "memory";
+    const bool sampling = options.memoryEvery > 0.0;
+    MemoryReport memory(options.memoryEvery, schedule.getLastStart());
     progress.start(label, static_cast<size_t>(std::llround(from * options.fps)) + count);
     for (size_t k = 0; ok && k < count; ++k) {
         const double target = from + static_cast<double>(k) / options.fps;
@@ -304,8 +324,12 @@ bool Capture::renderRange()
             glFinish();
             report.addFrame(target, millisecondsSince(started));
         }
+        if (sampling)
+            memory.addFrame(target, MemoryProbe::residentKilobytes(), k + 1 == count, std::cout);
     }
     progress.finish();
+    if (ok && sampling)
+        memory.printSummary(std::cout);
     if (encoder.isRunning()) {
         bool encoded = encoder.finish(why);
         if (ok && !encoded)

@@ -88,7 +88,7 @@ bool isFlagOption(const std::string& name)
 
 bool isValueOption(const std::string& name)
 {
-    for (const char* known : {"--size", "--fps", "--from", "--to", "--frames", "--shot", "--shot-dir", "--video"}) {
+    for (const char* known : {"--size", "--fps", "--from", "--to", "--frames", "--shot", "--shot-dir", "--video", "--memory"}) {
         if (name == known)
             return true;
     }
@@ -99,7 +99,7 @@ bool isValueOption(const std::string& name)
 
 CaptureOptions::CaptureOptions()
     : help(false), hasSize(false), width(0), height(0), fps(30), from(0.0), hasTo(false), to(0.0),
-      shotDir("."), bench(false), list(false)
+      shotDir("."), bench(false), memoryEvery(0.0), list(false)
 {
 }
 
@@ -115,6 +115,7 @@ const char* CaptureOptions::usage()
            "  --shot-dir DIR    where the stills go (default: the working directory)\n"
            "  --video FILE      encode the frames and the soundtrack with ffmpeg\n"
            "  --bench           write nothing; print frame times per schedule entry\n"
+           "  --memory S        draw every frame, write nothing; print resident memory every S scene seconds\n"
            "  --list            print the schedule and stop\n"
            "  --help            print this text\n";
 }
@@ -173,6 +174,13 @@ bool CaptureOptions::parseOne(const std::string& name, const char* value, std::s
     } else if (name == "--to") {
         hasTo = readTime(name, value, to, error);
         return hasTo;
+    } else if (name == "--memory") {
+        if (!readTime(name, value, memoryEvery, error))
+            return false;
+        if (memoryEvery <= 0.0) {
+            error = "--memory expects seconds above 0, not '" + std::string(value) + "'";
+            return false;
+        }
     } else if (name == "--shot") {
         return readShots(value, shots, error);
     } else if (name == "--frames" || name == "--video" || name == "--shot-dir") {
@@ -194,6 +202,10 @@ bool CaptureOptions::checkCombination(std::string& error) const
     }
     if (bench && (!framesDir.empty() || !videoFile.empty() || !shots.empty())) {
         error = "--bench writes no files: leave out --frames, --video and --shot";
+        return false;
+    }
+    if (memoryEvery > 0.0 && !shots.empty()) {
+        error = "--memory samples every frame of a range: leave out --shot";
         return false;
     }
     // Stills jump between their times without drawing the frames in between.

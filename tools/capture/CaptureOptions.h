@@ -15,7 +15,7 @@ public:
     // True when some option asks for output or figures; --help alone asks for neither.
     bool hasWork() const;
     // True when frames are drawn for every step between --from and --to.
-    bool rendersRange() const { return !framesDir.empty() || !videoFile.empty() || bench; }
+    bool rendersRange() const { return !framesDir.empty() || !videoFile.empty() || bench || memoryEvery > 0.0; }
 
     static const char* usage();
 
@@ -37,6 +37,8 @@ public:
     std::string shotDir;
     std::string videoFile;
     bool bench;
+    // Seconds of scene time between resident-memory lines; 0 for none.
+    double memoryEvery;
     bool list;
 
 private:

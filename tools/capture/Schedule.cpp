@@ -45,6 +45,14 @@ double Schedule::getEnd() const
     return end;
 }
 
+double Schedule::getLastStart() const
+{
+    double start = 0.0;
+    for (const ScheduleEntry& entry : entries)
+        start = std::max(start, static_cast<double>(entry.start));
+    return start;
+}
+
 void Schedule::print(std::ostream& out) const
 {
     char line[160];

@@ -25,6 +25,8 @@ public:
     bool isEmpty() const { return entries.empty(); }
     // The latest end of any entry; 0 for an empty schedule.
     double getEnd() const;
+    // The latest start of any entry, when the last scene begins; 0 for an empty schedule.
+    double getLastStart() const;
 
     // One line per entry: number, start, end, layer, class.
     void print(std::ostream& out) const;
