@@ -7,7 +7,7 @@ XVFB     := xvfb-run -a -s "-screen 0 1280x1024x24"
 # Mesa and SDL keep a few allocations until exit; leaks are checked separately.
 SAN_ENV  := ASAN_OPTIONS=detect_leaks=0:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 
-.PHONY: all setup build run test test-plain test-asan bench clean fuzz fuzz-build fuzz-smoke
+.PHONY: all setup build run test test-plain asan-build test-asan schedule-asan bench soak clean fuzz fuzz-build fuzz-smoke
 
 all: build
 
@@ -23,21 +23,35 @@ build: setup $(BUILD)/CMakeCache.txt
 run: build
 	cd $(BUILD) && ./velmora
 
-test: setup test-plain test-asan fuzz-smoke
+test: setup test-plain test-asan schedule-asan fuzz-smoke
 
 test-plain: build
 	cd $(BUILD) && $(XVFB) ctest --output-on-failure -j $(JOBS)
 
-test-asan: setup
+asan-build: setup
 	cmake -S . -B $(ASAN) -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON
 	cmake --build $(ASAN) -j $(JOBS)
+
+test-asan: asan-build
 	cd $(ASAN) && $(SAN_ENV) $(XVFB) ctest --output-on-failure -j $(JOBS)
+
+# The whole schedule through velmora-capture under ASan, UBSan and LSan, on the forged data tree and on a
+# damaged copy of it; leaks are checked here, against tests/schedule/lsan.supp.
+schedule-asan: asan-build
+	$(XVFB) bash tests/schedule/run-schedule.sh $(ASAN)
 
 # Frame times per scene at two sizes under Xvfb; the figures name the renderer they ran on.
 BENCH_FPS ?= 10
 bench: build
 	cd $(BUILD) && for size in 640x480 1280x720; do \
 	  $(XVFB) ./velmora-capture --bench --fps $(BENCH_FPS) --size $$size || exit 1; echo; done
+
+# Half an hour of scene time, the schedule and then the black tail, with resident memory printed along
+# the way and a growth figure from the start of the last scene on.
+SOAK_FPS ?= 5
+SOAK_SECONDS ?= 1800
+soak: build
+	cd $(BUILD) && $(XVFB) ./velmora-capture --memory 120 --size 320x240 --fps $(SOAK_FPS) --to $(SOAK_SECONDS)
 
 # libFuzzer targets, one per file reader, in a clang build of their own:
 # `make fuzz FUZZ_SECONDS=600` runs each that long; the test run gives each a few seconds.

@@ -1,0 +1,73 @@
+#!/bin/bash
+# Copies the demo's working files (velmora.cfg and data/) from FROM into TO and damages them the same way
+# every run: files removed, truncated, overwritten with garbage, given a wrong magic.
+# usage: damage-data.sh FROM TO
+set -eu
+from=$1
+to=$2
+export LC_ALL=C
+
+rm -rf "$to"
+mkdir -p "$to"
+cp -r "$from/data" "$from/velmora.cfg" "$to/"
+cd "$to"
+
+size() { stat -c %s "$1"; }
+
+# Seeded bytes, so a failure found here can be found again.
+garbage() { # count seed
+    awk -v n="$1" -v seed="$2" 'BEGIN { srand(seed); for (i = 0; i < n; i++) printf "%c", int(rand() * 256) }'
+}
+
+removed() { rm -f "$1"; echo "removed        $1"; }
+emptied() { : > "$1"; echo "0 bytes        $1"; }
+stub() { truncate -s 7 "$1"; echo "7 bytes        $1"; }
+halved() { truncate -s $(( $(size "$1") / 2 )) "$1"; echo "half           $1"; }
+scrambled() { # the whole file, same length
+    local n; n=$(size "$1")
+    garbage "$n" "$n" > "$1.tmp" && mv "$1.tmp" "$1"; echo "garbage        $1"
+}
+scrambledTail() { # header and magic intact, garbage from the middle on
+    local n half; n=$(size "$1"); half=$(( n / 2 ))
+    { head -c "$half" "$1"; garbage $(( n - half )) "$half"; } > "$1.tmp" && mv "$1.tmp" "$1"
+    echo "garbage tail   $1"
+}
+wrongMagic() { printf 'JUNK' | dd of="$1" bs=1 seek=0 conv=notrunc status=none; echo "wrong magic    $1"; }
+directory() { rm -f "$1"; mkdir "$1"; echo "a directory    $1"; }
+
+# damage KIND FILE: a file the build did not make is reported and left out.
+damage() {
+    if [ -f "$2" ]; then "$1" "$2"; else echo "absent         $2"; fi
+}
+
+# Every kind of file the demo reads, each hit in more than one way across the tree.
+damage removed       data/3d/tunnel3.oct
+damage removed       data/3d/fugl2.msh
+damage removed       data/img/water.png
+damage emptied       data/3d/ship_tunnel.cam
+damage emptied       data/img/credits.png
+damage emptied       data/3d/mountain6.bez
+damage stub          data/3d/leaf.msh
+damage stub          data/3d/mountain1.bez
+damage stub          data/img/logo.png
+damage halved        data/3d/worm.msh
+damage halved        data/3d/camera_islands.cam
+damage halved        data/3d/mountain2.bez
+damage halved        data/img/skymoon2.png
+damage halved        data/music/velmora.xm
+damage scrambled     data/3d/spike.msh
+damage scrambled     data/3d/camera_tunnel.cam
+damage scrambled     data/3d/mountain3.bez
+damage scrambled     data/img/sand4.png
+damage scrambled     data/img/particle.png
+damage scrambled     data/confont.png
+damage scrambledTail data/img/window02.png
+damage scrambledTail data/3d/fanholder2.msh
+damage wrongMagic    data/3d/fan2.msh
+damage wrongMagic    data/3d/bird_island.cam
+damage wrongMagic    data/3d/mountain4.bez
+damage wrongMagic    data/img/refmap.png
+damage wrongMagic    data/img/test.png
+damage wrongMagic    data/conbg2.png
+damage directory     data/img/ship.png
+damage halved        velmora.cfg
