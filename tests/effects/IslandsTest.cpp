@@ -35,6 +35,8 @@ namespace {
 
 class IslandsTest : public GLTest {
 protected:
+    Islands scene{0, EffectTimer(35.5f, 68.5f)};
+
     void TearDown() override
     {
         CameraMgr::getHandle()->remove("IslandCamera");
@@ -46,7 +48,6 @@ protected:
 
 TEST_F(IslandsTest, WaterFuncIsFlatInDirectionOnlyOnTheMiddleRow)
 {
-    Islands scene(0, EffectTimer(35.5f, 68.5f));
     // Row 10 is u = 0: no direction factor, the full wave.
     EXPECT_FLOAT_EQ(IslandsProbe::waterFunc(scene, 0.0f, 10, 3, 0.0f), 0.125f);
     EXPECT_NEAR(IslandsProbe::waterFunc(scene, 3.14159265f, 10, 17, 0.0f), -0.125f, 1e-6f);
@@ -56,7 +57,6 @@ TEST_F(IslandsTest, WaterFuncIsFlatInDirectionOnlyOnTheMiddleRow)
 
 TEST_F(IslandsTest, WaveAngleWrapsBySubtracting360OncePerUpdate)
 {
-    Islands scene(0, EffectTimer(35.5f, 68.5f));
     IslandsProbe::createWater(scene);
     IslandsProbe::angle(scene) = 350.0f;
     IslandsProbe::updateWater(scene, 0.5f);
@@ -73,7 +73,6 @@ TEST_F(IslandsTest, WaveAngleWrapsBySubtracting360OncePerUpdate)
 
 TEST_F(IslandsTest, BirdsLoopBackToFrameZeroAtTheEndOfTheirPath)
 {
-    Islands scene(0, EffectTimer(35.5f, 68.5f));
     MeshAnimation* birds = IslandsProbe::birdAnim(scene);
     ASSERT_NE(birds, nullptr);
     EXPECT_EQ(IslandsProbe::birdCount(scene), Islands::NUM_BIRDS);
@@ -90,7 +89,6 @@ TEST_F(IslandsTest, BirdsLoopBackToFrameZeroAtTheEndOfTheirPath)
 
 TEST_F(IslandsTest, FullDataLoadsAndASecondInitiateReusesCameraLightsAndSkyMaterial)
 {
-    Islands scene(0, EffectTimer(35.5f, 68.5f));
     EXPECT_EQ(IslandsProbe::mountainCount(scene), 6);
     EXPECT_TRUE(IslandsProbe::hasShip(scene));
     scene.initiate();
@@ -118,14 +116,14 @@ TEST_F(IslandsTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns)
     ASSERT_EQ(chdir(dir), 0);
     testing::internal::CaptureStderr();
     {
-        Islands scene(0, EffectTimer(35.5f, 68.5f));
-        EXPECT_EQ(IslandsProbe::mountainCount(scene), 0);
-        EXPECT_FALSE(IslandsProbe::hasShip(scene));
-        EXPECT_EQ(IslandsProbe::birdCount(scene), 0);
-        scene.initiate();
-        scene.update(0.5f);
-        scene.display();
-        scene.shutdown();
+        Islands bare(0, EffectTimer(35.5f, 68.5f));
+        EXPECT_EQ(IslandsProbe::mountainCount(bare), 0);
+        EXPECT_FALSE(IslandsProbe::hasShip(bare));
+        EXPECT_EQ(IslandsProbe::birdCount(bare), 0);
+        bare.initiate();
+        bare.update(0.5f);
+        bare.display();
+        bare.shutdown();
     }
     const std::string errors = testing::internal::GetCapturedStderr();
     ASSERT_EQ(chdir(previous), 0);

@@ -12,11 +12,10 @@ const std::string header = "Settings Registry v0.1\n(c) Quorvex Co - settings fo
 // Bytes of every value, NUL and newline included, the same on every run.
 std::string garbage(size_t size)
 {
-    std::string bytes(size, '\0');
-    unsigned state = 12345u;
-    for (char& c : bytes) {
+    std::string bytes;
+    for (unsigned state = 12345u; bytes.size() < size;) {
         state = state * 1103515245u + 12345u;
-        c = static_cast<char>(state >> 16);
+        bytes += static_cast<char>(state >> 16);
     }
     return bytes;
 }
