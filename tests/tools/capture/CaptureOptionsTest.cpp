@@ -1,4 +1,4 @@
-// The command line: accepted forms, malformed and out-of-range values, contradictions.
+// The command line: malformed and out-of-range values, contradictions, each refusal naming its option.
 #include "CaptureOptions.h"
 
 #include <gtest/gtest.h>
@@ -14,29 +14,6 @@ bool parse(CaptureOptions& options, std::vector<const char*> words, std::string&
     return options.parse(static_cast<int>(words.size()), words.data(), error);
 }
 
-}
-
-TEST(CaptureOptionsAccepted, BothSpellingsRepeatsAndBoundaries)
-{
-    CaptureOptions options;
-    std::string error;
-    ASSERT_TRUE(parse(options, {"--size", "320x200", "--fps=1000", "--from", "1.5", "--to=86400", "--frames", "out",
-                                "--video=a.mp4"}, error)) << error;
-    EXPECT_EQ(options.width, 320);
-    EXPECT_EQ(options.height, 200);
-    EXPECT_EQ(options.fps, 1000);
-    EXPECT_EQ(options.from, 1.5);
-    EXPECT_EQ(options.to, 86400.0);
-    EXPECT_EQ(options.framesDir, "out");
-    EXPECT_EQ(options.videoFile, "a.mp4");
-    CaptureOptions shots;
-    ASSERT_TRUE(parse(shots, {"--shot", "40,0,12.5", "--shot=3", "--size", "1x8192"}, error)) << error;
-    EXPECT_EQ(shots.shots, (std::vector<double>{40.0, 0.0, 12.5, 3.0}));
-    EXPECT_EQ(shots.height, 8192);
-    EXPECT_FALSE(shots.rendersRange());
-    CaptureOptions nothing;
-    ASSERT_TRUE(parse(nothing, {}, error));
-    EXPECT_FALSE(nothing.hasWork());
 }
 
 TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)

@@ -2,6 +2,7 @@
 #include "SoundtrackRenderer.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -11,10 +12,7 @@ namespace {
 
 bool anySound(const std::vector<int16_t>& samples)
 {
-    for (int16_t sample : samples)
-        if (sample != 0)
-            return true;
-    return false;
+    return std::any_of(samples.begin(), samples.end(), [](int16_t sample) { return sample != 0; });
 }
 
 }

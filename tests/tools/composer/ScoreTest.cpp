@@ -32,18 +32,6 @@ TEST(ScoreWriting, OutsideTheGridOrKeyboardIsIgnored) {
     EXPECT_TRUE(s.at(99, 99).empty());
 }
 
-TEST(ScoreWriting, VolumesMapToTheVolumeColumnAndClamp) {
-    Score s(1, 4);
-    s.note(0, 0, 49, 2, 0);
-    s.note(0, 1, 49, 2, 64);
-    s.note(0, 2, 49, 2, 99);
-    s.note(0, 3, 49, 2);
-    EXPECT_EQ(0x10, s.at(0, 0).volume);
-    EXPECT_EQ(0x50, s.at(0, 1).volume);
-    EXPECT_EQ(0x50, s.at(0, 2).volume);
-    EXPECT_EQ(0, s.at(0, 3).volume);
-}
-
 TEST(ScoreCutting, SectionsStartNewPatternsAndCellsKeepTheirPlace) {
     Score s(300, 4);
     s.markSection(0);    // edges and repeats change nothing

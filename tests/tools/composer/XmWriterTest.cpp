@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <libopenmpt/libopenmpt.h>
 
-
 namespace {
 
 uint32_t u16(const std::vector<uint8_t>& b, size_t at) { return b[at] | (b[at + 1] << 8); }
@@ -19,7 +18,6 @@ XmPattern emptyPattern(int rows, int channels) {
 // Two channels, two patterns, one square-wave instrument playing one note.
 XmModule tinyModule() {
     XmModule m;
-    m.name = "tiny";
     m.channels = 2;
     m.speed = 6;
     m.bpm = 120;

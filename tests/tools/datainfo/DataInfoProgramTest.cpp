@@ -97,8 +97,7 @@ TEST(DataInfoDamagedCopies, CutShortFlippedAndScatteredCopiesAreRefusedCleanly)
 TEST(DataInfoCommandLine, WrongCommandLinesExitTwoAndAMissingFileIsNamed)
 {
     for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
-             {}, {"info"}, {"list", "data/3d/ship.msh"}, {"info", "data/3d/ship.msh", "--format", "9"},
-             {"convert", "data/img/ship.png"}}) {
+             {}, {"list", "data/3d/ship.msh"}, {"info", "data/3d/ship.msh", "--format", "9"}, {"convert", "a.png"}}) {
         const ProgramRun run = ProgramRun::run(args);
         EXPECT_EQ(run.status, 2) << (args.empty() ? "" : args[0]);
         EXPECT_GE(run.errLines(), 1);

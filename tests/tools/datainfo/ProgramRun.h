@@ -10,7 +10,7 @@ struct ProgramRun {
     std::string err;
 
     // Sanitizer reports get exit statuses of their own, so they never pass for a refused file.
-    static ProgramRun run(const std::vector<std::string>& args, const std::string& workingDir = "");
+    static ProgramRun run(const std::vector<std::string>& args);
     int errLines() const;
 };
 

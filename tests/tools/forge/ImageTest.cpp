@@ -1,4 +1,4 @@
-// The forge's float pictures: writes outside stay outside, resampling keeps the mean, bytes round and clamp.
+// The forge's float pictures: writes outside stay outside, bytes round and clamp.
 #include "Image.h"
 #include "Painter.h"
 
@@ -8,15 +8,6 @@
 
 namespace {
 
-double meanRed(const Image& image)
-{
-    double sum = 0.0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            sum += image.at(x, y).r * image.at(x, y).a;
-    return sum / (image.width() * image.height());
-}
-
 TEST(Image, WritesOutsideChangeNothingAndShapesAreClipped)
 {
     const Rgba red{ 1.0f, 0.0f, 0.0f, 1.0f };
@@ -24,23 +15,12 @@ TEST(Image, WritesOutsideChangeNothingAndShapesAreClipped)
     image.blend(-1, 0, red, 1.0);
     image.blend(8, 1, red, 1.0);
     image.add(8, 8, red, 1.0);
-    EXPECT_EQ(meanRed(image), 0.0);
+    for (uint8_t byte : image.toBytes(4))
+        ASSERT_EQ(byte, 0);
     Painter(image).polygon({ { -20, -20 }, { 30, -20 }, { 30, 30 } }, red);
     EXPECT_EQ(image.at(7, 0).a, 1.0f);
     EXPECT_TRUE(image.resized(0, 4).empty());
     EXPECT_TRUE(image.toBytes(2).empty());
-}
-
-TEST(Image, ShrinkAndWrappedBlurKeepTheMean)
-{
-    Image image(30, 21);
-    for (int y = 0; y < 21; ++y)
-        for (int x = 0; x < 30; ++x)
-            image.at(x, y) = Rgba{ (float)((x * 7 + y * 3) % 11) / 10.0f, 0.0f, 0.0f, 1.0f };
-    EXPECT_NEAR(meanRed(image.resized(8, 16)), meanRed(image), 0.02);
-    image.at(0, 0).r = 5.0f;
-    const Image blurred = image.blurred(3.0, Image::Wrap);
-    EXPECT_NEAR(meanRed(blurred), meanRed(image), 1e-6);
 }
 
 TEST(Image, BytesRoundAndClampIncludingNaN)

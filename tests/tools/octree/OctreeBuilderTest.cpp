@@ -66,21 +66,15 @@ struct Leaf {
 };
 
 // The leaves in order; inner nodes must hold no faces.
-void collect(const OctreeNode* node, int depth, std::vector<Leaf>& leaves)
+std::vector<Leaf> leavesOf(const OctreeNode* node, int depth = 0)
 {
-    if (!node->hasChildren()) {
-        leaves.push_back({node, depth});
-        return;
-    }
+    if (!node->hasChildren())
+        return {{node, depth}};
     EXPECT_EQ(node->getNumFaces(), 0) << "an inner node holds faces";
-    for (int i = 0; i < 8; ++i)
-        collect(node->getChild(i), depth + 1, leaves);
-}
-
-std::vector<Leaf> leavesOf(const Octree& tree)
-{
     std::vector<Leaf> leaves;
-    collect(tree.getRoot(), 0, leaves);
+    for (int i = 0; i < 8; ++i)
+        for (const Leaf& leaf : leavesOf(node->getChild(i), depth + 1))
+            leaves.push_back(leaf);
     return leaves;
 }
 
@@ -116,7 +110,7 @@ TEST(OctreeBuilderTest, EveryFaceLandsInLeavesItTouchesWithinTheLimits)
     builder.setMaxDepth(5);
     std::unique_ptr<Octree> tree(builder.build(mesh->vertices, mesh->faces));
     ASSERT_TRUE(tree->isComplete());
-    std::vector<Leaf> leaves = leavesOf(*tree);
+    std::vector<Leaf> leaves = leavesOf(tree->getRoot());
     EXPECT_GT(leaves.size(), 8u);
 
     std::vector<int> homes(static_cast<size_t>(mesh->faces.getNumFaces()), 0);
@@ -170,7 +164,7 @@ TEST(OctreeBuilderTest, FacesNamingMissingVerticesAreLeftOut)
     mesh->faces.addFace(tooFew);
     std::unique_ptr<Octree> tree(OctreeBuilder().build(mesh->vertices, mesh->faces));
     std::set<uint32_t> placed;
-    for (const Leaf& leaf : leavesOf(*tree))
+    for (const Leaf& leaf : leavesOf(tree->getRoot()))
         for (int i = 0; i < leaf.node->getNumFaces(); ++i)
             placed.insert(leaf.node->getFaceIndex(i));
     const int n = mesh->faces.getNumFaces();
