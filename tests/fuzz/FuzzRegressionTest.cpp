@@ -98,8 +98,9 @@ TEST_P(FuzzFiles, CutOffSeedsNeverCrashAndStrictReadersRefuseThem)
         for (size_t length = 0; length < bytes.size(); ++length) {
             FuzzReaders::Outcome outcome = feed(reader, bytes.substr(0, length));
             ASSERT_NE(outcome, FuzzReaders::INCONSISTENT) << file << " cut at " << length;
-            if (strict.count(reader.name))
+            if (strict.count(reader.name)) {
                 ASSERT_EQ(outcome, FuzzReaders::REJECTED) << file << " cut at " << length;
+            }
         }
     }
 }
