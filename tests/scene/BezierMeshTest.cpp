@@ -53,7 +53,6 @@ TEST(BezierMeshChunk, RefusesWrongTagTruncationAbsurdCountsAndMissingFiles)
     mesh.setName("M");
     mesh.addPatch(hill(1.0f));
     const std::string image = saved(mesh);
-
     expectEveryPrefixFails<BezierMesh>(image);
     // The count sits after the two names: a wrong tag, a billion patches and a negative count.
     const size_t countAt = 4 + 2 + 1 + 2;

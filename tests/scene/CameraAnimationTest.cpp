@@ -22,7 +22,6 @@ class CameraAnimationTest : public ::testing::Test {
 protected:
     void SetUp() override { CameraMgr::getHandle()->add(new Camera(camName)); }
     void TearDown() override { CameraMgr::getHandle()->remove(camName); }
-
     // Keys with values whose bits a sloppy writer would change, bound to the test camera.
     static std::string filledImage(CameraAnimation& anim)
     {
@@ -101,7 +100,6 @@ TEST_F(CameraAnimationTest, SaveLoadSaveIsBitIdenticalAndAnUnknownCameraLoadsAsN
     EXPECT_EQ(in.peek(), EOF);
     EXPECT_EQ(loaded.getCamera(), CameraMgr::getHandle()->find(camName));
     EXPECT_EQ(saved(loaded), first);
-
     CameraMgr::getHandle()->remove(camName);
     CameraAnimation orphan;
     std::istringstream again(first);
@@ -121,7 +119,6 @@ TEST_F(CameraAnimationTest, TruncatedWrongOrAbsurdInputFails)
     std::istringstream in(wrongTag);
     EXPECT_FALSE(anim.load(in));
     EXPECT_NE(anim.getPositionTrack(), nullptr);  // the failed load keeps what was there
-
     const std::string cases[] = {
         std::string("CANI") + f32(24.0f) + le16(0xffff) + "abc",
         std::string("CANI") + f32(24.0f) + le16(0) + "LIN3" + le16(0) + le32(0x7fffffffu),

@@ -60,9 +60,7 @@ protected:
         camera.setFOV(90.0f);
         camera.resize(100, 100);
     }
-
     const Frustum& frustum() const { return camera.getFrustum(); }
-
     Camera camera;
 };
 
@@ -237,16 +235,6 @@ TEST_F(FrustumGL, PointsOnEachSide)
         EXPECT_FALSE(frustum().isPointInside(p)) << p;
     EXPECT_EQ(frustum().getPointLocation(Vector3(0, 0, -10)), Frustum::INSIDE);
     EXPECT_EQ(frustum().getPointLocation(Vector3(20, 0, -10)), Frustum::OUTSIDE);
-}
-
-TEST_F(FrustumGL, FarPlaneCountsOnlyWhileItsFlagIsSet)
-{
-    camera.getFrustum().setFarTest(false);
-    EXPECT_TRUE(frustum().isPointInside(Vector3(0, 0, -150)));
-    EXPECT_TRUE(frustum().isSphereInside(Vector3(0, 0, -300), 1.0f));
-    EXPECT_FALSE(frustum().isPointInside(Vector3(0, 0, -0.5f)));
-    camera.getFrustum().setFarTest(true);
-    EXPECT_FALSE(frustum().isPointInside(Vector3(0, 0, -150)));
 }
 
 TEST_F(FrustumGL, SpheresThatTouchCountAsInsideButTheirLocationIsAlwaysIntersecting)

@@ -100,7 +100,6 @@ TEST(MeshAnimationTest, SaveLoadSaveIsBitIdenticalAndNamesTheMesh)
     ASSERT_TRUE(loaded.load(in));
     EXPECT_EQ(loaded.getLabel(), "fish");
     EXPECT_EQ(saved(loaded), first);
-
     Mesh mesh;
     mesh.setName("ship");
     anim.setMesh(&mesh);

@@ -42,7 +42,6 @@ struct Counter : public Material {
 struct Scenery {
     Counter materials[4] = {Counter("m0"), Counter("m1"), Counter("m2"), Counter("m3")};
     Octree tree;
-
     explicit Scenery(bool withMaterials = true)
     {
         VertexArray* vertices = new VertexArray();

@@ -155,13 +155,11 @@ TEST(ParticleInfoTest, PointCubeAndSphereRowsAfterTheLifetimeDraw)
         EXPECT_EQ(p.getPosition(), m);
         // The y part is never negative: points spray upwards.
         expectVec(p.getDirection(), unit(2.0f * u[4] - 1.0f, u[3], 2.0f * u[2] - 1.0f));
-
         u = draws(seed, 4);
         cube.create(p);
         const Vector3 inBox(between(-2, 4, u[4]), between(1, 5, u[3]), between(3, 11, u[2]));
         expectVec(p.getPosition(), inBox);
         expectVec(p.getDirection(), unit(inBox.x, inBox.y, inBox.z));  // away from the world origin
-
         u = draws(seed, 4);
         sphere.create(p);
         const Vector3 d = unit(2.0f * u[4] - 1.0f, 2.0f * u[3] - 1.0f, 2.0f * u[2] - 1.0f);
@@ -271,7 +269,6 @@ protected:
         CameraMgr::getHandle()->remove("BillboardCam");
         GLTest::TearDown();
     }
-
     // A region of radius 0 around p: point emitters start exactly there.
     static PCInfoPoint emitter(ParticleType type, const Vector3& size, const Vector3& p)
     {
@@ -279,7 +276,6 @@ protected:
         b.create(p, 0.0f);
         return PCInfoPoint(type, 10.0f, 10.0f, size, white, white, b);
     }
-
     Camera* camera = nullptr;
 };
 
@@ -303,7 +299,6 @@ TEST_F(ParticleDrawTest, DeadParticlesAndUnknownTypesDrawNothingAndSharedMateria
     auto prims = feedback([&] { cluster.draw(); });
     ASSERT_EQ(prims.size(), 1u);
     EXPECT_EQ(prims[0].size(), 3u);
-
     Counter a("a"), b("b");
     info.material = &a;
     ParticleCluster runs("runs", 6, &info, false);
