@@ -49,6 +49,13 @@ Vector3 unit(float x, float y, float z)
     return v.normalize(), v;
 }
 
+// The unit axis normal to plane row 0 (XY), 1 (XZ) or 2 (YZ), pointing the way d does.
+Vector3 along(int row, float d)
+{
+    const float sign = d < 0.0f ? -1.0f : 1.0f;
+    return row == 0 ? Vector3(0, 0, sign) : row == 1 ? Vector3(0, sign, 0) : Vector3(sign, 0, 0);
+}
+
 float sinf64(float a) { return static_cast<float>(std::sin(static_cast<double>(a))); }
 float cosf64(float a) { return static_cast<float>(std::cos(static_cast<double>(a))); }
 
@@ -170,76 +177,54 @@ TEST(ParticleInfoTest, PointCubeAndSphereRowsAfterTheLifetimeDraw)
 
 TEST(ParticleInfoTest, RectDrawsItsTwoAxesInPlaneOrderOnTheLowFace)
 {
-    const PCInfoPlane planes[] = {PCINFO_PLANE_XY, PCINFO_PLANE_XZ, PCINFO_PLANE_YZ, PCInfoPlane(7)};
-    for (PCInfoPlane plane : planes) {
-        SCOPED_TRACE(plane);
-        PCInfoRect rect(PARTICLE_QUAD, 1.0f, 2.0f, size, red, red, region, plane);
-        std::vector<float> u = draws(77u + plane, 5);
+    for (int k : {0, 1, 2, 7}) {
+        SCOPED_TRACE(k);
+        const int row = k > 2 ? 2 : k;  // any other plane is YZ
+        PCInfoRect rect(PARTICLE_QUAD, 1.0f, 2.0f, size, red, red, region, PCInfoPlane(k));
+        std::vector<float> u = draws(77u + k, 4);
         Particle p;
         rect.create(p);
-        const float d = 2.0f * u[4] - 1.0f;
-        if (plane == PCINFO_PLANE_XY) {
-            expectVec(p.getPosition(), Vector3(between(-2, 4, u[3]), between(1, 5, u[2]), 3.0f));
-            expectVec(p.getDirection(), unit(0.0f, 0.0f, d));
-        } else if (plane == PCINFO_PLANE_XZ) {
-            expectVec(p.getPosition(), Vector3(between(-2, 4, u[3]), 1.0f, between(3, 11, u[2])));
-            expectVec(p.getDirection(), unit(0.0f, d, 0.0f));
-        } else {
-            expectVec(p.getPosition(), Vector3(-2.0f, between(1, 5, u[3]), between(3, 11, u[2])));
-            expectVec(p.getDirection(), unit(d, 0.0f, 0.0f));
-        }
+        const Vector3 expected[3] = {{between(-2, 4, u[3]), between(1, 5, u[2]), 3.0f},
+                                     {between(-2, 4, u[3]), 1.0f, between(3, 11, u[2])},
+                                     {-2.0f, between(1, 5, u[3]), between(3, 11, u[2])}};
+        expectVec(p.getPosition(), expected[row]);
+        expectVec(p.getDirection(), along(row, 2.0f * u[4] - 1.0f));
     }
 }
 
 TEST(ParticleInfoTest, CircleUsesSeparateDrawsAndCountsTheCentreTwiceOffXY)
 {
-    for (PCInfoPlane plane : {PCInfoPlane(0), PCInfoPlane(1), PCInfoPlane(2)}) {
+    for (int plane : {0, 1, 2}) {
         SCOPED_TRACE(plane);
-        PCInfoCircle circle(PARTICLE_QUAD, 1.0f, 2.0f, size, red, red, region, plane);
-        std::vector<float> u = draws(4242u + plane, 5);
+        PCInfoCircle circle(PARTICLE_QUAD, 1.0f, 2.0f, size, red, red, region, PCInfoPlane(plane));
+        std::vector<float> u = draws(4242u + plane, 4);
         Particle p;
         circle.create(p);
         const float s = sinf64(6.2831855f * u[2]) * r, k = cosf64(6.2831855f * u[3]) * r;
-        const float d = 2.0f * u[4] - 1.0f;
-        if (plane == 0) {
-            expectVec(p.getPosition(), m + Vector3(k - s, s + k, 0.0f));
-            expectVec(p.getDirection(), unit(0.0f, 0.0f, d));
-        } else if (plane == 1) {
-            expectVec(p.getPosition(), m + Vector3(k + s, m.y, k - s));
-            expectVec(p.getDirection(), unit(0.0f, d, 0.0f));
-        } else {
-            expectVec(p.getPosition(), m + Vector3(m.x, k - s, s + k));
-            expectVec(p.getDirection(), unit(d, 0.0f, 0.0f));
-        }
+        const Vector3 expected[3] = {m + Vector3(k - s, s + k, 0.0f), m + Vector3(k + s, m.y, k - s),
+                                     m + Vector3(m.x, k - s, s + k)};
+        expectVec(p.getPosition(), expected[plane]);
+        expectVec(p.getDirection(), along(plane, 2.0f * u[4] - 1.0f));
     }
 }
 
 TEST(ParticleInfoTest, HelixPlanesFollowTheirOwnAngleRules)
 {
     const float turns = 3.0f, zExtent = 8.0f;
-    for (PCInfoPlane plane : {PCInfoPlane(0), PCInfoPlane(1), PCInfoPlane(2)}) {
-        PCInfoHelix helix(PARTICLE_QUAD, 1.0f, 2.0f, size, red, red, region, plane, turns);
+    for (int plane : {0, 1, 2}) {
+        PCInfoHelix helix(PARTICLE_QUAD, 1.0f, 2.0f, size, red, red, region, PCInfoPlane(plane), turns);
         for (unsigned seed : seeds) {
             SCOPED_TRACE(testing::Message() << "plane " << plane << " seed " << seed);
             std::vector<float> u = draws(seed, 2);
             Particle p;
             helix.create(p);
-            if (plane == 0) {
-                const float t = between(3, 11, u[2]), a = (6.2831855f * turns / zExtent) / t;
-                const float c = cosf64(a) * r, s = sinf64(a) * r;
-                expectVec(p.getPosition(), Vector3(m.x + c - s, m.y + s + c, t));
-                EXPECT_EQ(p.getDirection(), Vector3(0, 0, 1));
-            } else if (plane == 1) {
-                const float t = between(1, 5, u[2]), a = std::fabs(zExtent - t) / turns * 6.2831855f;
-                const float c = cosf64(a) * r, s = sinf64(a) * r;
-                expectVec(p.getPosition(), Vector3(m.x + c + s, t, m.z + c - s));
-                EXPECT_EQ(p.getDirection(), Vector3(0, 1, 0));
-            } else {
-                const float t = between(-2, 4, u[2]), a = (6.2831855f * turns / zExtent) / t;
-                const float c = cosf64(a) * r, s = sinf64(a) * r;
-                expectVec(p.getPosition(), Vector3(t, m.y + c - s, m.z + s + c));
-                EXPECT_EQ(p.getDirection(), Vector3(1, 0, 0));
-            }
+            const float t = plane == 0 ? between(3, 11, u[2]) : plane == 1 ? between(1, 5, u[2]) : between(-2, 4, u[2]);
+            const float a = plane == 1 ? std::fabs(zExtent - t) / turns * 6.2831855f : (6.2831855f * turns / zExtent) / t;
+            const float c = cosf64(a) * r, s = sinf64(a) * r;
+            const Vector3 expected[3] = {{m.x + c - s, m.y + s + c, t}, {m.x + c + s, t, m.z + c - s},
+                                         {t, m.y + c - s, m.z + s + c}};
+            expectVec(p.getPosition(), expected[plane]);
+            EXPECT_EQ(p.getDirection(), along(plane, 1.0f));
         }
     }
 }
