@@ -18,9 +18,7 @@ namespace {
 
 void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-6f)
 {
-    EXPECT_NEAR(a.x, b.x, tolerance);
-    EXPECT_NEAR(a.y, b.y, tolerance);
-    EXPECT_NEAR(a.z, b.z, tolerance);
+    EXPECT_LT((a - b).length(), tolerance) << a << " is not " << b;
 }
 
 // Counts the resizes the registry asks for.

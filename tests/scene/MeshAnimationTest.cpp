@@ -10,23 +10,17 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <sstream>
 #include <string>
 
 using namespace bytes;
 
 namespace {
 
-Vector3 column(const Matrix4& m, int c)
-{
-    return Vector3(m[c], m[4 + c], m[8 + c]);
-}
+Vector3 column(const Matrix4& m, int c) { return Vector3(m[c], m[4 + c], m[8 + c]); }
 
 void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-5f)
 {
-    EXPECT_NEAR(a.x, b.x, tolerance);
-    EXPECT_NEAR(a.y, b.y, tolerance);
-    EXPECT_NEAR(a.z, b.z, tolerance);
+    EXPECT_LT((a - b).length(), tolerance) << a << " is not " << b;
 }
 
 // A proper rotation: orthonormal columns and a right-handed basis.
