@@ -105,17 +105,6 @@ void push(Uint8 type, int a = 0, int b = 0, int c = 0)
 
 }
 
-TEST(ShellSettings, TitleIsAnOwnedCopy)
-{
-    Recorder app;
-    char text[] = "first";
-    app.setTitle(text);
-    std::strcpy(text, "xxxxx");
-    EXPECT_STREQ(app.getTitle(), "first");
-    app.setTitle("a much longer second title");
-    EXPECT_STREQ(app.getTitle(), "a much longer second title");
-}
-
 TEST(ShellSettings, ColourChannelsFollowTheDesktopDepth)
 {
     const int cases[][4] = {{32, 8, 8, 8}, {17, 8, 8, 8}, {16, 5, 6, 5}, {15, 5, 5, 5}, {8, 5, 6, 5}};
