@@ -46,12 +46,13 @@ bench: build
 	cd $(BUILD) && for size in 640x480 1280x720; do \
 	  $(XVFB) ./velmora-capture --bench --fps $(BENCH_FPS) --size $$size || exit 1; echo; done
 
-# Half an hour of scene time, the schedule and then the black tail, with resident memory printed along
-# the way and a growth figure from the start of the last scene on.
-SOAK_FPS ?= 5
+# Half an hour of scene time, the schedule and then the black tail, at the demo's own size, with resident
+# memory printed along the way and a growth figure from the start of the last scene on (about five minutes).
+SOAK_FPS ?= 25
+SOAK_SIZE ?= 640x480
 SOAK_SECONDS ?= 1800
 soak: build
-	cd $(BUILD) && $(XVFB) ./velmora-capture --memory 120 --size 320x240 --fps $(SOAK_FPS) --to $(SOAK_SECONDS)
+	cd $(BUILD) && $(XVFB) ./velmora-capture --memory 120 --size $(SOAK_SIZE) --fps $(SOAK_FPS) --to $(SOAK_SECONDS)
 
 # libFuzzer targets, one per file reader, in a clang build of their own:
 # `make fuzz FUZZ_SECONDS=600` runs each that long; the test run gives each a few seconds.

@@ -44,7 +44,8 @@ void MemoryReport::printLine(std::ostream& out, double seconds, long kilobytes, 
 {
     char line[120];
     std::snprintf(line, sizeof line, "memory %9.3f s  VmRSS %8ld kB  %s\n", seconds, kilobytes, note);
-    out << line;
+    // A long run shows its figures as they come, even into a file.
+    out << line << std::flush;
 }
 
 void MemoryReport::printSummary(std::ostream& out) const
