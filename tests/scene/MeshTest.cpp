@@ -14,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -32,10 +31,7 @@ Face face(uint32_t a, uint32_t b, uint32_t c, Material* material = nullptr)
     return f;
 }
 
-std::string tempPath(const char* name)
-{
-    return ::testing::TempDir() + "velmora_scene_" + name;
-}
+std::string tempPath(const char* name) { return ::testing::TempDir() + "velmora_scene_" + name; }
 
 void writeFile(const std::string& path, const std::string& content)
 {
@@ -81,7 +77,7 @@ struct LoggingMaterial : public Material {
     float red, green;
 };
 
-Mesh* meshOf(std::initializer_list<Vector3> points, std::initializer_list<Face> faceList)
+Mesh* meshOf(const std::vector<Vector3>& points, const std::vector<Face>& faceList)
 {
     VertexArray* vertices = new VertexArray();
     vertices->create(static_cast<int>(points.size()));
@@ -116,23 +112,16 @@ protected:
     // Three squares side by side, two triangles each: columns 0-40, 40-80, 80-120.
     static Mesh* columns(Material* first, Material* second, Material* third)
     {
-        VertexArray* vertices = new VertexArray();
-        vertices->create(12);
         Material* materials[3] = {first, second, third};
-        FaceArray* faces = new FaceArray();
-        faces->create(6);
+        std::vector<Vector3> points;
+        std::vector<Face> faces;
         for (uint32_t i = 0; i < 3; ++i) {
-            float left = 40.0f * static_cast<float>(i);
-            vertices->addVertex(Vector3(left, 0, 0));
-            vertices->addVertex(Vector3(left + 40, 0, 0));
-            vertices->addVertex(Vector3(left + 40, 100, 0));
-            vertices->addVertex(Vector3(left, 100, 0));
-            faces->addFace(face(4 * i, 4 * i + 1, 4 * i + 2, materials[i]));
-            faces->addFace(face(4 * i, 4 * i + 2, 4 * i + 3, materials[i]));
+            const float left = 40.0f * static_cast<float>(i);
+            points.insert(points.end(), {{left, 0, 0}, {left + 40, 0, 0}, {left + 40, 100, 0}, {left, 100, 0}});
+            faces.push_back(face(4 * i, 4 * i + 1, 4 * i + 2, materials[i]));
+            faces.push_back(face(4 * i, 4 * i + 2, 4 * i + 3, materials[i]));
         }
-        Mesh* mesh = new Mesh();
-        mesh->create(vertices, faces);
-        return mesh;
+        return meshOf(points, faces);
     }
     static std::vector<int> pixel(int x, int y)
     {
@@ -261,7 +250,7 @@ TEST(PlainMeshImport, ReadsRecordsNormalisesNormalsAndRefusesShortFiles)
     Mesh* mesh = loadMeshMSH(path.c_str());
     ASSERT_NE(mesh, nullptr);
     const VertexArray& vertices = *mesh->getVertices();
-    EXPECT_EQ(vertices[0].normal, Vector3(0, 0, 1));
+    EXPECT_EQ(vertices[0].normal, Vector3(0, 0, 1));  // normalised
     EXPECT_EQ(vertices[2].normal, Vector3(0, 0, 0));  // a zero normal stays zero
     EXPECT_EQ(mesh->getFaces()->getFaces()[0].indices[2], 2u);
     EXPECT_EQ(mesh->getLimits().getMax(), Vector3(1, 1, 0));
