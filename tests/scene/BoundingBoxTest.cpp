@@ -1,4 +1,4 @@
-// Bounding boxes: the two constructions, corners, containment, locations, neighbours and the 41-byte record.
+// Bounding boxes: the two constructions, containment, locations, neighbours and the 41-byte record.
 #include "scene/BoundingBox.h"
 
 #include "ByteImage.h"

@@ -1,4 +1,4 @@
-// Lights: DLIT, SLIT and LMGR chunks, light units, GL states and the registry's switches.
+// Lights: DLIT, SLIT and LMGR chunks, light units and the GL states they upload.
 #include "scene/Camera.h"
 #include "scene/DirectionalLight.h"
 #include "scene/LightMgr.h"
@@ -70,7 +70,10 @@ TEST_F(LightTest, ContainerRoundTripReversesTheListAndPicksClassesByTag)
 {
     SpotLight* spot = new SpotLight("spot");
     spot->setCutoff(30.0f);
-    lights->add(new DirectionalLight("sun"));
+    DirectionalLight* sun = new DirectionalLight("sun");
+    sun->setAttenuation(fromBits(0x7fc00abcu), -0.0f, 1e-30f);
+    const std::string sunImage = saved(*sun);
+    lights->add(sun);
     lights->add(spot);
     const std::string image = saved(*lights);
     EXPECT_EQ(image.substr(0, 12), std::string("LMGR") + le32(2) + "SLIT");
@@ -78,7 +81,7 @@ TEST_F(LightTest, ContainerRoundTripReversesTheListAndPicksClassesByTag)
     std::istringstream in(image);
     ASSERT_TRUE(lights->load(in));
     // The file's first record ends up last.
-    EXPECT_STREQ(lights->getLight(0)->getName(), "sun");
+    EXPECT_EQ(saved(*lights->getLight(0)), sunImage);  // DLIT keeps every bit too
     EXPECT_STREQ(lights->getLight(1)->getName(), "spot");
     SpotLight* loaded = dynamic_cast<SpotLight*>(lights->find("spot"));
     ASSERT_NE(loaded, nullptr);
