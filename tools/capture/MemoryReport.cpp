@@ -59,5 +59,6 @@ void MemoryReport::printSummary(std::ostream& out) const
                   "memory since the last scene started at %.3f s: first %ld kB, highest %ld kB, last %ld kB, "
                   "growth %ld kB\n",
                   lastSceneTime, lastSceneFirst, lastSceneHighest, latest, growthAfterLastStart());
-    out << line;
+    // A leak report at exit ends the process without flushing the standard streams.
+    out << line << std::flush;
 }
