@@ -7,10 +7,10 @@
 #include "scene/Lin3Track.h"
 #include "scene/LightMgr.h"
 #include "scene/object/Chunk.h"
+#include "scene/object/ChunkFile.h"
 
 #include <GL/gl.h>
 #include <cstring>
-#include <fstream>
 
 namespace {
 
@@ -217,16 +217,10 @@ bool CameraAnimation::save(std::ostream& out) const
 
 bool CameraAnimation::load(const char* file)
 {
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        return false;
-    return load(in);
+    return ChunkFile::load(*this, file);
 }
 
 bool CameraAnimation::save(const char* file) const
 {
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out)
-        return false;
-    return save(out);
+    return ChunkFile::save(*this, file);
 }

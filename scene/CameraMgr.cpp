@@ -3,8 +3,8 @@
 
 #include "scene/Camera.h"
 #include "scene/object/Chunk.h"
-
-#include <fstream>
+#include "scene/object/ChunkFile.h"
+#include "scene/object/ChunkList.h"
 
 namespace {
 // Tag, empty name and nine floats: the least a CAM0 record can take.
@@ -121,30 +121,21 @@ void CameraMgr::shutdown()
 
 bool CameraMgr::load(std::istream& in)
 {
-    if (!Chunk::readTag(in, "CMGR"))
-        return false;
     int32_t count = 0;
-    if (!Chunk::readInt(in, count))
+    if (!ChunkList::readHead(in, "CMGR", smallestCameraRecord, count))
         return false;
-    if (count > 0 && !Chunk::fits(in, count, smallestCameraRecord))
-        return false;
-    for (int32_t i = 0; i < count; ++i) {
-        Camera* camera = new Camera();
-        if (!camera->load(in)) {
-            delete camera;
-            return false;
-        }
-        // A name already registered keeps the camera that has it.
-        if (!add(camera))
-            delete camera;
-    }
-    return Chunk::good(in);
+    return ChunkList::readItems(
+        in, count, [](std::istream&) { return new Camera(); },
+        [this](Camera* camera) {
+            // A name already registered keeps the camera that has it.
+            if (!add(camera))
+                delete camera;
+        });
 }
 
 bool CameraMgr::save(std::ostream& out)
 {
-    Chunk::writeTag(out, "CMGR");
-    Chunk::writeInt(out, numCameras);
+    ChunkList::writeHead(out, "CMGR", numCameras);
     for (Node* node = head; node; node = node->next)
         if (!node->camera->save(out))
             return false;
@@ -153,20 +144,10 @@ bool CameraMgr::save(std::ostream& out)
 
 bool CameraMgr::load(const char* file)
 {
-    if (!file)
-        return false;
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        return false;
-    return load(in);
+    return ChunkFile::load(*this, file);
 }
 
 bool CameraMgr::save(const char* file)
 {
-    if (!file)
-        return false;
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out)
-        return false;
-    return save(out);
+    return ChunkFile::save(*this, file);
 }

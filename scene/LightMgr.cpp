@@ -4,11 +4,12 @@
 #include "scene/DirectionalLight.h"
 #include "scene/SpotLight.h"
 #include "scene/object/Chunk.h"
+#include "scene/object/ChunkFile.h"
+#include "scene/object/ChunkList.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>
 #include <cstring>
-#include <fstream>
 
 namespace {
 // Tag, empty name and the common body: the least a light record can take.
@@ -21,6 +22,15 @@ Light* createLight(const char tag[4])
     if (std::strncmp(tag, "SLIT", 4) == 0)
         return new SpotLight();
     return nullptr;
+}
+
+// Peeks at the next record's tag and builds the light that reads it; null for any other tag.
+Light* makeLight(std::istream& in)
+{
+    char tag[4];
+    if (!Chunk::peekTag(in, tag))
+        return nullptr;
+    return createLight(tag);
 }
 }
 
@@ -137,38 +147,20 @@ Light* LightMgr::getLight(int i) const
 
 bool LightMgr::load(std::istream& in)
 {
-    if (!Chunk::readTag(in, "LMGR"))
-        return false;
     int32_t count = 0;
-    if (!Chunk::readInt(in, count))
-        return false;
-    if (count > 0 && !Chunk::fits(in, count, smallestLightRecord))
+    if (!ChunkList::readHead(in, "LMGR", smallestLightRecord, count))
         return false;
     numLights = 0;
-    for (int32_t i = 0; i < count; ++i) {
-        char tag[4];
-        if (!Chunk::peekTag(in, tag))
-            return false;
-        Light* light = createLight(tag);
-        if (!light)
-            return false;
-        if (!light->load(in)) {
-            delete light;
-            return false;
-        }
-        link(light);
-    }
-    return Chunk::good(in);
+    return ChunkList::readItems(in, count, makeLight, [this](Light* light) { link(light); });
 }
 
 bool LightMgr::save(std::ostream& out)
 {
-    Chunk::writeTag(out, "LMGR");
     // The count says how many records follow, so it never exceeds the list.
     int written = 0;
     for (Node* node = head; node && written < numLights; node = node->next)
         ++written;
-    Chunk::writeInt(out, written);
+    ChunkList::writeHead(out, "LMGR", written);
     Node* node = head;
     for (int i = 0; i < written; ++i, node = node->next)
         if (!node->light->save(out))
@@ -178,20 +170,10 @@ bool LightMgr::save(std::ostream& out)
 
 bool LightMgr::load(const char* file)
 {
-    if (!file)
-        return false;
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        return false;
-    return load(in);
+    return ChunkFile::load(*this, file);
 }
 
 bool LightMgr::save(const char* file)
 {
-    if (!file)
-        return false;
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out)
-        return false;
-    return save(out);
+    return ChunkFile::save(*this, file);
 }

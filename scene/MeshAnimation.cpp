@@ -6,9 +6,9 @@
 #include "scene/Lin3Track.h"
 #include "scene/Mesh.h"
 #include "scene/object/Chunk.h"
+#include "scene/object/ChunkFile.h"
 
 #include <GL/gl.h>
-#include <fstream>
 
 namespace {
 
@@ -138,16 +138,10 @@ bool MeshAnimation::save(std::ostream& out) const
 
 bool MeshAnimation::load(const char* file)
 {
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        return false;
-    return load(in);
+    return ChunkFile::load(*this, file);
 }
 
 bool MeshAnimation::save(const char* file) const
 {
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out)
-        return false;
-    return save(out);
+    return ChunkFile::save(*this, file);
 }

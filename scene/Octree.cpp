@@ -6,11 +6,11 @@
 #include "scene/Frustum.h"
 #include "scene/VertexArray.h"
 #include "scene/object/Chunk.h"
+#include "scene/object/ChunkFile.h"
 #include "texture/Material.h"
 #include "texture/MaterialMgr.h"
 
 #include <GL/gl.h>
-#include <fstream>
 
 namespace {
 
@@ -49,8 +49,8 @@ bool Octree::load(const char* fileName)
 {
     if (!isEmpty())
         return false;
-    std::ifstream in(fileName, std::ios::binary);
-    if (!in)
+    std::ifstream in;
+    if (!ChunkFile::openIn(fileName, in))
         return false;
     if (!MaterialMgr::getHandle()->load(in))
         return false;
@@ -85,8 +85,8 @@ bool Octree::save(const char* fileName) const
 {
     if (!isComplete())
         return false;
-    std::ofstream out(fileName, std::ios::binary | std::ios::trunc);
-    if (!out)
+    std::ofstream out;
+    if (!ChunkFile::openOut(fileName, out))
         return false;
     if (!MaterialMgr::getHandle()->save(out))
         return false;

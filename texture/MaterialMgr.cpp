@@ -2,13 +2,13 @@
 #include "texture/MaterialMgr.h"
 
 #include "scene/object/Chunk.h"
+#include "scene/object/ChunkFile.h"
 #include "texture/Material.h"
 #include "texture/MulTextureMaterial.h"
 #include "texture/TextureMaterial.h"
 
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 
 namespace {
 
@@ -133,16 +133,10 @@ bool MaterialMgr::save(std::ostream& out)
 
 bool MaterialMgr::load(const char* file)
 {
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        return false;
-    return load(in);
+    return ChunkFile::load(*this, file);
 }
 
 bool MaterialMgr::save(const char* file)
 {
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out)
-        return false;
-    return save(out);
+    return ChunkFile::save(*this, file);
 }

@@ -2,6 +2,7 @@
 #include "texture/TextureMgr.h"
 
 #include "scene/object/Chunk.h"
+#include "scene/object/ChunkFile.h"
 #include "texture/Texture.h"
 #include "texture/TextureLoader.h"
 #include "texture/TextureLoaderBW.h"
@@ -14,7 +15,6 @@
 
 #include <GL/gl.h>
 #include <cstring>
-#include <fstream>
 #include <strings.h>
 
 namespace {
@@ -255,16 +255,10 @@ bool TextureMgr::load(std::istream& in)
 
 bool TextureMgr::save(const char* file)
 {
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out)
-        return false;
-    return save(out);
+    return ChunkFile::save(*this, file);
 }
 
 bool TextureMgr::load(const char* file)
 {
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        return false;
-    return load(in);
+    return ChunkFile::load(*this, file);
 }
