@@ -3,13 +3,43 @@
 
 #include "math/Color.h"
 #include "scene/object/Chunk.h"
+#include "scene/object/ChunkFile.h"
 #include "texture/Material.h"
 #include "texture/MaterialMgr.h"
 
 #include <GL/gl.h>
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
+
+namespace {
+
+// One glBegin/glEnd of triangles per run of faces sharing a material, that
+// material bound around the run; emit sends the face's vertices.
+template <class EmitFace>
+void drawInMaterialRuns(const FaceArray& faces, EmitFace emit)
+{
+    Material* current = faces.getNumFaces() > 0 ? faces[0].material : nullptr;
+    if (current)
+        current->bind();
+    glBegin(GL_TRIANGLES);
+    for (int i = 0; i < faces.getNumFaces(); ++i) {
+        const Face& face = faces[i];
+        if (face.material != current) {
+            glEnd();
+            if (current)
+                current->unbind();
+            current = face.material;
+            if (current)
+                current->bind();
+            glBegin(GL_TRIANGLES);
+        }
+        emit(face);
+    }
+    glEnd();
+    if (current)
+        current->unbind();
+}
+}
 
 Mesh::Mesh() : vertices(nullptr), faces(nullptr) {}
 
@@ -80,8 +110,8 @@ bool Mesh::load(const char* file)
 {
     if (vertices || faces || !file)
         return false;
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
+    std::ifstream in;
+    if (!ChunkFile::openIn(file, in))
         return false;
     if (!MaterialMgr::getHandle()->load(in)) {
         std::fputs("COULDN'N LOAD MATERIALS\n", stdout);
@@ -127,8 +157,8 @@ bool Mesh::save(const char* file)
 {
     if (!vertices || !faces || !file)
         return false;
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out)
+    std::ofstream out;
+    if (!ChunkFile::openOut(file, out))
         return false;
     // Materials go first so that loading can resolve the faces' names.
     if (!MaterialMgr::getHandle()->save(out))
@@ -146,23 +176,9 @@ void Mesh::draw(int flags) const
 {
     if (!vertices || !faces)
         return;
-    Material* current = faces->getNumFaces() > 0 ? (*faces)[0].material : nullptr;
-    if (current)
-        current->bind();
-    glBegin(GL_TRIANGLES);
-    for (int i = 0; i < faces->getNumFaces(); ++i) {
-        const Face& face = (*faces)[i];
-        if (face.material != current) {
-            glEnd();
-            if (current)
-                current->unbind();
-            current = face.material;
-            if (current)
-                current->bind();
-            glBegin(GL_TRIANGLES);
-        }
+    drawInMaterialRuns(*faces, [&](const Face& face) {
         if (!drawable(face))
-            continue;
+            return;
         // Every face is one triangle, whatever its index count.
         for (int j = 0; j < 3; ++j) {
             const Vertex& v = (*vertices)[static_cast<int>(face.indices[j])];
@@ -173,10 +189,7 @@ void Mesh::draw(int flags) const
             glNormal3fv(&v.normal.x);
             glVertex3fv(&v.position.x);
         }
-    }
-    glEnd();
-    if (current)
-        current->unbind();
+    });
 }
 
 bool Mesh::preLoad(int flags) const
@@ -196,29 +209,12 @@ void Mesh::drawLoaded() const
 {
     if (!vertices || !faces)
         return;
-    Material* current = faces->getNumFaces() > 0 ? (*faces)[0].material : nullptr;
-    if (current)
-        current->bind();
-    glBegin(GL_TRIANGLES);
-    for (int i = 0; i < faces->getNumFaces(); ++i) {
-        const Face& face = (*faces)[i];
-        if (face.material != current) {
-            glEnd();
-            if (current)
-                current->unbind();
-            current = face.material;
-            if (current)
-                current->bind();
-            glBegin(GL_TRIANGLES);
-        }
+    drawInMaterialRuns(*faces, [&](const Face& face) {
         if (!drawable(face))
-            continue;
+            return;
         for (int j = 0; j < 3; ++j)
             glArrayElement(static_cast<GLint>(face.indices[j]));
-    }
-    glEnd();
-    if (current)
-        current->unbind();
+    });
 }
 
 namespace {
