@@ -109,17 +109,8 @@ bool MipMapTexture::upload()
 {
     if (levelCount == 0)
         return false;
-    if (!isLive())
-        glGenTextures(1, &glName);
-    glBindTexture(GL_TEXTURE_2D, glName);
-    glEnable(GL_TEXTURE_2D);
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
     // GL refuses this value for magnification and keeps its default; that is the intended result.
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR_MIPMAP_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
+    prepareUpload(GL_LINEAR_MIPMAP_LINEAR, GL_LINEAR_MIPMAP_LINEAR);
     uploadMipMaps();
     glDisable(GL_TEXTURE_2D);
     return true;

@@ -104,21 +104,26 @@ bool Texture::isLive() const
     return glName != noName && glIsTexture(glName) == GL_TRUE;
 }
 
-bool Texture::upload()
+void Texture::prepareUpload(int minFilter, int magFilter)
 {
-    if (!data)
-        return false;
     if (!isLive())
         glGenTextures(1, &glName);
     glBindTexture(GL_TEXTURE_2D, glName);
     glEnable(GL_TEXTURE_2D);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    GLint filter = texQuality > 1 ? GL_LINEAR : GL_NEAREST;
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, minFilter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, magFilter);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
+}
+
+bool Texture::upload()
+{
+    if (!data)
+        return false;
+    GLint filter = texQuality > 1 ? GL_LINEAR : GL_NEAREST;
+    prepareUpload(filter, filter);
     glTexImage2D(GL_TEXTURE_2D, 0, components, width, height, 0, getOpenGLFormat(format), GL_UNSIGNED_BYTE,
                  data);
     glDisable(GL_TEXTURE_2D);

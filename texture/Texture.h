@@ -53,6 +53,9 @@ public:
 
 protected:
     bool isLive() const;
+    // Gives the texture a GL name if it has none, binds and enables it and sets
+    // byte packing, the two filters and repeat wrapping, ready for the images.
+    void prepareUpload(int minFilter, int magFilter);
     // Stores the fields without the checks of create.
     void store(int w, int h, int bpp, int format, unsigned char* data);
 
