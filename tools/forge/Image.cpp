@@ -54,6 +54,19 @@ Image::Image(int width, int height, Rgba fill)
 {
 }
 
+Image Image::square(int size, const PixelFunction& pixel)
+{
+    Image image(size, size);
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x) {
+            const double u = (x + 0.5) / size;
+            const double v = (y + 0.5) / size;
+            image.at(x, y) = pixel(u, v, x, y);
+        }
+    }
+    return image;
+}
+
 Rgba Image::get(int x, int y, Edge edge) const
 {
     return at(edgeIndex(x, w, edge), edgeIndex(y, h, edge));

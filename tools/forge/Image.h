@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 // Straight (not premultiplied) colour, each channel nominally in [0, 1].
@@ -19,6 +20,11 @@ public:
 
     Image();
     Image(int width, int height, Rgba fill = Rgba{ 0.0f, 0.0f, 0.0f, 0.0f });
+
+    // A size x size picture whose pixel (x, y) is pixel(u, v, x, y), u and v
+    // being the pixel centre in [0, 1]; rows are filled top first.
+    using PixelFunction = std::function<Rgba(double u, double v, int x, int y)>;
+    static Image square(int size, const PixelFunction& pixel);
 
     int width() const { return w; }
     int height() const { return h; }

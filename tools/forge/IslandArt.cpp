@@ -2,6 +2,7 @@
 // uses whole noise periods and whole ripple counts so its edges meet.
 #include "IslandArt.h"
 
+#include "ColourMath.h"
 #include "Forge.h"
 #include "Maths.h"
 #include "Noise.h"
@@ -11,17 +12,6 @@
 #include <cmath>
 
 namespace {
-
-Rgba shade(Rgba c, double k)
-{
-    return Rgba{ (float)(c.r * k), (float)(c.g * k), (float)(c.b * k), c.a };
-}
-
-Rgba mixColour(Rgba a, Rgba b, double t)
-{
-    return Rgba{ (float)Maths::mix(a.r, b.r, t), (float)Maths::mix(a.g, b.g, t), (float)Maths::mix(a.b, b.b, t),
-        (float)Maths::mix(a.a, b.a, t) };
-}
 
 // Fine per-pixel grain from a hash: identical on every run, no pattern.
 double grain(int x, int y, uint32_t seed)
@@ -33,61 +23,46 @@ double grain(int x, int y, uint32_t seed)
 
 Image IslandArt::sand() const
 {
-    const int size = 512;
-    Image image(size, size);
     Noise noise(0x5A4Du);
     const Rgba light{ 0.86f, 0.74f, 0.53f, 1.0f };
     const Rgba dark{ 0.62f, 0.49f, 0.33f, 1.0f };
-    for (int y = 0; y < size; ++y) {
-        for (int x = 0; x < size; ++x) {
-            const double u = (x + 0.5) / size;
-            const double v = (y + 0.5) / size;
-            // Wind ripples: whole cycles across the tile, bent by low noise, with a
-            // gentle windward slope and a steep lee face.
-            const double warp = 1.6 * noise.fbm(u * 3.0, v * 3.0, 3, 3);
-            double phase = (11.0 * u + 4.0 * v) + warp;
-            phase -= std::floor(phase);
-            const double ripple = phase < 0.75 ? phase / 0.75 : (1.0 - phase) / 0.25;
-            const double patches = 0.5 + 0.5 * noise.fbm(u * 4.0, v * 4.0, 4, 4);
-            const double fine = noise.fbm(u * 32.0, v * 32.0, 32, 2);
-            double k = 0.78 + 0.16 * ripple + 0.1 * fine + 0.1 * grain(x, y, 7u);
-            Rgba c = mixColour(dark, light, Maths::clamp(0.25 + 0.75 * patches, 0.0, 1.0));
-            // Scattered darker grains and shell fragments.
-            const Noise::Cells cells = noise.cellular(u * 48.0, v * 48.0, 48);
-            if (cells.f1 < 0.09)
-                k *= 0.78 + 0.22 * cells.f1 / 0.09;
-            image.at(x, y) = shade(c, k);
-        }
-    }
-    return image;
+    return Image::square(512, [&](double u, double v, int x, int y) {
+        // Wind ripples: whole cycles across the tile, bent by low noise, with a
+        // gentle windward slope and a steep lee face.
+        const double warp = 1.6 * noise.fbm(u * 3.0, v * 3.0, 3, 3);
+        double phase = (11.0 * u + 4.0 * v) + warp;
+        phase -= std::floor(phase);
+        const double ripple = phase < 0.75 ? phase / 0.75 : (1.0 - phase) / 0.25;
+        const double patches = 0.5 + 0.5 * noise.fbm(u * 4.0, v * 4.0, 4, 4);
+        const double fine = noise.fbm(u * 32.0, v * 32.0, 32, 2);
+        double k = 0.78 + 0.16 * ripple + 0.1 * fine + 0.1 * grain(x, y, 7u);
+        Rgba c = ColourMath::mixWithAlpha(dark, light, Maths::clamp(0.25 + 0.75 * patches, 0.0, 1.0));
+        // Scattered darker grains and shell fragments.
+        const Noise::Cells cells = noise.cellular(u * 48.0, v * 48.0, 48);
+        if (cells.f1 < 0.09)
+            k *= 0.78 + 0.22 * cells.f1 / 0.09;
+        return ColourMath::shade(c, k);
+    });
 }
 
 Image IslandArt::water() const
 {
-    const int size = 256;
-    Image image(size, size);
     Noise noise(0x3A7Eu);
     const Rgba deep{ 0.03f, 0.11f, 0.24f, 0.8f };
     const Rgba shallow{ 0.07f, 0.23f, 0.38f, 0.84f };
     const Rgba crest{ 0.55f, 0.75f, 0.92f, 0.95f };
-    for (int y = 0; y < size; ++y) {
-        for (int x = 0; x < size; ++x) {
-            const double u = (x + 0.5) / size;
-            const double v = (y + 0.5) / size;
-            const double wx = u + 0.04 * noise.fbm(u * 4.0, v * 4.0, 4, 3);
-            const double wy = v + 0.04 * noise.fbm(u * 4.0 + 7.0, v * 4.0, 4, 3);
-            // Bright threads where wave cells meet, like moonlight caught on ripples.
-            const Noise::Cells a = noise.cellular(wx * 6.0, wy * 6.0, 6);
-            const Noise::Cells b = noise.cellular(wx * 11.0 + 0.5, wy * 11.0, 11);
-            const double lines = Maths::pow(1.0 - Maths::smoothstep(0.0, 0.22, a.f2 - a.f1), 3.0) * 0.55
-                + Maths::pow(1.0 - Maths::smoothstep(0.0, 0.2, b.f2 - b.f1), 3.0) * 0.2;
-            const double swell = 0.5 + 0.5 * noise.fbm(u * 3.0, v * 3.0, 3, 4);
-            Rgba c = mixColour(deep, shallow, swell);
-            c = mixColour(c, crest, Maths::clamp(lines, 0.0, 1.0) * 0.8);
-            image.at(x, y) = c;
-        }
-    }
-    return image;
+    return Image::square(256, [&](double u, double v, int, int) {
+        const double wx = u + 0.04 * noise.fbm(u * 4.0, v * 4.0, 4, 3);
+        const double wy = v + 0.04 * noise.fbm(u * 4.0 + 7.0, v * 4.0, 4, 3);
+        // Bright threads where wave cells meet, like moonlight caught on ripples.
+        const Noise::Cells a = noise.cellular(wx * 6.0, wy * 6.0, 6);
+        const Noise::Cells b = noise.cellular(wx * 11.0 + 0.5, wy * 11.0, 11);
+        const double lines = Maths::pow(1.0 - Maths::smoothstep(0.0, 0.22, a.f2 - a.f1), 3.0) * 0.55
+            + Maths::pow(1.0 - Maths::smoothstep(0.0, 0.2, b.f2 - b.f1), 3.0) * 0.2;
+        const double swell = 0.5 + 0.5 * noise.fbm(u * 3.0, v * 3.0, 3, 4);
+        Rgba c = ColourMath::mixWithAlpha(deep, shallow, swell);
+        return ColourMath::mixWithAlpha(c, crest, Maths::clamp(lines, 0.0, 1.0) * 0.8);
+    });
 }
 
 void IslandArt::hullPlanks(Image& image, int x0, int y0, int w, int h) const
@@ -114,10 +89,10 @@ void IslandArt::hullPlanks(Image& image, int x0, int y0, int w, int h) const
                 k *= 0.5;
             if ((along == 6 || along == 121) && (within == 4 || within == 11))
                 k *= 0.3; // nail heads
-            Rgba c = shade(wood, k);
+            Rgba c = ColourMath::shade(wood, k);
             // A painted strake runs along the top of the hull.
             if (y >= plank && y < plank + 6)
-                c = shade(trim, 0.9 + 0.1 * streak);
+                c = ColourMath::shade(trim, 0.9 + 0.1 * streak);
             image.at(x0 + x, y0 + y) = c;
         }
     }
@@ -140,7 +115,7 @@ void IslandArt::sailCloth(Image& image, int x0, int y0, int w, int h) const
                 k *= 0.85; // stitching beside the seam
             if (y % 32 == 0)
                 k *= 0.86; // reef line
-            image.at(x0 + x, y0 + y) = shade(cloth, k);
+            image.at(x0 + x, y0 + y) = ColourMath::shade(cloth, k);
         }
     }
 }
@@ -157,7 +132,7 @@ void IslandArt::deckPlanks(Image& image, int x0, int y0, int w, int h) const
             const double v = (double)y / h;
             const double streak = noise.fbm(u * 24.0, v * 2.0, 24, 4);
             if (y >= deckHeight) {
-                image.at(x0 + x, y0 + y) = shade(mast, 0.85 + 0.25 * streak + 0.06 * grain(x, y, 5u));
+                image.at(x0 + x, y0 + y) = ColourMath::shade(mast, 0.85 + 0.25 * streak + 0.06 * grain(x, y, 5u));
                 continue;
             }
             const int column = x / 12;
@@ -165,7 +140,7 @@ void IslandArt::deckPlanks(Image& image, int x0, int y0, int w, int h) const
             double k = tone * (0.88 + 0.18 * streak) + 0.04 * grain(x, y, 4u);
             if (x % 12 == 0)
                 k *= 0.4;
-            image.at(x0 + x, y0 + y) = shade(deck, k);
+            image.at(x0 + x, y0 + y) = ColourMath::shade(deck, k);
         }
     }
 }
@@ -182,22 +157,17 @@ Image IslandArt::ship() const
 
 Image IslandArt::particle() const
 {
-    const int size = 128;
-    Image image(size, size);
-    for (int y = 0; y < size; ++y) {
-        for (int x = 0; x < size; ++x) {
-            const double dx = (x + 0.5) / size * 2.0 - 1.0;
-            const double dy = (y + 0.5) / size * 2.0 - 1.0;
-            const double r2 = dx * dx + dy * dy;
-            // A hot core inside a wide soft halo, faded to nothing before the edge.
-            const double core = Maths::exp(-r2 / (2.0 * 0.12 * 0.12));
-            const double halo = Maths::exp(-r2 / (2.0 * 0.35 * 0.35));
-            const double edge = 1.0 - Maths::smoothstep(0.6, 0.98, std::sqrt(r2));
-            const double i = Maths::clamp((0.55 * core + 0.6 * halo) * edge, 0.0, 1.0);
-            image.at(x, y) = Rgba{ (float)i, (float)i, (float)i, (float)i };
-        }
-    }
-    return image;
+    return Image::square(128, [](double u, double v, int, int) {
+        const double dx = u * 2.0 - 1.0;
+        const double dy = v * 2.0 - 1.0;
+        const double r2 = dx * dx + dy * dy;
+        // A hot core inside a wide soft halo, faded to nothing before the edge.
+        const double core = Maths::exp(-r2 / (2.0 * 0.12 * 0.12));
+        const double halo = Maths::exp(-r2 / (2.0 * 0.35 * 0.35));
+        const double edge = 1.0 - Maths::smoothstep(0.6, 0.98, std::sqrt(r2));
+        const double i = Maths::clamp((0.55 * core + 0.6 * halo) * edge, 0.0, 1.0);
+        return Rgba{ (float)i, (float)i, (float)i, (float)i };
+    });
 }
 
 Image IslandArt::window() const
@@ -237,7 +207,7 @@ Image IslandArt::window() const
             const double fold = 0.85 + 0.15 * Maths::sin(x * 0.35) * Maths::smoothstep(0.7, 0.0, (x - left) / (right - left));
             const Rgba warm{ (float)(1.0 * fold), (float)((0.62 + 0.25 * t) * fold), (float)((0.25 + 0.2 * t) * fold), 0.88f };
             // Replaces the frame's colour rather than covering it, so the glass stays translucent.
-            image.at(x, y) = mixColour(image.at(x, y), warm, cover);
+            image.at(x, y) = ColourMath::mixWithAlpha(image.at(x, y), warm, cover);
         }
     }
     // Glazing bars.

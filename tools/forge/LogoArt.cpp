@@ -2,6 +2,7 @@
 // out of view, so everything that matters sits well inside that window.
 #include "LogoArt.h"
 
+#include "ColourMath.h"
 #include "Forge.h"
 #include "Maths.h"
 #include "Noise.h"
@@ -21,11 +22,6 @@ const double emblemRadius = 150.0;
 const Rgba navy{ 0.05f, 0.07f, 0.22f, 1.0f };
 const Rgba gold{ 1.0f, 0.78f, 0.25f, 1.0f };
 const Rgba white{ 1.0f, 1.0f, 1.0f, 1.0f };
-
-Rgba mixColour(Rgba a, Rgba b, double t)
-{
-    return Rgba{ (float)Maths::mix(a.r, b.r, t), (float)Maths::mix(a.g, b.g, t), (float)Maths::mix(a.b, b.b, t), 1.0f };
-}
 
 } // namespace
 
@@ -66,9 +62,9 @@ void LogoArt::drawBackground(Image& canvas) const
             // Twenty-four rays with soft edges, slightly wavering.
             const double wave = Maths::cos(angle * 24.0 + 0.6 * noise.gradient(r * 6.0, angle, 8));
             const double ray = Maths::smoothstep(-0.25, 0.25, wave);
-            Rgba c = mixColour(rayB, rayA, ray);
-            c = mixColour(core, c, Maths::smoothstep(0.0, 0.35, r));
-            c = mixColour(c, rim, Maths::smoothstep(0.3, 0.95, r));
+            Rgba c = ColourMath::mix(rayB, rayA, ray);
+            c = ColourMath::mix(core, c, Maths::smoothstep(0.0, 0.35, r));
+            c = ColourMath::mix(c, rim, Maths::smoothstep(0.3, 0.95, r));
             canvas.at(x, y) = c;
         }
     }
@@ -135,7 +131,7 @@ bool LogoArt::drawWordmark(Image& canvas) const
     const double top = baseline - sans.capHeight();
     stamp(canvas, word, [=](int, int y) {
         const double t = Maths::clamp((y - top) / (baseline - top), 0.0, 1.0);
-        return mixColour(white, Rgba{ 1.0f, 0.86f, 0.5f, 1.0f }, t * t);
+        return ColourMath::mix(white, Rgba{ 1.0f, 0.86f, 0.5f, 1.0f }, t * t);
     });
 
     // "CO" in gold on a navy pill under the name.

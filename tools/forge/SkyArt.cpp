@@ -2,6 +2,7 @@
 // stars are points wherever they fall on the dome, however the texels stretch.
 #include "SkyArt.h"
 
+#include "ColourMath.h"
 #include "Forge.h"
 #include "Maths.h"
 #include "Noise.h"
@@ -18,11 +19,6 @@ const double moonRadius = 3.2 * radian;
 double dot3(double ax, double ay, double az, double bx, double by, double bz)
 {
     return ax * bx + ay * by + az * bz;
-}
-
-Rgba mixColour(Rgba a, Rgba b, double t)
-{
-    return Rgba{ (float)Maths::mix(a.r, b.r, t), (float)Maths::mix(a.g, b.g, t), (float)Maths::mix(a.b, b.b, t), 1.0f };
 }
 
 // Angle between two unit vectors from their chord: exact enough and needs no arc cosine.
@@ -78,8 +74,8 @@ void SkyArt::drawBase(Image& sky) const
     for (int y = 0; y < height; ++y) {
         const double v = (y + 0.5) / height;
         const double t = 1.0 - v;
-        Rgba row = mixColour(horizon, middle, Maths::smoothstep(0.0, 0.35, t));
-        row = mixColour(row, zenith, Maths::smoothstep(0.3, 1.0, t));
+        Rgba row = ColourMath::mix(horizon, middle, Maths::smoothstep(0.0, 0.35, t));
+        row = ColourMath::mix(row, zenith, Maths::smoothstep(0.3, 1.0, t));
         // Near the zenith every texel of a row is the same point: fade the texture out there.
         const double detail = 1.0 - Maths::smoothstep(0.75, 0.97, t);
         for (int x = 0; x < width; ++x) {
@@ -157,7 +153,7 @@ void SkyArt::drawClouds(Image& sky) const
             const Dir d = texelDirection(x, y);
             const double a = angleBetween(d.x - moon.x, d.y - moon.y, d.z - moon.z);
             const double lit = 1.2 * Maths::exp(-a / 0.3) + 0.18;
-            const Rgba c = mixColour(shadowSide, litSide, Maths::clamp(lit * (0.6 + 0.4 * n), 0.0, 1.0));
+            const Rgba c = ColourMath::mix(shadowSide, litSide, Maths::clamp(lit * (0.6 + 0.4 * n), 0.0, 1.0));
             sky.blend(x, y, c, density * 0.85);
         }
     }
