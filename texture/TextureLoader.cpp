@@ -50,6 +50,17 @@ bool TextureLoader::checkExtension(const char* ext) const
     return false;
 }
 
+Texture* TextureLoader::adoptPixels(const char* name, int w, int h, int format, unsigned char* pixels)
+{
+    Texture* t = new Texture();
+    if (!t->create(name, w, h, 8, format, pixels)) {
+        delete[] pixels;
+        delete t;
+        return nullptr;
+    }
+    return t;
+}
+
 bool TextureLoader::sizeUsable(long long w, long long h)
 {
     if (w < 1 || h < 1 || w > maxSide || h > maxSide)

@@ -31,6 +31,11 @@ public:
     // hasAlpha, A; returns the bytes written.
     static int storePixel(unsigned char* out, int format, const unsigned char rgba[4], bool hasAlpha);
 
+protected:
+    // An 8-bit Texture made from decoded pixels, which it then owns; when the
+    // texture refuses them both are freed and the result is null.
+    static Texture* adoptPixels(const char* name, int w, int h, int format, unsigned char* pixels);
+
 private:
     char* extensions;
 };

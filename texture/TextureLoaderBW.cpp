@@ -125,13 +125,11 @@ Texture* TextureLoaderBW::loadTexture(const char* name, int format)
     } else {
         ok = readRle(in, width, height, pixels);
     }
-    Texture* t = ok ? new Texture() : nullptr;
-    if (!t || !t->create(name, width, height, 8, format, pixels)) {
+    if (!ok) {
         delete[] pixels;
-        delete t;
         return nullptr;
     }
-    return t;
+    return adoptPixels(name, width, height, format, pixels);
 }
 
 bool TextureLoaderBW::reloadTexture(const char*, Texture*)

@@ -110,13 +110,7 @@ Texture* TextureLoaderJPG::loadTexture(const char* name, int format)
     std::fclose(file);
     if (!pixels)
         return nullptr;
-    Texture* t = new Texture();
-    if (!t->create(name, w, h, 8, format, pixels)) {
-        delete[] pixels;
-        delete t;
-        return nullptr;
-    }
-    return t;
+    return adoptPixels(name, w, h, format, pixels);
 }
 
 bool TextureLoaderJPG::reloadTexture(const char*, Texture*)

@@ -142,13 +142,7 @@ Texture* TextureLoaderPCX::loadTexture(const char* name, int format)
         delete[] pixels;
         return nullptr;
     }
-    Texture* t = new Texture();
-    if (!t->create(name, image.width, image.height, 8, format, pixels)) {
-        delete[] pixels;
-        delete t;
-        return nullptr;
-    }
-    return t;
+    return adoptPixels(name, image.width, image.height, format, pixels);
 }
 
 bool TextureLoaderPCX::reloadTexture(const char* name, Texture* t)

@@ -145,13 +145,7 @@ Texture* TextureLoaderPNG::loadTexture(const char* name, int format)
     std::fclose(file);
     if (!ok)
         return nullptr;
-    Texture* t = new Texture();
-    if (!t->create(name, target.width, target.height, 8, format, target.pixels)) {
-        delete[] target.pixels;
-        delete t;
-        return nullptr;
-    }
-    return t;
+    return adoptPixels(name, target.width, target.height, format, target.pixels);
 }
 
 bool TextureLoaderPNG::reloadTexture(const char* name, Texture* t)

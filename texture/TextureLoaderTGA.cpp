@@ -51,12 +51,7 @@ Texture* TextureLoaderTGA::loadTexture(const char* name, int format)
             return nullptr;
     }
     // No Targa file is used: the image is deliberately empty.
-    Texture* t = new Texture();
-    if (!t->create(name, 0, 0, 8, format, new unsigned char[1]())) {
-        delete t;
-        return nullptr;
-    }
-    return t;
+    return adoptPixels(name, 0, 0, format, new unsigned char[1]());
 }
 
 bool TextureLoaderTGA::reloadTexture(const char*, Texture*)

@@ -83,13 +83,7 @@ Texture* TextureLoaderTIFF::loadTexture(const char* name, int format)
     unsigned char* pixels = nullptr;
     if (!decodeTiff(name, format, w, h, pixels))
         return nullptr;
-    Texture* t = new Texture();
-    if (!t->create(name, w, h, 8, format, pixels)) {
-        delete[] pixels;
-        delete t;
-        return nullptr;
-    }
-    return t;
+    return adoptPixels(name, w, h, format, pixels);
 }
 
 bool TextureLoaderTIFF::reloadTexture(const char* name, Texture* t)
