@@ -1,10 +1,10 @@
 // Reads the headers and structure of the standard image files the engine loads.
 #include "ImageReport.h"
 
+#include "FileBytes.h"
 #include "texture/TextureLoader.h"
 
 #include <cstring>
-#include <fstream>
 #include <tiffio.h>
 #include <zlib.h>
 
@@ -41,18 +41,8 @@ unsigned ImageReport::littleEndian(size_t at, int count) const
 
 bool ImageReport::inspect(const std::string& file, FileKind::Kind kind)
 {
-    std::ifstream in(file, std::ios::binary | std::ios::ate);
-    if (!in)
-        return fail("cannot be opened");
-    long long size = static_cast<long long>(in.tellg());
-    if (size < 0 || size > maxFileSize)
-        return fail("is too large for an image");
-    bytes.resize(static_cast<size_t>(size));
-    in.seekg(0);
-    if (size > 0)
-        in.read(reinterpret_cast<char*>(bytes.data()), size);
-    if (!in)
-        return fail("cannot be read");
+    if (!FileBytes::read(file, maxFileSize, "is too large for an image", bytes, problem))
+        return false;
     switch (kind) {
     case FileKind::PNG: return inspectPng();
     case FileKind::JPEG: return inspectJpeg();

@@ -1,8 +1,9 @@
 // Walks a FastTracker 2 module to its last byte and asks libopenmpt to open it.
 #include "XmReport.h"
 
+#include "FileBytes.h"
+
 #include <cstdio>
-#include <fstream>
 #include <libopenmpt/libopenmpt.h>
 
 namespace {
@@ -37,18 +38,8 @@ unsigned XmReport::dword(size_t at) const
 
 bool XmReport::inspect(const std::string& file)
 {
-    std::ifstream in(file, std::ios::binary | std::ios::ate);
-    if (!in)
-        return fail("cannot be opened");
-    long long size = static_cast<long long>(in.tellg());
-    if (size < 0 || size > maxFileSize)
-        return fail("is too large for a module");
-    bytes.resize(static_cast<size_t>(size));
-    in.seekg(0);
-    if (size > 0)
-        in.read(reinterpret_cast<char*>(bytes.data()), size);
-    if (!in)
-        return fail("cannot be read");
+    if (!FileBytes::read(file, maxFileSize, "is too large for a module", bytes, problem))
+        return false;
     if (!has(0, headerStart + 20))
         return fail("XM header cut short");
     size_t headerSize = dword(headerStart);
