@@ -1,6 +1,8 @@
 // Feedback glow: the square is copied from the read buffer (whatever framebuffer is bound) and reused.
 #include "effects/Diffusion.h"
 
+#include "gl/OrthoView.h"
+
 #include <GL/gl.h>
 #include <GL/glext.h>
 #include <cmath>
@@ -84,21 +86,12 @@ void Diffusion::beginFlat()
     glDisable(GL_FOG);
     glDisable(GL_CULL_FACE);
     glDisable(GL_ALPHA_TEST);
-    glMatrixMode(GL_PROJECTION);
-    glPushMatrix();
-    glLoadIdentity();
-    glOrtho(0.0, 1.0, 0.0, 1.0, -1.0, 1.0);
-    glMatrixMode(GL_MODELVIEW);
-    glPushMatrix();
-    glLoadIdentity();
+    OrthoView::push(1.0, 1.0);
 }
 
 void Diffusion::endFlat()
 {
-    glMatrixMode(GL_PROJECTION);
-    glPopMatrix();
-    glMatrixMode(GL_MODELVIEW);
-    glPopMatrix();
+    OrthoView::pop();
     glPopAttrib();
 }
 

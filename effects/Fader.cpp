@@ -1,6 +1,8 @@
 // Full-screen colour fades across scene cuts.
 #include "effects/Fader.h"
 
+#include "gl/OrthoView.h"
+
 #include <GL/gl.h>
 
 Fader::Fader(const Color& c, short layer, const EffectTimer& timer)
@@ -65,22 +67,13 @@ void Fader::beginBlend()
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glDisable(GL_DEPTH_TEST);
-    glMatrixMode(GL_PROJECTION);
-    glPushMatrix();
-    glLoadIdentity();
-    glOrtho(0.0, 1.0, 0.0, 1.0, -1.0, 1.0);
-    glMatrixMode(GL_MODELVIEW);
-    glPushMatrix();
-    glLoadIdentity();
+    OrthoView::push(1.0, 1.0);
     glColor4f(colour[0], colour[1], colour[2], alpha);
 }
 
 void Fader::endBlend()
 {
-    glMatrixMode(GL_PROJECTION);
-    glPopMatrix();
-    glMatrixMode(GL_MODELVIEW);
-    glPopMatrix();
+    OrthoView::pop();
     glEnable(GL_DEPTH_TEST);
     glDisable(GL_BLEND);
     glEnable(GL_CULL_FACE);

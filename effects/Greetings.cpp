@@ -1,6 +1,7 @@
 // The closing text roll: the lines, the scroll with its entry and exit rules, and the drawing.
 #include "effects/Greetings.h"
 
+#include "gl/OrthoView.h"
 #include "scene/Camera.h"
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
@@ -137,13 +138,7 @@ void Greetings::display()
     if (lightingWasOn)
         lights->turnLightingOff();
 
-    glMatrixMode(GL_PROJECTION);
-    glPushMatrix();
-    glLoadIdentity();
-    glOrtho(0.0, 640.0, 0.0, 480.0, -1.0, 1.0);
-    glMatrixMode(GL_MODELVIEW);
-    glPushMatrix();
-    glLoadIdentity();
+    OrthoView::push(640.0, 480.0);
     glEnable(GL_COLOR_MATERIAL);
     glEnable(GL_TEXTURE_2D);
 
@@ -159,10 +154,7 @@ void Greetings::display()
 
     glDisable(GL_TEXTURE_2D);
     glDisable(GL_COLOR_MATERIAL);
-    glMatrixMode(GL_PROJECTION);
-    glPopMatrix();
-    glMatrixMode(GL_MODELVIEW);
-    glPopMatrix();
+    OrthoView::pop();
 
     if (lightingWasOn)
         lights->turnLightingOn();

@@ -1,6 +1,7 @@
 // The rippling logo sheet: resting grid, the wave that displaces it and its drawing.
 #include "effects/Logo.h"
 
+#include "gl/OrthoView.h"
 #include "scene/LightMgr.h"
 #include "texture/Texture.h"
 #include "texture/TextureMgr.h"
@@ -96,13 +97,7 @@ void Logo::display()
         texture->bind();
     // Untinted, whatever colour the effect drawn before left current.
     glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
-    glMatrixMode(GL_PROJECTION);
-    glPushMatrix();
-    glLoadIdentity();
-    glOrtho(0.0, 640.0, 0.0, 480.0, -1.0, 1.0);
-    glMatrixMode(GL_MODELVIEW);
-    glPushMatrix();
-    glLoadIdentity();
+    OrthoView::push(640.0, 480.0);
 
     glBegin(GL_QUADS);
     for (int row = 0; row + 1 < GRID; ++row) {
@@ -117,10 +112,7 @@ void Logo::display()
     }
     glEnd();
 
-    glMatrixMode(GL_PROJECTION);
-    glPopMatrix();
-    glMatrixMode(GL_MODELVIEW);
-    glPopMatrix();
+    OrthoView::pop();
     if (texture)
         texture->unbind();
     LightMgr::getHandle()->turnLightingOn();

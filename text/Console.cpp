@@ -1,6 +1,7 @@
 // The console overlay: the line ring with its wrapping rules, its materials and its drawing.
 #include "text/Console.h"
 
+#include "gl/OrthoView.h"
 #include "scene/LightMgr.h"
 #include "texture/MaterialMgr.h"
 #include "texture/TextureMaterial.h"
@@ -331,21 +332,12 @@ void Console::drawCharacter(int column, int row, int character)
 
 void Console::beginDraw()
 {
-    glMatrixMode(GL_PROJECTION);
-    glPushMatrix();
-    glLoadIdentity();
-    glOrtho(0.0, VIEW_WIDTH, 0.0, VIEW_HEIGHT, -1.0, 1.0);
-    glMatrixMode(GL_MODELVIEW);
-    glPushMatrix();
-    glLoadIdentity();
+    OrthoView::push(VIEW_WIDTH, VIEW_HEIGHT);
 }
 
 void Console::endDraw()
 {
-    glMatrixMode(GL_PROJECTION);
-    glPopMatrix();
-    glMatrixMode(GL_MODELVIEW);
-    glPopMatrix();
+    OrthoView::pop();
 }
 
 void Console::drawBackground()
