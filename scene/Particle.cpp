@@ -8,6 +8,29 @@
 
 Material* Particle::lastMaterial = nullptr;
 
+namespace {
+
+// A flat card facing the viewer: texture corner and signed half-size per
+// corner, top left first, counter-clockwise. A triangle takes the first three.
+const float cardCorners[4][4] = {
+    {0.0f, 0.0f, -1.0f, 1.0f},
+    {0.0f, 1.0f, -1.0f, -1.0f},
+    {1.0f, 1.0f, 1.0f, -1.0f},
+    {1.0f, 0.0f, 1.0f, 1.0f},
+};
+
+void drawCard(GLenum mode, int corners, float sx, float sy)
+{
+    glBegin(mode);
+    for (int i = 0; i < corners; ++i) {
+        const float* c = cardCorners[i];
+        glTexCoord2f(c[0], c[1]);
+        glVertex3f(c[2] * sx, c[3] * sy, 0.0f);
+    }
+    glEnd();
+}
+}
+
 Particle::Particle()
     : type(PARTICLE_POINT), flags(0), lifetime(0.0f), info(nullptr), material(nullptr), mesh(nullptr),
       invLifetime(0.0f), age(0.0f), startColor(1.0f, 1.0f, 1.0f, 1.0f), endColor(1.0f, 1.0f, 1.0f, 1.0f),
@@ -60,27 +83,11 @@ void Particle::draw() const
         glEnd();
         break;
     case PARTICLE_TRIANGLE:
-        glBegin(GL_TRIANGLES);
-        glTexCoord2f(0.0f, 0.0f);
-        glVertex3f(-sx, sy, 0.0f);
-        glTexCoord2f(0.0f, 1.0f);
-        glVertex3f(-sx, -sy, 0.0f);
-        glTexCoord2f(1.0f, 1.0f);
-        glVertex3f(sx, -sy, 0.0f);
-        glEnd();
+        drawCard(GL_TRIANGLES, 3, sx, sy);
         break;
     case PARTICLE_QUAD:
     case PARTICLE_SPHERE:
-        glBegin(GL_QUADS);
-        glTexCoord2f(0.0f, 0.0f);
-        glVertex3f(-sx, sy, 0.0f);
-        glTexCoord2f(0.0f, 1.0f);
-        glVertex3f(-sx, -sy, 0.0f);
-        glTexCoord2f(1.0f, 1.0f);
-        glVertex3f(sx, -sy, 0.0f);
-        glTexCoord2f(1.0f, 0.0f);
-        glVertex3f(sx, sy, 0.0f);
-        glEnd();
+        drawCard(GL_QUADS, 4, sx, sy);
         break;
     case PARTICLE_MESH:
         if (mesh)
