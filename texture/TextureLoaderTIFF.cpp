@@ -3,9 +3,20 @@
 
 #include "texture/Texture.h"
 
+#include <sys/stat.h>
 #include <tiffio.h>
 
 namespace {
+
+// Even a bilevel strip squeezed by the best codec libtiff has stays under this many pixels a
+// byte; a header claiming more would only make libtiff fill a huge raster from nothing.
+const long long maxPixelsPerByte = 4096;
+
+long long fileSize(const char* name)
+{
+    struct stat info;
+    return stat(name, &info) == 0 ? static_cast<long long>(info.st_size) : 0;
+}
 
 // libtiff prints its complaints through process-wide handlers; a loader stays silent.
 class QuietTiff {
@@ -40,6 +51,7 @@ bool decodeTiff(const char* name, int format, int& w, int& h, unsigned char*& pi
     TIFFGetField(tif, TIFFTAG_IMAGELENGTH, &height);
     bool given = pixels != nullptr;
     if (!TextureLoader::sizeUsable(width, height) ||
+        static_cast<long long>(width) * height > fileSize(name) * maxPixelsPerByte ||
         (given && (static_cast<int>(width) != w || static_cast<int>(height) != h))) {
         TIFFClose(tif);
         return false;

@@ -290,7 +290,8 @@ unsigned pixelSum(const Texture& t)
 {
     unsigned sum = 0;
     const unsigned char* p = t.getDataPtr();
-    for (long long i = 0; p && i < t.getDataSize(); ++i)
+    const long long size = p ? t.getDataSize() : 0;
+    for (long long i = 0; i < size; ++i)
         sum += p[i];
     return sum;
 }

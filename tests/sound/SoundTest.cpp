@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -71,7 +72,7 @@ protected:
         return out;
     }
     static bool silent(const std::vector<int16_t>& pcm) {
-        return pcm == std::vector<int16_t>(pcm.size(), 0);
+        return std::all_of(pcm.begin(), pcm.end(), [](int16_t v) { return v == 0; });
     }
     Sound* sound = Sound::getHandle();
     std::string module = scratchPath("mix.xm");
