@@ -3,6 +3,7 @@
 
 #include "scene/object/Chunk.h"
 #include "scene/object/ChunkFile.h"
+#include "scene/object/ChunkList.h"
 #include "texture/Material.h"
 #include "texture/MulTextureMaterial.h"
 #include "texture/TextureMaterial.h"
@@ -102,20 +103,11 @@ bool MaterialMgr::load(std::istream& in)
         return true;
     if (!Chunk::fits(in, n, smallestChild))
         return false;
-    for (int32_t i = 0; i < n; ++i) {
+    auto make = [](std::istream& s) -> Material* {
         char tag[4];
-        if (!Chunk::peekTag(in, tag))
-            return false;
-        Material* m = materialFor(tag);
-        if (!m)
-            return false;
-        if (!m->load(in)) {
-            delete m;
-            return false;
-        }
-        add(m);
-    }
-    return true;
+        return Chunk::peekTag(s, tag) ? materialFor(tag) : nullptr;
+    };
+    return ChunkList::readItems(in, n, make, [this](Material* m) { add(m); });
 }
 
 bool MaterialMgr::save(std::ostream& out)
