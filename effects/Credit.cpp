@@ -1,6 +1,8 @@
 // The opening credits: picture fade, circling blur trail, shared texture and camera.
 #include "effects/Credit.h"
 
+#include "effects/CreditsLayout.h"
+
 #include "gl/GLF_checkError.h"
 #include "math/Matrix4.h"
 #include "math/Transform.h"
@@ -15,14 +17,11 @@
 
 namespace {
 
-const char* const TEXTURE_FILE = "data/img/credits.png";
 const char* const CAMERA_NAME = "CreditsCamera";
-// Luminance with alpha.
-const int TEXTURE_FORMAT = 6;
 // The trail turns away from this point, rotated about the view axis.
 const Vector3 TRAIL_ORIGIN(-100.0f, 0.0f, 601.0f);
 // Each credit takes a quarter of the texture, top to bottom.
-const float CREDIT_V = 0.25f;
+const float CREDIT_V = 1.0f / static_cast<float>(CreditsLayout::CREDIT_COUNT);
 
 }
 
@@ -53,9 +52,9 @@ void Credit::initiate()
         angleSpeed = -360.0f / span;
     }
 
-    texture = TextureMgr::getHandle()->loadTexture(TEXTURE_FILE, TEXTURE_FORMAT);
+    texture = TextureMgr::getHandle()->loadTexture(CreditsLayout::TEXTURE.file, CreditsLayout::TEXTURE.format);
     if (!texture)
-        std::printf("Credit::initiate() could not load %s\n", TEXTURE_FILE);
+        std::printf("Credit::initiate() could not load %s\n", CreditsLayout::TEXTURE.file);
     else if (index == 0)
         texture->upload();
 

@@ -1,5 +1,6 @@
 // Feedback glow: the square is copied from the read buffer (whatever framebuffer is bound) and reused.
 #include "effects/Diffusion.h"
+#include "math/MathConstants.h"
 
 #include "gl/OrthoView.h"
 
@@ -10,7 +11,6 @@
 
 namespace {
 
-const float TWO_PI = 6.2831855f;
 
 void quad(float u0, float v0, float u1, float v1)
 {
@@ -66,7 +66,7 @@ void Diffusion::copyOffset(int i, float& du, float& dv) const
         du = dv = 0.0f;
         return;
     }
-    const float angle = TWO_PI * static_cast<float>(i) / static_cast<float>(strength);
+    const float angle = MathConstants::TWO_PI * static_cast<float>(i) / static_cast<float>(strength);
     du = std::cos(angle) * SPREAD / static_cast<float>(SIZE);
     dv = std::sin(angle) * SPREAD / static_cast<float>(SIZE);
 }

@@ -1,13 +1,17 @@
 // The open-sea scene: loading its content, the water's waves, the looping birds and the drawing order.
 #include "effects/Islands.h"
 
+#include "effects/IslandsLayout.h"
+#include "effects/SceneKit.h"
+#include "effects/SharedLayout.h"
+#include "math/MathConstants.h"
+
 #include "math/Color.h"
 #include "scene/BezierMesh.h"
 #include "scene/BoundingBox.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
-#include "scene/DirectionalLight.h"
 #include "scene/FaceArray.h"
 #include "scene/LightMgr.h"
 #include "scene/Lin3Track.h"
@@ -25,13 +29,13 @@
 #include <GL/glext.h>
 #include <cmath>
 #include <iostream>
+#include <string>
 
 namespace {
 
-// The absolute art directory.
-const char* const ART_DIR = "data/img/";
+using namespace IslandsLayout;
+
 const float SKY_RADIUS = 200.0f;
-const float DEGREES_TO_RADIANS = 0.017453292f;
 const float VERTEX_PHASE_STEP = 81.48733f;
 const float WAVE_HEIGHT = 0.125f;
 const float SCROLL_SPEED = 0.0128f;
@@ -39,61 +43,23 @@ const float WAVE_SPEED = 45.0f;
 // The water reaches the rim of the sky dome; its texture repeats every ten units.
 const float WATER_EXTENT = 200.0f;
 const float WATER_TEXTURE_REPEAT = 40.0f;
-
-struct MountainFile {
-    const char* file;
-    Vector3 offset;
-};
-const MountainFile MOUNTAINS[] = {
-    {"data/3d/mountain1.bez", Vector3(10.0f, -0.15f, 10.0f)},
-    {"data/3d/mountain2.bez", Vector3(10.0f, -0.15f, -10.0f)},
-    {"data/3d/mountain3.bez", Vector3(-10.0f, -0.15f, -10.0f)},
-    {"data/3d/mountain4.bez", Vector3(-10.0f, -0.15f, 10.0f)},
-    {"data/3d/mountain6.bez", Vector3(-20.0f, -0.3f, 15.0f)},
-    {"data/3d/mountain7.bez", Vector3(60.0f, 0.5f, 0.0f)},
-};
+const int MOUNTAIN_GRID = 10;
 
 const Vector3 BIRD_OFFSETS[Islands::NUM_BIRDS] = {
     Vector3(0.0f, 0.0f, 0.0f),    Vector3(20.0f, -0.5f, 8.0f),   Vector3(-6.0f, 5.0f, 4.0f),
     Vector3(0.0f, 1.0f, 18.0f),   Vector3(-18.0f, 0.25f, 18.0f), Vector3(-15.0f, -0.5f, -15.0f),
 };
 
-const Vector3 PLUMES[Islands::NUM_CLUSTERS] = {
-    Vector3(-12.5f, 0.93f, 8.0f),
-    Vector3(9.0f, 1.5f, 5.0f),
-    Vector3(-7.0f, 1.0f, -7.0f),
-    Vector3(4.3f, 2.3f, -4.6f),
-};
-
 const Color GREY_AMBIENT(0.2f, 0.2f, 0.2f, 1.0f);
 const Color GREY_DIFFUSE(0.8f, 0.8f, 0.8f, 1.0f);
 const Color WHITE(1.0f, 1.0f, 1.0f, 1.0f);
+const SceneKit::LightSetup ISLAND_LIGHT = {Vector3(), GREY_AMBIENT, GREY_DIFFUSE, WHITE, {2.0f, 1.5f, 0.5f}};
 
-TextureMaterial* makeMaterial(const char* name, Texture* texture, int blend, unsigned long flags)
+SceneKit::LightSetup islandLight(const Vector3& direction)
 {
-    TextureMaterial* material = new TextureMaterial(name);
-    material->setTexture(texture);
-    material->setBlendMode(blend);
-    material->setFlags(flags);
-    MaterialMgr::getHandle()->add(material);
-    return material;
-}
-
-Light* findOrMakeLight(const char* name, const Vector3& position)
-{
-    Light* light = LightMgr::getHandle()->find(name);
-    if (!light) {
-        light = new DirectionalLight(name);
-        light->setPosition(position);
-        light->setAmbient(GREY_AMBIENT);
-        light->setDiffuse(GREY_DIFFUSE);
-        light->setSpecular(WHITE);
-        light->setAttenuation(2.0f, 1.5f, 0.5f);
-        LightMgr::getHandle()->add(light);
-    }
-    light->initiate();
-    light->turnOn();
-    return light;
+    SceneKit::LightSetup setup = ISLAND_LIGHT;
+    setup.direction = direction;
+    return setup;
 }
 
 Vector3 trackPosition(const MeshAnimation* animation)
@@ -135,87 +101,80 @@ Islands::~Islands()
 
 void Islands::loadBezierMeshes()
 {
-    Texture* sand = TextureMgr::getHandle()->loadTexture("data/img/sand4.png", 7);
-    TextureMaterial* material = new TextureMaterial("Sand4");
-    material->setTexture(sand);
+    TextureMaterial* material =
+        SceneKit::makeMaterial("Sand4", SceneKit::loadTexture(SAND), Material::blendNone, Material::textured);
     material->setAmbient(GREY_AMBIENT);
     material->setDiffuse(GREY_DIFFUSE);
     material->setSpecular(WHITE);
-    material->setBlendMode(0);
-    material->setFlags(0x10000013);
-    MaterialMgr::getHandle()->add(material);
 
-    for (const MountainFile& entry : MOUNTAINS) {
-        BezierMesh* mesh = new BezierMesh();
-        if (!mesh->load(entry.file)) {
-            std::cerr << "Couldn't load '" << entry.file << "'\n";
-            delete mesh;
+    for (const Mountain& entry : MOUNTAINS) {
+        const std::string message = std::string("Couldn't load '") + entry.file + "'\n";
+        BezierMesh* mesh = SceneKit::loadOrSay<BezierMesh>(entry.file, message.c_str());
+        if (!mesh)
             continue;
-        }
-        mesh->setGridSize(10, 10);
+        mesh->setGridSize(MOUNTAIN_GRID, MOUNTAIN_GRID);
         mesh->setMaterial(material);
         mesh->moveMesh(entry.offset);
-        mountains = new Mountain{mesh, mountains};
+        mountains = new MountainNode{mesh, mountains};
     }
 }
 
 void Islands::loadShip()
 {
-    ship = new Mesh();
-    if (!ship->load("data/3d/ship.msh")) {
-        std::cerr << "Couldn't 'data/3d/load ship.msh'\n";
-        delete ship;
-        ship = nullptr;
+    ship = SceneKit::loadOrSay<Mesh>(SharedLayout::SHIP_MESH, "Couldn't 'data/3d/load ship.msh'\n");
+    if (!ship)
         return;
-    }
     if (!MaterialMgr::getHandle()->find("ShipMaterial")) {
-        Texture* texture = TextureMgr::getHandle()->loadTexture("data/img/ship.png", 7);
+        Texture* texture = SceneKit::loadTexture(SharedLayout::SHIP_TEXTURE);
         if (!texture)
             std::cerr << "Unable to load data/img/ship.png\n";
-        TextureMaterial* material = makeMaterial("ShipIslandMaterial", texture, 0, 0x10000043);
+        TextureMaterial* material =
+            SceneKit::makeMaterial("ShipIslandMaterial", texture, Material::blendNone, Material::reflective);
         material->setAmbient(GREY_AMBIENT);
         material->setDiffuse(GREY_DIFFUSE);
         material->setSpecular(Color(0.5f, 0.5f, 0.5f, 1.0f));
-        FaceArray* faces = ship->getFaces();
-        for (int i = 0; faces && i < faces->getNumFaces(); ++i)
-            (*faces)[i].setMaterial(material);
+        SceneKit::giveMaterial(ship, material);
     }
-    shipAnim = new MeshAnimation();
-    if (!shipAnim->load("data/3d/ship_island.cam")) {
-        std::cerr << "Failed to load 'data/3d/ship_island.cam'\n";
-        delete shipAnim;
-        shipAnim = nullptr;
+    shipAnim = SceneKit::loadOrSay<MeshAnimation>(SHIP_PATH, "Failed to load 'data/3d/ship_island.cam'\n");
+    if (!shipAnim)
         return;
-    }
     shipAnim->setup();
-    shipAnim->setFramesPerSec(24.0f);
+    shipAnim->setFramesPerSec(static_cast<float>(SHIP_FRAMES_PER_SEC));
     shipAnim->setMesh(ship);
 }
 
 void Islands::loadBirds()
 {
-    const char* const files[2] = {"data/3d/fugl1.msh", "data/3d/fugl2.msh"};
     for (int i = 0; i < 2; ++i) {
-        birdMeshes[i] = new Mesh();
-        if (!birdMeshes[i]->load(files[i])) {
-            std::cerr << "Unable to load bird " << i << "\n";
-            delete birdMeshes[i];
-            birdMeshes[i] = nullptr;
+        const std::string message = "Unable to load bird " + std::to_string(i) + "\n";
+        birdMeshes[i] = SceneKit::loadOrSay<Mesh>(BIRD_MESHES[i], message.c_str());
+        if (!birdMeshes[i])
             return;
-        }
     }
-    birdAnim = new MeshAnimation();
-    if (!birdAnim->load("data/3d/bird_island.cam")) {
-        // No newline, a backspace instead: the program's own message.
-        std::cerr << "Unable to load bird anim\b";
-        delete birdAnim;
-        birdAnim = nullptr;
+    // No newline, a backspace instead: the program's own message.
+    birdAnim = SceneKit::loadOrSay<MeshAnimation>(BIRD_PATH, "Unable to load bird anim\b");
+    if (!birdAnim)
         return;
-    }
     birdAnim->setup();
-    birdAnim->setFramesPerSec(12.0f);
+    birdAnim->setFramesPerSec(static_cast<float>(BIRD_FRAMES_PER_SEC));
     for (int i = 0; i < NUM_BIRDS; ++i)
         birds = new Bird{i % 2, BIRD_OFFSETS[i], birds};
+}
+
+int Islands::getMountainCount() const
+{
+    int count = 0;
+    for (const MountainNode* m = mountains; m; m = m->next)
+        ++count;
+    return count;
+}
+
+int Islands::getBirdCount() const
+{
+    int count = 0;
+    for (const Bird* bird = birds; bird; bird = bird->next)
+        ++count;
+    return count;
 }
 
 void Islands::initiate()
@@ -226,20 +185,19 @@ void Islands::initiate()
     waterPhase = 0.0f;
     waterScroll = 0.0f;
 
-    const std::string art(ART_DIR);
-    windowTexture = TextureMgr::getHandle()->loadTexture((art + "window02.png").c_str(), 8);
+    windowTexture = SceneKit::loadTexture(WINDOW);
 
     skyMaterial = MaterialMgr::getHandle()->find("HemisphereMaterial");
     if (!skyMaterial) {
-        Texture* texture = TextureMgr::getHandle()->loadTexture((art + "skymoon2.png").c_str(), 7);
+        Texture* texture = SceneKit::loadTexture(SKY);
         if (!texture)
             std::cout << "Could not load hemisphere texture\n";
-        skyMaterial = makeMaterial("HemisphereMaterial", texture, 0, 0x10000013);
+        skyMaterial = SceneKit::makeMaterial("HemisphereMaterial", texture, Material::blendNone, Material::textured);
     }
 
     CameraMgr* cameras = CameraMgr::getHandle();
-    if (!cameras->find("IslandCamera")) {
-        Camera* camera = new Camera("IslandCamera");
+    if (!cameras->find(CAMERA_NAME)) {
+        Camera* camera = new Camera(CAMERA_NAME);
         camera->lookAt(Vector3(20.0f, 5.0f, 20.0f), Vector3(-50.0f, 1.0f, -10.0f));
         camera->setClipPlanes(0.1f, 1000.0f);
         camera->setFOV(45.0f);
@@ -247,8 +205,8 @@ void Islands::initiate()
         cameras->setActiveCamera(camera);
     }
 
-    findOrMakeLight("IslandLight1", Vector3(0.0f, -1.0f, 1.0f));
-    findOrMakeLight("IslandLight2", Vector3(1.0f, 1.0f, 0.0f));
+    SceneKit::directionalLight("IslandLight1", islandLight(Vector3(0.0f, -1.0f, 1.0f)));
+    SceneKit::directionalLight("IslandLight2", islandLight(Vector3(1.0f, 1.0f, 0.0f)));
 
     createWaterMesh();
     loadCluster();
@@ -258,8 +216,8 @@ void Islands::initiate()
 void Islands::loadCluster()
 {
     unloadCluster();
-    Texture* texture = TextureMgr::getHandle()->loadTexture("data/img/particle.png", 7);
-    TextureMaterial* material = makeMaterial("ICL", texture, 6, 0x20000013);
+    TextureMaterial* material = SceneKit::makeMaterial("ICL", SceneKit::loadTexture(SharedLayout::PARTICLE),
+                                                       Material::blendGlow, Material::overlay);
     for (int i = 0; i < NUM_CLUSTERS; ++i) {
         const Vector3 corner(2.0f, 2.0f, 2.0f);
         const BoundingBox region(PLUMES[i] - corner, PLUMES[i] + corner);
@@ -274,14 +232,10 @@ void Islands::loadCluster()
 void Islands::loadCameraAnims()
 {
     unloadCameraAnims();
-    cameraAnim = new CameraAnimation();
-    if (!cameraAnim->load("data/3d/camera_islands.cam")) {
-        std::cerr << "Couldn't load 'data/3d/camera_islands.cam'\n";
-        delete cameraAnim;
-        cameraAnim = nullptr;
-        return;
-    }
-    cameraAnim->setup();
+    cameraAnim =
+        SceneKit::loadOrSay<CameraAnimation>(CAMERA_PATH, "Couldn't load 'data/3d/camera_islands.cam'\n");
+    if (cameraAnim)
+        cameraAnim->setup();
 }
 
 void Islands::createWaterMesh()
@@ -289,8 +243,8 @@ void Islands::createWaterMesh()
     unloadWaterMesh();
     Material* material = MaterialMgr::getHandle()->find("WaterMaterial");
     if (!material) {
-        Texture* texture = TextureMgr::getHandle()->loadTexture("data/img/water.png", 7);
-        material = makeMaterial("WaterMaterial", texture, 2, 0x20000013);
+        material = SceneKit::makeMaterial("WaterMaterial", SceneKit::loadTexture(WATER), Material::blendAlpha,
+                                          Material::overlay);
         material->setAmbient(Color(0.3f, 0.3f, 0.3f, 1.0f));
         material->setDiffuse(Color(0.7f, 0.7f, 0.7f, 1.0f));
         material->setSpecular(WHITE);
@@ -352,7 +306,7 @@ void Islands::updateWaterMesh(float dt)
     if (!water)
         return;
     VertexArray* vertices = water->getVertices();
-    const float radians = waterAngle * DEGREES_TO_RADIANS;
+    const float radians = waterAngle * MathConstants::DEGREES_TO_RADIANS;
     for (int i = 0; i < WATER_SIZE; ++i) {
         for (int j = 0; j < WATER_SIZE; ++j) {
             const int k = WATER_SIZE * i + j;
@@ -448,7 +402,7 @@ void Islands::drawIslands(Camera* camera)
 {
     glEnable(GL_NORMALIZE);
     glEnable(GL_AUTO_NORMAL);
-    for (Mountain* m = mountains; m; m = m->next)
+    for (MountainNode* m = mountains; m; m = m->next)
         m->mesh->draw(camera);
     glDisable(GL_NORMALIZE);
     glDisable(GL_AUTO_NORMAL);
@@ -468,7 +422,7 @@ void Islands::drawBirds(Camera* camera)
         glTranslatef(bird->offset.x, bird->offset.y, bird->offset.z);
         birdAnim->setMatrix();
         glRotatef(-90.0f, 0.0f, 1.0f, 0.0f);
-        mesh->draw(3);
+        mesh->draw(Mesh::drawShaded);
         glPopMatrix();
     }
     glFrontFace(GL_CCW);
@@ -483,7 +437,7 @@ void Islands::drawShip(Camera* camera)
     glPushMatrix();
     shipAnim->setMatrix();
     glFrontFace(GL_CW);
-    ship->draw(3);
+    ship->draw(Mesh::drawShaded);
     glFrontFace(GL_CCW);
     glPopMatrix();
 }
@@ -499,7 +453,7 @@ void Islands::drawWater()
     const float s = std::sin(waterScroll);
     glTranslatef(s, s * s, 0.0f);
     glMatrixMode(GL_MODELVIEW);
-    water->draw(7);
+    water->draw(Mesh::drawTextured);
     glMatrixMode(GL_TEXTURE);
     glPopMatrix();
     glMatrixMode(GL_MODELVIEW);
@@ -530,7 +484,7 @@ void Islands::shutdown()
 void Islands::unloadBezierMeshes()
 {
     while (mountains) {
-        Mountain* next = mountains->next;
+        MountainNode* next = mountains->next;
         delete mountains->mesh;
         delete mountains;
         mountains = next;

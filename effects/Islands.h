@@ -1,5 +1,6 @@
 // The open-sea scene: sky dome, sand mountains, waving water, the sailing ship, the birds and four fire plumes.
 #pragma once
+#include "effects/IslandsLayout.h"
 #include "math/Vector3.h"
 #include "runtime/Effect.h"
 #include "scene/Hemisphere.h"
@@ -20,7 +21,7 @@ class Islands : public Effect {
 public:
     // The water grid's vertices per side.
     static constexpr int WATER_SIZE = 20;
-    static constexpr int NUM_CLUSTERS = 4;
+    static constexpr int NUM_CLUSTERS = IslandsLayout::PLUME_COUNT;
     static constexpr int NUM_BIRDS = 6;
 
     Islands(short layer, const EffectTimer& timer);
@@ -33,17 +34,25 @@ public:
     void update(float dt) override;
     void display() override;
 
-private:
-    friend class IslandsProbe;
+    // What the scene holds, for its tests.
+    int getMountainCount() const;
+    int getBirdCount() const;
+    const Mesh* getShip() const { return ship; }
+    const MeshAnimation* getShipAnimation() const { return shipAnim; }
+    const MeshAnimation* getBirdAnimation() const { return birdAnim; }
+    const Mesh* getWater() const { return water; }
+    float getWaterAngle() const { return waterAngle; }
+    float getWaterPhase() const { return waterPhase; }
 
+private:
     struct Bird {
         int mesh;
         Vector3 offset;
         Bird* next;
     };
-    struct Mountain {
+    struct MountainNode {
         BezierMesh* mesh;
-        Mountain* next;
+        MountainNode* next;
     };
 
     void loadBezierMeshes();
@@ -88,5 +97,5 @@ private:
     float waterScroll;
     // The phase of the vertex waterFunc is computing.
     float vertexPhase;
-    Mountain* mountains;
+    MountainNode* mountains;
 };

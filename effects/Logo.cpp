@@ -1,6 +1,9 @@
 // The rippling logo sheet: resting grid, the wave that displaces it and its drawing.
 #include "effects/Logo.h"
 
+#include "effects/LogoLayout.h"
+#include "math/MathConstants.h"
+
 #include "gl/OrthoView.h"
 #include "scene/LightMgr.h"
 #include "texture/Texture.h"
@@ -11,15 +14,12 @@
 
 namespace {
 
-const char* const TEXTURE_FILE = "data/img/logo.png";
-const int TEXTURE_FORMAT = 7;
 // Steps of the resting grid. A twelfth per step: the texture stops at 11/12 on each axis.
 const float STEP_UV = 0.083333336f;
 const float STEP_X = 53.333332f;
 const float STEP_Y = 40.0f;
 // The wave: degrees per second, 7.5 degrees of angle per row and column.
 const float PHASE_SPEED = 45.0f;
-const float DEGREES_TO_RADIANS = 0.017453292f;
 const float ANGLE_STEP = 0.1308997f;
 const float WAVE_MAJOR = 8.888888f;
 const float WAVE_MINOR = 6.6666665f;
@@ -41,7 +41,7 @@ void Logo::initiate()
 {
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
     // A missing picture is not reported: the sheet is drawn untextured.
-    texture = TextureMgr::getHandle()->loadTexture(TEXTURE_FILE, TEXTURE_FORMAT);
+    texture = TextureMgr::getHandle()->loadTexture(LogoLayout::TEXTURE.file, LogoLayout::TEXTURE.format);
     layOutGrid();
 }
 
@@ -69,7 +69,7 @@ void Logo::update(float seconds)
     if (phase > 360.0f)
         phase -= 360.0f;
 
-    const float radians = phase * DEGREES_TO_RADIANS;
+    const float radians = phase * MathConstants::DEGREES_TO_RADIANS;
     float rowAngle = radians;
     float baseY = BASE_Y;
     for (int row = 0; row < GRID; ++row) {

@@ -1,5 +1,6 @@
 // The closing swirl: trail growth, the curve, and drawing into the feedback square.
 #include "effects/Swirl.h"
+#include "math/MathConstants.h"
 
 #include "effects/Diffusion.h"
 #include "scene/Camera.h"
@@ -33,11 +34,11 @@ Swirl::~Swirl()
 
 Vector3 Swirl::curve(float a)
 {
-    const float r = a * 0.017453292f;
+    const float r = a * MathConstants::DEGREES_TO_RADIANS;
     const double rd = r;
     const double x = static_cast<double>(0.3f) * std::cos(rd) - static_cast<double>(0.7f) * std::sin(rd * rd);
     const double y = static_cast<double>(0.2f) * std::cos(rd) + static_cast<double>(0.6f) * std::sin(rd);
-    const double shifted = rd + static_cast<double>(3.1415927f);
+    const double shifted = rd + static_cast<double>(MathConstants::PI);
     const double z = std::sin(rd) + std::cos(rd) + std::sin(shifted * shifted);
     return Vector3(static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)) * 10.0f;
 }

@@ -1,13 +1,15 @@
 // The underwater tunnel: loading its parts, advancing the paths and glows, drawing in fog.
 #include "effects/UnderwaterTunnel.h"
 
+#include "effects/SceneKit.h"
+#include "effects/SharedLayout.h"
+#include "effects/TunnelLayout.h"
+
 #include "gl/GLF_checkError.h"
 #include "scene/BoundingBox.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
-#include "scene/DirectionalLight.h"
-#include "scene/Face.h"
 #include "scene/LightMgr.h"
 #include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
@@ -18,107 +20,33 @@
 #include "texture/MulTextureMaterial.h"
 #include "texture/Texture.h"
 #include "texture/TextureMaterial.h"
-#include "texture/TextureMgr.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>
 #include <iostream>
+#include <string>
 
 namespace {
 
-const char* const TUNNEL_FILE = "data/3d/tunnel3.oct";
-const char* const SHIP_FILE = "data/3d/ship.msh";
-const char* const SHIP_ANIMATION_FILE = "data/3d/ship_tunnel.cam";
-const char* const CAMERA_ANIMATION_FILE = "data/3d/camera_tunnel.cam";
+using namespace TunnelLayout;
+
 const char* const SHIP_MATERIAL = "ShipTunnelMaterial";
-const char* const SHIP_TEXTURE = "data/img/ship.png";
 const char* const OBJECT_MATERIAL = "TunnelObject";
-const char* const OBJECT_TEXTURE = "data/img/refmap.png";
 const char* const TUNNEL_MATERIAL = "UWTunnel";
-const char* const TUNNEL_TEXTURE = "data/img/test.png";
-const char* const TUNNEL_TEXTURE2 = "data/img/water03.png";
 const char* const CLUSTER_MATERIAL = "TCL";
-const char* const CLUSTER_TEXTURE = "data/img/particle.png";
-const char* const CAMERA_NAME = "TunnelCamera";
 const char* const LIGHT1_NAME = "TunnelLight1";
 const char* const LIGHT2_NAME = "TunnelLight2";
-const int RGB_FORMAT = 7;
-const int DRAW_MASK = 3;
 const int CLUSTER_SIZE = 64;
-
-const char* const OBJECT_FILES[UnderwaterTunnel::OBJECT_COUNT] = {
-    "data/3d/leaf.msh", "data/3d/worm.msh", "data/3d/spike.msh", "data/3d/fan2.msh", "data/3d/fanholder2.msh",
-};
-const Vector3 OBJECT_POSITIONS[UnderwaterTunnel::OBJECT_COUNT] = {
-    Vector3(-135.0f, -200.0f, 5.0f), Vector3(-40.0f, -200.0f, 0.0f), Vector3(-187.0f, -201.0f, 11.0f),
-    Vector3(248.0f, -246.0f, 57.0f), Vector3(248.0f, -246.0f, 57.0f),
-};
-// Leaf, worm and spike turn and are drawn four times their size; the fan spins on its axis.
-const int SCALED_OBJECTS = 3;
-const int FAN = 3;
-
-const Vector3 CLUSTER_POSITIONS[UnderwaterTunnel::CLUSTER_COUNT] = {
-    Vector3(4.0f, -195.0f, -1.0f),   Vector3(5.0f, -190.0f, 2.0f),   Vector3(5.0f, -202.0f, -7.0f),
-    Vector3(158.0f, -245.0f, 26.0f), Vector3(-136.0f, -198.0f, 0.0f), Vector3(-135.0f, -200.0f, 4.0f),
-    Vector3(-215.0f, -201.0f, 15.0f),
-};
-const Color CLUSTER_COLORS[UnderwaterTunnel::CLUSTER_COUNT] = {
-    Color(1.0f, 0.0f, 1.0f, 1.0f), Color(1.0f, 1.0f, 0.0f, 1.0f), Color(0.0f, 1.0f, 1.0f, 1.0f),
-    Color(1.0f, 1.0f, 1.0f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f),
-    Color(1.0f, 1.0f, 1.0f, 1.0f),
-};
 // Half the side of the box a glow's particles start on the sphere around.
 const float CLUSTER_REACH = 0.5f;
 
-// Uploaded while the scene starts rather than at its first bind: no image is sent in the frame
-// loop, and an upload made at a bind on the second unit would land on the first.
-Texture* loadTexture(const char* file)
-{
-    Texture* texture = TextureMgr::getHandle()->loadTexture(file, RGB_FORMAT);
-    if (texture && texture->getGLName() == Texture::noName)
-        texture->upload();
-    return texture;
-}
-
-void giveMaterial(Mesh* mesh, Material* material)
-{
-    FaceArray* faces = mesh->getFaces();
-    if (!faces)
-        return;
-    for (int i = 0; i < faces->getNumFaces(); ++i)
-        faces->getFaces()[i].setMaterial(material);
-}
-
-// A textured material found by name, or made with these values and registered.
-TextureMaterial* textureMaterial(const char* name, const char* file, unsigned long flags, int blendMode)
-{
-    MaterialMgr* materials = MaterialMgr::getHandle();
-    TextureMaterial* existing = dynamic_cast<TextureMaterial*>(materials->find(name));
-    if (existing)
-        return existing;
-    TextureMaterial* material = new TextureMaterial(name);
-    material->setTexture(loadTexture(file));
-    material->setFlags(flags);
-    material->setBlendMode(blendMode);
-    materials->add(material);
-    return material;
-}
-
-void makeLight(const char* name, const Vector3& towards, const Color& diffuse)
-{
-    LightMgr* lights = LightMgr::getHandle();
-    if (lights->find(name))
-        return;
-    DirectionalLight* light = new DirectionalLight(name);
-    light->setPosition(towards);
-    light->setAmbient(Color(0.2f, 0.2f, 0.2f, 1.0f));
-    light->setDiffuse(diffuse);
-    light->setSpecular(Color(1.0f, 1.0f, 1.0f, 1.0f));
-    light->setAttenuation(1.0f, 0.0f, 0.0f);
-    lights->add(light);
-    light->uploadStates();
-    light->turnOn();
-}
+// Cold light from the surface far above, and a magenta bounce from the glows below.
+const SceneKit::LightSetup SURFACE_LIGHT = {Vector3(0.2f, 1.0f, 0.4f), Color(0.2f, 0.2f, 0.2f, 1.0f),
+                                            Color(0.55f, 0.8f, 0.8f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f),
+                                            {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup GLOW_LIGHT = {Vector3(-0.3f, -1.0f, -0.2f), Color(0.2f, 0.2f, 0.2f, 1.0f),
+                                         Color(0.5f, 0.15f, 0.45f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f),
+                                         {1.0f, 0.0f, 0.0f}};
 
 }
 
@@ -131,26 +59,6 @@ UnderwaterTunnel::UnderwaterTunnel(short layer, const EffectTimer& timer)
 UnderwaterTunnel::~UnderwaterTunnel()
 {
     release();
-}
-
-Vector3 UnderwaterTunnel::objectPosition(int i)
-{
-    return (i >= 0 && i < OBJECT_COUNT) ? OBJECT_POSITIONS[i] : Vector3(0.0f, 0.0f, 0.0f);
-}
-
-Vector3 UnderwaterTunnel::clusterPosition(int i)
-{
-    return (i >= 0 && i < CLUSTER_COUNT) ? CLUSTER_POSITIONS[i] : Vector3(0.0f, 0.0f, 0.0f);
-}
-
-Color UnderwaterTunnel::clusterColor(int i)
-{
-    return (i >= 0 && i < CLUSTER_COUNT) ? CLUSTER_COLORS[i] : Color();
-}
-
-const char* UnderwaterTunnel::objectFile(int i)
-{
-    return (i >= 0 && i < OBJECT_COUNT) ? OBJECT_FILES[i] : "";
 }
 
 void UnderwaterTunnel::initiate()
@@ -183,54 +91,36 @@ void UnderwaterTunnel::setupFog()
 void UnderwaterTunnel::loadTunnel()
 {
     delete tunnel;
-    tunnel = new Octree();
-    if (tunnel->load(TUNNEL_FILE))
-        return;
-    std::cerr << "Unable to load tunnel data\n";
-    delete tunnel;
-    tunnel = nullptr;
+    tunnel = SceneKit::loadOrSay<Octree>(OCTREE, "Unable to load tunnel data\n");
 }
 
 void UnderwaterTunnel::loadShip()
 {
     delete ship;
-    ship = new Mesh();
-    if (!ship->load(SHIP_FILE)) {
-        std::cerr << "Unable to load ship\n";
-        delete ship;
-        ship = nullptr;
-    }
+    ship = SceneKit::loadOrSay<Mesh>(SharedLayout::SHIP_MESH, "Unable to load ship\n");
     delete shipAnimation;
-    shipAnimation = new MeshAnimation();
-    if (shipAnimation->load(SHIP_ANIMATION_FILE)) {
+    shipAnimation = SceneKit::loadOrSay<MeshAnimation>(SHIP_PATH, "Unable to load ship animation\n");
+    if (shipAnimation) {
         shipAnimation->setup();
         shipAnimation->setMesh(ship);
-    } else {
-        std::cerr << "Unable to load ship animation\n";
-        delete shipAnimation;
-        shipAnimation = nullptr;
     }
-    TextureMaterial* material = textureMaterial(SHIP_MATERIAL, SHIP_TEXTURE, 0x10000043, 0);
+    TextureMaterial* material = SceneKit::findOrMakeMaterial(SHIP_MATERIAL, SharedLayout::SHIP_TEXTURE,
+                                                             Material::reflective, Material::blendNone);
     material->setAmbient(Color(0.2f, 0.2f, 0.2f, 1.0f));
     material->setDiffuse(Color(0.8f, 0.8f, 0.8f, 1.0f));
     material->setSpecular(Color(1.0f, 1.0f, 1.0f, 1.0f));
-    if (ship)
-        giveMaterial(ship, material);
+    SceneKit::giveMaterial(ship, material);
 }
 
 void UnderwaterTunnel::loadObjects()
 {
-    TextureMaterial* material = textureMaterial(OBJECT_MATERIAL, OBJECT_TEXTURE, 0x10000043, 0);
+    TextureMaterial* material =
+        SceneKit::findOrMakeMaterial(OBJECT_MATERIAL, REFLECTION, Material::reflective, Material::blendNone);
     for (int i = 0; i < OBJECT_COUNT; ++i) {
         delete objects[i];
-        objects[i] = new Mesh();
-        if (objects[i]->load(OBJECT_FILES[i])) {
-            giveMaterial(objects[i], material);
-            continue;
-        }
-        std::cerr << "UNABLE TO LOAD " << OBJECT_FILES[i] << "\n";
-        delete objects[i];
-        objects[i] = nullptr;
+        const std::string message = std::string("UNABLE TO LOAD ") + OBJECT_FILES[i] + "\n";
+        objects[i] = SceneKit::loadOrSay<Mesh>(OBJECT_FILES[i], message.c_str());
+        SceneKit::giveMaterial(objects[i], material);
     }
 }
 
@@ -247,22 +137,18 @@ void UnderwaterTunnel::loadCamera()
     cameras->setActiveCamera(CAMERA_NAME);
 
     delete cameraAnimation;
-    cameraAnimation = new CameraAnimation();
-    if (cameraAnimation->load(CAMERA_ANIMATION_FILE)) {
-        cameraAnimation->setup();
-        cameraAnimation->setCamera(CAMERA_NAME);
+    const std::string message = std::string("Couldn't load '") + CAMERA_PATH + "'\n";
+    cameraAnimation = SceneKit::loadOrSay<CameraAnimation>(CAMERA_PATH, message.c_str());
+    if (!cameraAnimation)
         return;
-    }
-    std::cerr << "Couldn't load '" << CAMERA_ANIMATION_FILE << "'\n";
-    delete cameraAnimation;
-    cameraAnimation = nullptr;
+    cameraAnimation->setup();
+    cameraAnimation->setCamera(CAMERA_NAME);
 }
 
 void UnderwaterTunnel::loadLights()
 {
-    // Cold light from the surface far above, and a magenta bounce from the glows below.
-    makeLight(LIGHT1_NAME, Vector3(0.2f, 1.0f, 0.4f), Color(0.55f, 0.8f, 0.8f, 1.0f));
-    makeLight(LIGHT2_NAME, Vector3(-0.3f, -1.0f, -0.2f), Color(0.5f, 0.15f, 0.45f, 1.0f));
+    SceneKit::directionalLight(LIGHT1_NAME, SURFACE_LIGHT);
+    SceneKit::directionalLight(LIGHT2_NAME, GLOW_LIGHT);
 }
 
 void UnderwaterTunnel::loadTunnelMaterial()
@@ -272,16 +158,17 @@ void UnderwaterTunnel::loadTunnelMaterial()
     if (tunnelMaterial)
         return;
     tunnelMaterial = new MulTextureMaterial(TUNNEL_MATERIAL);
-    tunnelMaterial->setTexture(loadTexture(TUNNEL_TEXTURE));
-    tunnelMaterial->setTexture2(loadTexture(TUNNEL_TEXTURE2));
-    tunnelMaterial->setFlags(0x10000483);
-    tunnelMaterial->setBlendMode(0);
+    tunnelMaterial->setTexture(SceneKit::preloadTexture(ROCK));
+    tunnelMaterial->setTexture2(SceneKit::preloadTexture(CAUSTICS));
+    tunnelMaterial->setFlags(Material::defaultFlags | Material::objectLinear | Material::sphereMap2);
+    tunnelMaterial->setBlendMode(Material::blendNone);
     materials->add(tunnelMaterial);
 }
 
 void UnderwaterTunnel::loadCluster()
 {
-    TextureMaterial* material = textureMaterial(CLUSTER_MATERIAL, CLUSTER_TEXTURE, 0x20000013, 6);
+    TextureMaterial* material = SceneKit::findOrMakeMaterial(CLUSTER_MATERIAL, SharedLayout::PARTICLE,
+                                                             Material::overlay, Material::blendGlow);
     const Vector3 reach(CLUSTER_REACH, CLUSTER_REACH, CLUSTER_REACH);
     for (int i = 0; i < CLUSTER_COUNT; ++i) {
         const Color& start = CLUSTER_COLORS[i];
@@ -361,7 +248,7 @@ void UnderwaterTunnel::drawShip()
     glPushMatrix();
     shipAnimation->setMatrix();
     glFrontFace(GL_CW);
-    ship->draw(DRAW_MASK);
+    ship->draw(Mesh::drawShaded);
     glFrontFace(GL_CCW);
     glPopMatrix();
 }
@@ -390,7 +277,7 @@ void UnderwaterTunnel::drawObjects(Camera* camera)
         } else if (i == FAN) {
             glRotatef(time * 180.0f, 1.0f, 0.0f, 0.0f);
         }
-        objects[i]->draw(DRAW_MASK);
+        objects[i]->draw(Mesh::drawShaded);
         glPopMatrix();
     }
     lights->turnLightingOn();

@@ -1,7 +1,9 @@
 // The underwater tunnel: an animated camera through a fogged octree tunnel, the ship ahead, objects and glows.
 #pragma once
 
+#include "effects/TunnelLayout.h"
 #include "math/Color.h"
+#include "math/MathConstants.h"
 #include "math/Vector3.h"
 #include "runtime/Effect.h"
 
@@ -17,9 +19,9 @@ class PCInfoSphere;
 
 class UnderwaterTunnel : public Effect {
 public:
-    enum { OBJECT_COUNT = 5, CLUSTER_COUNT = 7 };
+    enum { OBJECT_COUNT = TunnelLayout::OBJECT_COUNT, CLUSTER_COUNT = TunnelLayout::CLUSTER_COUNT };
     // One turn of the angle, in radians.
-    static constexpr float TURN = 6.2831855f;
+    static constexpr float TURN = MathConstants::TWO_PI;
 
     UnderwaterTunnel(short layer, const EffectTimer& timer);
     ~UnderwaterTunnel() override;
@@ -30,12 +32,6 @@ public:
     void shutdown() override;
     void update(float seconds) override;
     void display() override;
-
-    // Where object i stands, and where cluster i glows in which colour.
-    static Vector3 objectPosition(int i);
-    static Vector3 clusterPosition(int i);
-    static Color clusterColor(int i);
-    static const char* objectFile(int i);
 
     float getAngle() const { return angle; }
     const Color& getColor() const { return colour; }

@@ -1,12 +1,12 @@
 // The matrix builders: identity, translation, scale, rotations, projections, view.
 #include "math/Transform.h"
+#include "math/MathConstants.h"
 
 #include <cmath>
 
 namespace {
 
 // Degrees to radians with the engine's own constant.
-const float DEG_TO_RAD = 0.017453292f;
 
 // The 3x3 part shared by the Matrix3 and Matrix4 forms, row-major.
 void put3(Matrix4& mat, const float r[9])
@@ -24,8 +24,8 @@ void put3(Matrix3& mat, const float r[9])
 
 void aroundX(float r[9], float degrees)
 {
-    float c = std::cos(degrees * DEG_TO_RAD);
-    float s = std::sin(degrees * DEG_TO_RAD);
+    float c = std::cos(degrees * MathConstants::DEGREES_TO_RADIANS);
+    float s = std::sin(degrees * MathConstants::DEGREES_TO_RADIANS);
     const float e[9] = { 1.0f, 0.0f, 0.0f,
                          0.0f, c, -s,
                          0.0f, s, c };
@@ -35,8 +35,8 @@ void aroundX(float r[9], float degrees)
 
 void aroundY(float r[9], float degrees)
 {
-    float c = std::cos(degrees * DEG_TO_RAD);
-    float s = std::sin(degrees * DEG_TO_RAD);
+    float c = std::cos(degrees * MathConstants::DEGREES_TO_RADIANS);
+    float s = std::sin(degrees * MathConstants::DEGREES_TO_RADIANS);
     const float e[9] = { c, 0.0f, s,
                          0.0f, 1.0f, 0.0f,
                          -s, 0.0f, c };
@@ -46,8 +46,8 @@ void aroundY(float r[9], float degrees)
 
 void aroundZ(float r[9], float degrees)
 {
-    float c = std::cos(degrees * DEG_TO_RAD);
-    float s = std::sin(degrees * DEG_TO_RAD);
+    float c = std::cos(degrees * MathConstants::DEGREES_TO_RADIANS);
+    float s = std::sin(degrees * MathConstants::DEGREES_TO_RADIANS);
     const float e[9] = { c, -s, 0.0f,
                          s, c, 0.0f,
                          0.0f, 0.0f, 1.0f };
@@ -76,8 +76,8 @@ void columns(float r[9], const Vector3& u, const Vector3& v, const Vector3& n)
 // Rodrigues' rotation matrix about a unit axis.
 void aroundAxis(float r[9], const Vector3& axis, float degrees)
 {
-    float c = std::cos(degrees * DEG_TO_RAD);
-    float s = std::sin(degrees * DEG_TO_RAD);
+    float c = std::cos(degrees * MathConstants::DEGREES_TO_RADIANS);
+    float s = std::sin(degrees * MathConstants::DEGREES_TO_RADIANS);
     float t = 1.0f - c;
     float x = axis.x, y = axis.y, z = axis.z;
     const float e[9] = { c + t * x * x, t * x * y - z * s, t * x * z + y * s,
@@ -217,7 +217,7 @@ void frustum(Matrix4& mat, float left, float right, float top, float bottom, flo
 
 void perspective(Matrix4& mat, float fovy, float aspect, float zNear, float zFar)
 {
-    float h = std::tan(fovy * 3.1415927f / 360.0f) * zNear;
+    float h = std::tan(fovy * MathConstants::PI / 360.0f) * zNear;
     float right = h * aspect;
     // top = -h, bottom = h: the image is mirrored vertically and stays so.
     frustum(mat, -right, right, -h, h, zNear, zFar);

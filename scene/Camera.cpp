@@ -1,5 +1,6 @@
 // Camera basis, projection, GL application and the CAM0 chunk.
 #include "scene/Camera.h"
+#include "math/MathConstants.h"
 
 #include "gl/GLF_checkError.h"
 #include "math/Transform.h"
@@ -12,7 +13,6 @@
 
 namespace {
 const float smallestNear = 0.000001f;
-const float degreesToRadians = 0.017453292f;
 }
 
 Camera::Camera() : Camera("DefaultCamera") {}
@@ -111,7 +111,7 @@ void Camera::calcInverse()
 
 float Camera::halfHeightAtNear() const
 {
-    return std::tan(fov * 0.5f * degreesToRadians) * nearClip;
+    return std::tan(fov * 0.5f * MathConstants::DEGREES_TO_RADIANS) * nearClip;
 }
 
 void Camera::calcProjection(float aspect)

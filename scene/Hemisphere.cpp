@@ -1,13 +1,12 @@
 // The sky dome's geometry: rings of quad strips from the horizon up to the zenith.
 #include "scene/Hemisphere.h"
+#include "math/MathConstants.h"
 
 #include <GL/gl.h>
 #include <cmath>
 
 namespace {
 
-const float TWO_PI = 6.2831853f;
-const float DEGREES_TO_RADIANS = 0.017453292f;
 
 }  // namespace
 
@@ -17,8 +16,8 @@ Hemisphere::Hemisphere(float r) : radius(r)
 
 Vector3 Hemisphere::point(float azimuthTurns, float elevationDegrees) const
 {
-    const float az = azimuthTurns * TWO_PI;
-    const float el = elevationDegrees * DEGREES_TO_RADIANS;
+    const float az = azimuthTurns * MathConstants::TWO_PI;
+    const float el = elevationDegrees * MathConstants::DEGREES_TO_RADIANS;
     return Vector3(radius * std::cos(el) * std::cos(az), radius * std::sin(el), radius * std::cos(el) * std::sin(az));
 }
 

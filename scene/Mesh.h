@@ -35,6 +35,10 @@ public:
     FaceArray* getFaces() { return faces; }
     const FaceArray* getFaces() const { return faces; }
 
+    // The flags the scenes draw with: shaded, and shaded with texture coordinates.
+    static constexpr int drawShaded = VertexArray::POSITIONS | VertexArray::NORMALS;
+    static constexpr int drawTextured = drawShaded | VertexArray::TEXCOORDS;
+
     // Immediate mode; flags bit 4 sends texture coordinates.
     void draw(int flags) const;
     // Client arrays: preLoad, any number of drawLoaded, postUnload.

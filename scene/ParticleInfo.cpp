@@ -1,5 +1,6 @@
 // ParticleInfo and its six shapes: seeded, ordered random draws placing and aiming new particles.
 #include "scene/ParticleInfo.h"
+#include "math/MathConstants.h"
 
 #include "scene/Frustum.h"
 
@@ -10,7 +11,6 @@ namespace {
 
 // 2 to the power -31: rand() to [0, 1).
 const float randomScale = 4.656613e-10f;
-const float twoPi = 6.2831855f;
 
 Vector3 normalized(float x, float y, float z)
 {
@@ -156,8 +156,8 @@ void PCInfoCircle::create(Particle& particle)
     const Vector3& m = region.getCentre();
     const float r = region.getRadius();
     // Two separate draws for sine and cosine fill a square-ish band, not a circle.
-    float s = sinOf(twoPi * random());
-    float k = cosOf(twoPi * random());
+    float s = sinOf(MathConstants::TWO_PI * random());
+    float k = cosOf(MathConstants::TWO_PI * random());
     Vector3 o;
     if (plane == PCINFO_PLANE_XY)
         o.assign(k * r - s * r, s * r + k * r, 0.0f);
@@ -188,7 +188,7 @@ Vector3 PCInfoHelix::fXY(float t) const
     float extent = std::fabs(region.getMax().z - region.getMin().z);
     float a = 0.0f;
     if (t != 0.0f && extent != 0.0f)
-        a = (twoPi * turns / extent) / t;
+        a = (MathConstants::TWO_PI * turns / extent) / t;
     float c = cosOf(a), s = sinOf(a);
     return Vector3(r * c - r * s, r * s + r * c, t);
 }
@@ -199,7 +199,7 @@ Vector3 PCInfoHelix::fXZ(float t) const
     float d = std::fabs(region.getMax().z - region.getMin().z - t);
     float a = 0.0f;
     if (d != 0.0f && turns != 0.0f)
-        a = d / turns * twoPi;
+        a = d / turns * MathConstants::TWO_PI;
     float c = cosOf(a), s = sinOf(a);
     return Vector3(r * c + r * s, t, r * c - r * s);
 }
@@ -210,7 +210,7 @@ Vector3 PCInfoHelix::fYZ(float t) const
     float extent = region.getMax().z - region.getMin().z;
     float a = 0.0f;
     if (t != 0.0f && extent != 0.0f)
-        a = (twoPi * turns / extent) / t;
+        a = (MathConstants::TWO_PI * turns / extent) / t;
     float c = cosOf(a), s = sinOf(a);
     return Vector3(t, r * c - r * s, r * s + r * c);
 }

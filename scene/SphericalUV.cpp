@@ -1,6 +1,7 @@
 // Longitude over a full turn in u; the elevation also over a full turn in v,
 // so v only spans -0.25..0.25: the textures are painted for that.
 #include "scene/SphericalUV.h"
+#include "math/MathConstants.h"
 
 #include "scene/Mesh.h"
 
@@ -8,7 +9,7 @@
 
 namespace {
 
-const double fullTurn = 6.2831854820251465;
+const double fullTurn = static_cast<double>(MathConstants::TWO_PI);
 const double wrapLimit = static_cast<double>(0.999999f);
 
 float wrapped(double value)

@@ -23,8 +23,6 @@ const float ROW_OFFSET = 0.8f;
 const float GLYPH_U = 16.0f / 256.0f;
 const float GLYPH_V = 24.0f / 256.0f;
 const int FIRST_GLYPH = 33;
-const int FONT_FORMAT = 8;
-const int BACKGROUND_FORMAT = 7;
 
 bool isInk(int character)
 {
@@ -61,8 +59,7 @@ Console::~Console()
         shutdown();
 }
 
-Material* Console::findOrMakeMaterial(const char* name, const Color& tint, const char* textureFile, int format,
-                                      bool& made)
+Material* Console::findOrMakeMaterial(const char* name, const Color& tint, const TextureFile& picture, bool& made)
 {
     made = false;
     Material* found = MaterialMgr::getHandle()->find(name);
@@ -73,9 +70,9 @@ Material* Console::findOrMakeMaterial(const char* name, const Color& tint, const
     material->setDiffuse(tint);
     material->setSpecular(tint);
     material->setShininess(20.0f);
-    material->setBlendMode(2);
-    material->setFlags(0x20000013);
-    material->setTexture(TextureMgr::getHandle()->loadTexture(textureFile, format));
+    material->setBlendMode(Material::blendAlpha);
+    material->setFlags(Material::overlay);
+    material->setTexture(TextureMgr::getHandle()->loadTexture(picture.file, picture.format));
     made = true;
     return material;
 }
@@ -89,10 +86,10 @@ void Console::initiate()
     buffer = new char[lineCount * width];
     std::memset(buffer, BLANK, static_cast<size_t>(lineCount * width));
     scroll = currentLine = cursor = visibleLines = spare = 0;
-    fontMaterial = findOrMakeMaterial("ConsoleFontMaterial", Color(1.0f, 1.0f, 1.0f, 1.0f), "data/confont.png",
-                                      FONT_FORMAT, madeFont);
+    fontMaterial = findOrMakeMaterial("ConsoleFontMaterial", Color(1.0f, 1.0f, 1.0f, 1.0f), FONT_TEXTURE,
+                                      madeFont);
     backgroundMaterial = findOrMakeMaterial("ConsoleBackgroundMaterial", Color(1.0f, 1.0f, 1.0f, 0.6f),
-                                            "data/conbg2.png", BACKGROUND_FORMAT, madeBackground);
+                                            BACKGROUND_TEXTURE, madeBackground);
     initiated = true;
 }
 

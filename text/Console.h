@@ -2,6 +2,7 @@
 #pragma once
 
 #include "math/Color.h"
+#include "texture/TextureFormat.h"
 
 class Material;
 
@@ -14,6 +15,9 @@ public:
     // The code of a line that carries none: red, green and blue at 0.8.
     static const int PLAIN_COLOUR = 7;
     static const int FORMAT_BUFFER_SIZE = 4096;
+    // The glyph atlas and the backdrop, in the formats they are drawn with.
+    static constexpr TextureFile FONT_TEXTURE{"data/confont.png", TEXTURE_RGBA};
+    static constexpr TextureFile BACKGROUND_TEXTURE{"data/conbg2.png", TEXTURE_RGB};
     // The fixed view every console drawing uses, whatever the window size.
     static const int VIEW_WIDTH = 640;
     static const int VIEW_HEIGHT = 480;
@@ -98,8 +102,7 @@ private:
     void beginDraw();
     void endDraw();
     // The named material from the registry, or a new unregistered one over the texture.
-    Material* findOrMakeMaterial(const char* name, const Color& colour, const char* texture, int format,
-                                 bool& made);
+    Material* findOrMakeMaterial(const char* name, const Color& colour, const TextureFile& picture, bool& made);
 
     bool initiated;
     bool active;

@@ -19,7 +19,34 @@ public:
     static constexpr unsigned long eyeLinear2 = 0x200;
     static constexpr unsigned long objectLinear2 = 0x800;
     static constexpr unsigned long noDepthWrite = 0x20000000;
-    static constexpr unsigned long defaultFlags = 0x10000003;
+    // The rest of the word: the two low bits and the constructor's high bit. bind() compares the
+    // whole word with 1 and 2 to pick the faces, so any of these makes both sides lit.
+    static constexpr unsigned long bothFaces = 0x3;
+    static constexpr unsigned long highDefault = 0x10000000;
+    // Carried by the scenes' own materials; nothing reads it.
+    static constexpr unsigned long sceneBit = 0x10;
+    static constexpr unsigned long defaultFlags = highDefault | bothFaces;
+
+    // The words the scenes make their materials with.
+    static constexpr unsigned long textured = defaultFlags | sceneBit;           // opaque, both sides
+    static constexpr unsigned long overlay = noDepthWrite | bothFaces | sceneBit;  // blended, writes no depth
+    static constexpr unsigned long reflective = defaultFlags | sphereMap;        // sphere-mapped texture
+
+    // Blend modes, one per row of the table in bind(): an alpha test, a blend function, or both.
+    enum : int {
+        blendNone = 0,
+        blendAlphaTest = 1,
+        blendAlpha = 2,
+        blendAlphaTested = 3,
+        blendInvert = 4,
+        blendInvertTested = 5,
+        blendGlow = 6,
+        blendGlowTested = 7,
+        blendModulate = 8,
+        blendModulateTested = 9,
+        blendAdd = 10,
+        blendAddTested = 11
+    };
 
     Material();
     explicit Material(const char* name);

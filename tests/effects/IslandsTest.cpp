@@ -3,33 +3,17 @@
 
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
+#include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
+#include "scene/VertexArray.h"
 #include "support/GLContext.h"
 #include "texture/MaterialMgr.h"
 
 #include <gtest/gtest.h>
+#include <cmath>
 #include <cstdlib>
 #include <string>
 #include <unistd.h>
-
-// Reaches the scene's private steps and state.
-class IslandsProbe {
-public:
-    static float waterFunc(Islands& s, float angle, int i, int j, float vertexPhase)
-    {
-        s.vertexPhase = vertexPhase;
-        return s.waterFunc(angle, i, j);
-    }
-    static void createWater(Islands& s) { s.createWaterMesh(); }
-    static void updateWater(Islands& s, float dt) { s.updateWaterMesh(dt); }
-    static float& angle(Islands& s) { return s.waterAngle; }
-    static MeshAnimation* birdAnim(Islands& s) { return s.birdAnim; }
-    template <typename Node> static int length(const Node* node) { return node ? 1 + length(node->next) : 0; }
-    static int birdCount(const Islands& s) { return length(s.birds); }
-    static int mountainCount(const Islands& s) { return length(s.mountains); }
-    static bool hasShip(const Islands& s) { return s.ship && s.shipAnim; }
-    static void updateBirds(Islands& s, float dt) { s.updateBirds(dt); }
-};
 
 namespace {
 
@@ -46,51 +30,64 @@ protected:
 
 }  // namespace
 
-TEST_F(IslandsTest, WaterFuncIsFlatInDirectionOnlyOnTheMiddleRow)
+TEST_F(IslandsTest, WaterHeightsFollowTheWaveAndVanishWhereTheDirectionIsSquare)
 {
+    scene.initiate();
+    scene.update(2.0f);
+    const VertexArray& vertices = *scene.getWater()->getVertices();
+    // 90 degrees after two seconds at 45 a second; each vertex k adds k x 81.48733 to the phase.
+    const float angle = 90.0f * 0.017453292f;
+    const auto wave = [&](int k) { return std::cos(angle + (2.0f + static_cast<float>(k) * 81.48733f)) * 0.125f; };
     // Row 10 is u = 0: no direction factor, the full wave.
-    EXPECT_FLOAT_EQ(IslandsProbe::waterFunc(scene, 0.0f, 10, 3, 0.0f), 0.125f);
-    EXPECT_NEAR(IslandsProbe::waterFunc(scene, 3.14159265f, 10, 17, 0.0f), -0.125f, 1e-6f);
+    for (int j : {0, 3, 19})
+        EXPECT_NEAR(vertices[10 * 20 + j].position.y, wave(10 * 20 + j), 1e-5f) << j;
     // Row 0, column 10: u = -0.5, v = 0, so w = -90 degrees and the height vanishes.
-    EXPECT_NEAR(IslandsProbe::waterFunc(scene, 0.0f, 0, 10, 0.0f), 0.0f, 1e-6f);
+    EXPECT_NEAR(vertices[10].position.y, 0.0f, 1e-6f);
+    for (int k = 0; k < 400; ++k)
+        ASSERT_LE(std::fabs(vertices[k].position.y), 0.125f) << k;
+    scene.shutdown();
 }
 
 TEST_F(IslandsTest, WaveAngleWrapsBySubtracting360OncePerUpdate)
 {
-    IslandsProbe::createWater(scene);
-    IslandsProbe::angle(scene) = 350.0f;
-    IslandsProbe::updateWater(scene, 0.5f);
-    EXPECT_FLOAT_EQ(IslandsProbe::angle(scene), 12.5f);
+    scene.initiate();
+    scene.update(7.5f);
+    EXPECT_FLOAT_EQ(scene.getWaterAngle(), 337.5f);
     // Reaching 360 exactly wraps to 0.
-    IslandsProbe::angle(scene) = 337.5f;
-    IslandsProbe::updateWater(scene, 0.5f);
-    EXPECT_FLOAT_EQ(IslandsProbe::angle(scene), 0.0f);
+    scene.update(0.5f);
+    EXPECT_FLOAT_EQ(scene.getWaterAngle(), 0.0f);
+    scene.update(7.5f);
+    scene.update(0.75f);
+    EXPECT_FLOAT_EQ(scene.getWaterAngle(), 11.25f);
     // A long step wraps only once.
-    IslandsProbe::angle(scene) = 350.0f;
-    IslandsProbe::updateWater(scene, 10.0f);
-    EXPECT_FLOAT_EQ(IslandsProbe::angle(scene), 440.0f);
+    scene.update(7.25f);
+    scene.update(10.0f);
+    EXPECT_FLOAT_EQ(scene.getWaterAngle(), 787.5f - 360.0f);
+    scene.shutdown();
 }
 
 TEST_F(IslandsTest, BirdsLoopBackToFrameZeroAtTheEndOfTheirPath)
 {
-    MeshAnimation* birds = IslandsProbe::birdAnim(scene);
+    const MeshAnimation* birds = scene.getBirdAnimation();
     ASSERT_NE(birds, nullptr);
-    EXPECT_EQ(IslandsProbe::birdCount(scene), Islands::NUM_BIRDS);
+    EXPECT_EQ(scene.getBirdCount(), Islands::NUM_BIRDS);
     const long last = birds->getLastFrame();
     ASSERT_GT(last, 0);
-    IslandsProbe::updateBirds(scene, (static_cast<float>(last) - 1.0f) / 12.0f);
+    scene.initiate();
+    scene.update((static_cast<float>(last) - 1.0f) / 12.0f);
     EXPECT_GT(birds->getCurrentFrame(), 0.0f);
-    IslandsProbe::updateBirds(scene, 1.0f / 12.0f);
+    scene.update(1.0f / 12.0f);
     EXPECT_FLOAT_EQ(birds->getCurrentFrame(), 0.0f);
     // Past the end by any amount: back to 0, not to the overshoot.
-    IslandsProbe::updateBirds(scene, static_cast<float>(last) / 12.0f + 3.0f);
+    scene.update(static_cast<float>(last) / 12.0f + 3.0f);
     EXPECT_FLOAT_EQ(birds->getCurrentFrame(), 0.0f);
+    scene.shutdown();
 }
 
 TEST_F(IslandsTest, FullDataLoadsAndASecondInitiateReusesCameraLightsAndSkyMaterial)
 {
-    EXPECT_EQ(IslandsProbe::mountainCount(scene), 6);
-    EXPECT_TRUE(IslandsProbe::hasShip(scene));
+    EXPECT_EQ(scene.getMountainCount(), 6);
+    EXPECT_TRUE(scene.getShip() && scene.getShipAnimation());
     scene.initiate();
     Camera* camera = CameraMgr::getHandle()->find("IslandCamera");
     Light* light = LightMgr::getHandle()->find("IslandLight1");
@@ -117,9 +114,9 @@ TEST_F(IslandsTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns)
     testing::internal::CaptureStderr();
     {
         Islands bare(0, EffectTimer(35.5f, 68.5f));
-        EXPECT_EQ(IslandsProbe::mountainCount(bare), 0);
-        EXPECT_FALSE(IslandsProbe::hasShip(bare));
-        EXPECT_EQ(IslandsProbe::birdCount(bare), 0);
+        EXPECT_EQ(bare.getMountainCount(), 0);
+        EXPECT_EQ(bare.getShip(), nullptr);
+        EXPECT_EQ(bare.getBirdCount(), 0);
         bare.initiate();
         bare.update(0.5f);
         bare.display();

@@ -4,7 +4,11 @@
 #include "config/VariableMgr.h"
 #include "effects/Credit.h"
 #include "effects/Fader.h"
+#include "effects/Islands.h"
+#include "effects/IslandsLayout.h"
 #include "effects/Logo.h"
+#include "effects/TunnelLayout.h"
+#include "effects/UnderwaterTunnel.h"
 #include "runtime/EffectMgr.h"
 #include "sound/MusicPlayer.h"
 #include "sound/Sound.h"
@@ -174,6 +178,16 @@ TEST_F(Driver, ScheduleFollowsTheTableInOrder)
     }
     for (int always : ALWAYS)
         EXPECT_NE(std::find(rows.begin(), rows.end(), always), rows.end()) << "entry " << always + 1;
+    // The paths the forge makes for a scene cover exactly the span the schedule gives it.
+    for (const Effect* effect : scheduleOf(*effects)) {
+        const float length = effect->getTimer().end - effect->getTimer().start;
+        if (dynamic_cast<const Islands*>(effect)) {
+            EXPECT_EQ(length, static_cast<float>(IslandsLayout::SECONDS));
+        }
+        if (dynamic_cast<const UnderwaterTunnel*>(effect)) {
+            EXPECT_EQ(length, static_cast<float>(TunnelLayout::SECONDS));
+        }
+    }
 }
 
 TEST_F(Driver, AtTheFirstCutTheFadeIsDrawnLast)

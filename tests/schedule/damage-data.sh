@@ -1,11 +1,14 @@
 #!/bin/bash
 # Copies the demo's working files (velmora.cfg and data/) from FROM into TO and damages them the same way
-# every run: files removed, truncated, overwritten with garbage, given a wrong magic.
-# usage: damage-data.sh FROM TO
+# every run: files removed, truncated, overwritten with garbage, given a wrong magic. The files named below
+# get the damage whose message the schedule run expects; every other file the forge lists gets one picked
+# from its name, or is left whole, so a new scene's files are damaged without an edit here.
+# usage: damage-data.sh FROM TO   (FROM: a build directory holding the forge)
 set -eu
-from=$1
+from=$(cd "$1" && pwd)
 to=$2
 export LC_ALL=C
+listed=$("$from/tools/forge/velmora-forge" --list | awk '{ print $2 }')
 
 rm -rf "$to"
 mkdir -p "$to"
@@ -35,9 +38,17 @@ scrambledTail() { # header and magic intact, garbage from the middle on
 wrongMagic() { printf 'JUNK' | dd of="$1" bs=1 seek=0 conv=notrunc status=none; echo "wrong magic    $1"; }
 directory() { rm -f "$1"; mkdir "$1"; echo "a directory    $1"; }
 
-# damage KIND FILE: a file the build did not make is reported and left out.
+intact() { echo "whole          $1"; }
+
+named=""
+# damage KIND FILE: a file the build did not make is a stale name here, and an error.
 damage() {
-    if [ -f "$2" ]; then "$1" "$2"; else echo "absent         $2"; fi
+    named="$named $2"
+    if [ ! -f "$2" ]; then
+        echo "damage-data: $2 is named here but the build did not make it" >&2
+        exit 1
+    fi
+    "$1" "$2"
 }
 
 # Every kind of file the demo reads, each hit in more than one way across the tree.
@@ -71,3 +82,17 @@ damage wrongMagic    data/img/test.png
 damage wrongMagic    data/conbg2.png
 damage directory     data/img/ship.png
 damage halved        velmora.cfg
+# Left whole, so that the loads after them are reached: bird 1 fails only after bird 0 has loaded.
+damage intact        data/3d/fugl1.msh
+damage intact        data/3d/ship.msh
+damage intact        data/3d/ship_island.cam
+damage intact        data/3d/mountain7.bez
+damage intact        data/img/water03.png
+
+# The rest of the forge's files: one kind each, from a checksum of the name.
+kinds=(intact removed emptied stub halved scrambled scrambledTail wrongMagic intact)
+for file in $listed; do
+    case " $named " in *" $file "*) continue ;; esac
+    sum=$(printf '%s' "$file" | cksum | cut -d' ' -f1)
+    damage "${kinds[$((sum % ${#kinds[@]}))]}" "$file"
+done

@@ -42,9 +42,10 @@ expect() {
     grep -qF -- "$2" "$scratch/$1.log" || fail "$1 run never printed: $2"
 }
 
-# Messages of a scene that could not load its content; none may appear with the full tree.
+# Messages of a scene that could not load its content (the newer scenes say "<Scene>: couldn't load '<file>'");
+# none may appear with the full tree.
 # ("Couldn't load arial.ttf" may: the greetings ask for a font no system here has, on purpose.)
-LOAD_FAILURES="COULDN'N|UNABLE TO|Unable to|Couldn't '|Couldn't load '|could not load|Could not load|Failed to load"
+LOAD_FAILURES="COULDN'N|UNABLE TO|Unable to|Couldn't '|[Cc]ouldn't load '|could not load|Could not load|Failed to load"
 
 mkdir -p "$scratch"
 

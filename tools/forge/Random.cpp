@@ -45,3 +45,8 @@ uint32_t Random::hash(int32_t a, int32_t b, uint32_t seed)
     const uint64_t key = ((uint64_t)(uint32_t)a << 32) ^ (uint32_t)b;
     return (uint32_t)(mix64(key ^ ((uint64_t)seed * 0x9e3779b97f4a7c15ULL)) >> 32);
 }
+
+double Random::grain(int x, int y, uint32_t seed)
+{
+    return (hash(x, y, seed) & 0xffffu) / 65535.0 - 0.5;
+}

@@ -17,6 +17,8 @@ public:
 
     // A well-mixed 32-bit hash of a few integers, for lattice noise.
     static uint32_t hash(int32_t a, int32_t b, uint32_t seed);
+    // Fine per-pixel grain in [-0.5, 0.5] from the hash: identical on every run, no pattern.
+    static double grain(int x, int y, uint32_t seed);
 
 private:
     uint64_t state;

@@ -9,6 +9,7 @@
 #include "texture/Texture.h"
 #include "texture/TextureLoader.h"
 #include "texture/TextureMgr.h"
+#include "ContentUnits.h"
 
 #include <fstream>
 #include <map>
@@ -18,13 +19,15 @@
 
 namespace {
 
-// The format codes the scenes and the console ask for when they load these pictures themselves.
-const std::map<std::string, std::set<int>> sceneFormats = {
-    {"data/img/credits.png", {6}},  {"data/img/logo.png", {7}},     {"data/confont.png", {8}},
-    {"data/conbg2.png", {7}},       {"data/img/window02.png", {8}}, {"data/img/skymoon2.png", {7}},
-    {"data/img/particle.png", {7}}, {"data/img/ship.png", {7}},     {"data/img/sand4.png", {7}},
-    {"data/img/water.png", {8}},    {"data/img/test.png", {7}},     {"data/img/water03.png", {7}},
-};
+// Every file the forge's units list, with the format its scene loads it in (0 for other files).
+std::map<std::string, int> listedFiles()
+{
+    std::map<std::string, int> listed;
+    for (const auto& unit : ContentUnits::all())
+        for (const ForgedFile& file : unit->files())
+            listed[file.path] = file.format;
+    return listed;
+}
 
 ChunkFacts walk(const std::string& file)
 {
@@ -47,10 +50,26 @@ protected:
     }
 };
 
+TEST_F(GeneratedData, TheTreeHoldsExactlyWhatTheUnitsList)
+{
+    const std::map<std::string, int> listed = listedFiles();
+    std::set<std::string> found;
+    for (const std::string& file : generatedFiles())
+        if (file.rfind("data/music/", 0) != 0)
+            found.insert(file);
+    for (const auto& [path, format] : listed)
+        EXPECT_TRUE(found.count(path)) << path << " is listed but missing";
+    for (const std::string& file : found)
+        EXPECT_TRUE(listed.count(file)) << file << " is in the tree but no unit lists it";
+}
+
 TEST_F(GeneratedData, PicturesLoadInTheFormatsTheScenesAskFor)
 {
-    // Materials inside chunk files ask for their own codes.
-    std::map<std::string, std::set<int>> asked = sceneFormats;
+    // Each picture in the format its unit lists; materials inside chunk files ask for their own codes.
+    std::map<std::string, std::set<int>> asked;
+    for (const auto& [path, format] : listedFiles())
+        if (format != 0)
+            asked[path].insert(format);
     for (const std::string& file : generatedFiles())
         if (FileKind::detect(file) == FileKind::CHUNKS)
             for (const auto& [texture, format] : walk(file).textures)

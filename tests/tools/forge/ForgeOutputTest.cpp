@@ -1,7 +1,13 @@
 // The forge program end to end: the tree it writes, byte-identical twice, and each picture's layout rules.
 #include "PngFile.h"
 
+#include "ContentUnits.h"
+#include "effects/CreditsLayout.h"
+#include "effects/IslandsLayout.h"
+#include "effects/SharedLayout.h"
+#include "effects/TunnelLayout.h"
 #include "scene/Mesh.h"
+#include "text/Console.h"
 #include "texture/MaterialMgr.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +18,8 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
+#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -104,7 +112,7 @@ protected:
     static PngFile load(const std::string& relative)
     {
         PngFile png;
-        EXPECT_TRUE(png.read(first + "/data/" + relative)) << relative;
+        EXPECT_TRUE(png.read(first + "/" + relative)) << relative;
         return png;
     }
 
@@ -129,30 +137,31 @@ TEST_F(ForgeOutput, TwoRunsWriteByteIdenticalTreesAndReportThem)
     EXPECT_NE(firstOutput.find(" MB in "), std::string::npos) << firstOutput;
 }
 
-TEST_F(ForgeOutput, EveryPictureHasItsSizeAndChannels)
+TEST_F(ForgeOutput, EveryPictureHasTheSizeItsUnitListsAndAlphaExactlyWhenItsFormatHasIt)
 {
-    const struct {
-        const char* path;
-        int width, height, channels;
-    } expected[] = {
-        { "confont.png", 256, 256, 4 },       { "conbg2.png", 256, 256, 3 },       { "img/credits.png", 1024, 2048, 4 },
-        { "img/logo.png", 1024, 1024, 3 },    { "img/sand4.png", 512, 512, 3 },    { "img/water.png", 256, 256, 4 },
-        { "img/ship.png", 256, 256, 3 },      { "img/particle.png", 128, 128, 3 }, { "img/skymoon2.png", 2048, 1024, 3 },
-        { "img/window02.png", 256, 256, 4 },  { "img/test.png", 256, 256, 3 },     { "img/water03.png", 256, 256, 3 },
-        { "img/refmap.png", 256, 256, 3 },
-    };
-    for (const auto& e : expected) {
-        SCOPED_TRACE(e.path);
-        const PngFile png = load(e.path);
-        EXPECT_EQ(png.width, e.width);
-        EXPECT_EQ(png.height, e.height);
-        EXPECT_EQ(png.channels, e.channels);
+    int pictures = 0;
+    for (const auto& unit : ContentUnits::all()) {
+        for (const ForgedFile& file : unit->files()) {
+            if (!file.isPicture())
+                continue;
+            SCOPED_TRACE(file.path);
+            ++pictures;
+            const PngFile png = load(file.path);
+            EXPECT_EQ(png.width, file.width);
+            EXPECT_EQ(png.height, file.height);
+            EXPECT_EQ(png.channels, file.channels());
+        }
     }
+    EXPECT_GE(pictures, 13);
+    // Drawn translucent or not, these are the pictures whose alpha the scenes use.
+    EXPECT_EQ(load(Console::FONT_TEXTURE.file).channels, 4);
+    EXPECT_EQ(load(CreditsLayout::TEXTURE.file).channels, 4);
+    EXPECT_EQ(load(IslandsLayout::WATER.file).channels, 3);
 }
 
 TEST_F(ForgeOutput, GlyphAtlasHasInkInsideEveryPrintableCell)
 {
-    const PngFile png = load("confont.png");
+    const PngFile png = load(Console::FONT_TEXTURE.file);
     ASSERT_EQ(png.channels, 4);
     for (int c = 33; c <= 126; ++c) {
         const int x0 = ((c - 33) % 16) * 16, y0 = ((c - 33) / 16) * 24;
@@ -163,7 +172,7 @@ TEST_F(ForgeOutput, GlyphAtlasHasInkInsideEveryPrintableCell)
 
 TEST_F(ForgeOutput, CreditsAreWhiteInkInEightSeparateCells)
 {
-    const PngFile png = load("img/credits.png");
+    const PngFile png = load(CreditsLayout::TEXTURE.file);
     ASSERT_EQ(png.channels, 4);
     // Read as luminance with alpha, the luminance comes from blue: it must be white throughout.
     for (size_t i = 2; i < png.bytes.size(); i += 4)
@@ -179,13 +188,15 @@ TEST_F(ForgeOutput, CreditsAreWhiteInkInEightSeparateCells)
 
 TEST_F(ForgeOutput, WrappingPicturesHaveNoSeams)
 {
-    for (const char* name : { "img/sand4.png", "img/water.png", "img/test.png", "img/water03.png", "img/skymoon2.png" }) {
+    for (const TextureFile& picture : { IslandsLayout::SAND, IslandsLayout::WATER, TunnelLayout::ROCK,
+             TunnelLayout::CAUSTICS, IslandsLayout::SKY }) {
+        const std::string name = picture.file;
         const PngFile png = load(name);
         for (bool down : { false, true }) {
             double inside = 0.0, seam = 0.0;
             seamSteps(png, down, inside, seam);
             // The sky wraps round the dome, not top to bottom.
-            if (!down || std::string(name) != "img/skymoon2.png") {
+            if (!down || name != IslandsLayout::SKY.file) {
                 EXPECT_LT(seam, 2.5 * inside + 3.0) << name << (down ? " down" : " across");
             }
         }
@@ -199,10 +210,14 @@ TEST_F(ForgeOutput, MeshesLoadInTheEngineWithTheirMaterialsAndWinding)
         bool clockwise;
         const char* material;
     } meshes[] = {
-        { "3d/ship.msh", true, "ShipMaterial" },  { "3d/fugl1.msh", true, "BirdBody" },
-        { "3d/fugl2.msh", true, "BirdBody" },     { "3d/leaf.msh", false, "TunnelObject" },
-        { "3d/worm.msh", false, "TunnelObject" }, { "3d/spike.msh", false, "TunnelObject" },
-        { "3d/fan2.msh", false, "TunnelObject" }, { "3d/fanholder2.msh", false, "TunnelObject" },
+        { SharedLayout::SHIP_MESH, true, "ShipMaterial" },
+        { IslandsLayout::BIRD_MESHES[0], true, "BirdBody" },
+        { IslandsLayout::BIRD_MESHES[1], true, "BirdBody" },
+        { TunnelLayout::OBJECT_FILES[0], false, "TunnelObject" },
+        { TunnelLayout::OBJECT_FILES[1], false, "TunnelObject" },
+        { TunnelLayout::OBJECT_FILES[2], false, "TunnelObject" },
+        { TunnelLayout::OBJECT_FILES[3], false, "TunnelObject" },
+        { TunnelLayout::OBJECT_FILES[4], false, "TunnelObject" },
     };
     // Texture names inside the files are relative to the demo's working directory.
     const fs::path previous = fs::current_path();
@@ -211,7 +226,7 @@ TEST_F(ForgeOutput, MeshesLoadInTheEngineWithTheirMaterialsAndWinding)
         SCOPED_TRACE(file.path);
         MaterialMgr::getHandle()->shutdown();
         Mesh mesh;
-        ASSERT_TRUE(mesh.load((std::string("data/") + file.path).c_str()));
+        ASSERT_TRUE(mesh.load(file.path));
         ASSERT_NE(MaterialMgr::getHandle()->find(file.material), nullptr);
         const FaceArray& faces = *mesh.getFaces();
         const VertexArray& vertices = *mesh.getVertices();
@@ -231,6 +246,61 @@ TEST_F(ForgeOutput, MeshesLoadInTheEngineWithTheirMaterialsAndWinding)
     }
     MaterialMgr::getHandle()->shutdown();
     fs::current_path(previous);
+}
+
+TEST(ForgeProgram, OnlyWritesOneUnitsFilesAndMissingMakesAgainWhatWasDeleted)
+{
+    const std::string root = "/tmp/forge-only-" + std::to_string(getpid());
+    std::string output;
+    ASSERT_EQ(runForge("--only islands " + root, output), 0) << output;
+    std::set<std::string> expected;
+    for (const ForgedFile& file : ContentUnits::find("islands")->files())
+        expected.insert(file.path);
+    std::set<std::string> written;
+    for (const auto& [name, bytes] : readTree(root))
+        written.insert(name);
+    EXPECT_EQ(written, expected);
+
+    fs::remove(fs::path(root) / IslandsLayout::SAND.file);
+    output.clear();
+    ASSERT_EQ(runForge("--missing " + root, output), 0) << output;
+    EXPECT_TRUE(fs::exists(fs::path(root) / IslandsLayout::SAND.file));
+    // The other units had every file missing, so they were forged too.
+    EXPECT_TRUE(fs::exists(fs::path(root) / TunnelLayout::OCTREE));
+    // Nothing missing: nothing forged, nothing said.
+    output.clear();
+    ASSERT_EQ(runForge("--missing " + root, output), 0);
+    EXPECT_EQ(output, "");
+    fs::remove_all(root);
+}
+
+TEST(ForgeProgram, AnUnknownUnitIsAClearErrorNamingTheUnits)
+{
+    std::string output;
+    EXPECT_EQ(runForge("--only nowhere /tmp/forge-nowhere", output), 2);
+    EXPECT_NE(output.find("no unit named 'nowhere'"), std::string::npos) << output;
+    for (const auto& unit : ContentUnits::all())
+        EXPECT_NE(output.find(unit->name()), std::string::npos) << output;
+    EXPECT_FALSE(fs::exists("/tmp/forge-nowhere"));
+}
+
+TEST(ForgeProgram, ListPrintsEveryUnitsFilesOnceWithTheirSizes)
+{
+    std::string output;
+    ASSERT_EQ(runForge("--list", output), 0);
+    std::set<std::string> lines;
+    std::istringstream in(output);
+    for (std::string line; std::getline(in, line);)
+        EXPECT_TRUE(lines.insert(line).second) << line;
+    size_t count = 0;
+    for (const auto& unit : ContentUnits::all())
+        for (const ForgedFile& file : unit->files()) {
+            ++count;
+            const std::string line = std::string(unit->name()) + " " + file.path + " " + std::to_string(file.width) +
+                " " + std::to_string(file.height) + " " + std::to_string(file.format);
+            EXPECT_TRUE(lines.count(line)) << line;
+        }
+    EXPECT_EQ(lines.size(), count);
 }
 
 TEST(ForgeProgram, UnwritableRootFailsAndSaysWhere)

@@ -10,18 +10,32 @@
 #include <cstdio>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
-// Where the scene puts its objects (first four) and glows, and how far each reaches from its centre.
-const struct {
+// Where the scene puts its objects (the first four; the holder stands with the fan) and glows,
+// and how far each reaches from its centre.
+struct Fixture {
     Vec3 position;
     double reach;
-} fixtures[] = {
-    {{-135, -200, 5}, 2.0},  {{-40, -200, 0}, 2.0},   {{-187, -201, 11}, 2.0}, {{248, -246, 57}, 2.3},
-    {{4, -195, -1}, 1.5},    {{5, -190, 2}, 1.5},     {{5, -202, -7}, 1.5},    {{158, -245, 26}, 1.5},
-    {{-136, -198, 0}, 1.5},  {{-135, -200, 4}, 1.5},  {{-215, -201, 15}, 1.5},
 };
+
+Vec3 toVec3(const Vector3& v)
+{
+    return Vec3{v.x, v.y, v.z};
+}
+
+std::vector<Fixture> fixtures()
+{
+    const double objectReach[] = {2.0, 2.0, 2.0, 2.3};
+    std::vector<Fixture> list;
+    for (int i = 0; i < 4; ++i)
+        list.push_back({toVec3(TunnelLayout::OBJECT_POSITIONS[i]), objectReach[i]});
+    for (const Vector3& glow : TunnelLayout::CLUSTER_POSITIONS)
+        list.push_back({toVec3(glow), 1.5});
+    return list;
+}
 
 const TunnelContent& tunnel()
 {
@@ -34,7 +48,8 @@ const TunnelContent& tunnel()
 TEST(TunnelContent, ObjectsAndGlowsFitInsideTheRockAndTheFlightsPassClear)
 {
     const TunnelContent& content = tunnel();
-    for (const auto& f : fixtures)
+    const std::vector<Fixture> fixed = fixtures();
+    for (const Fixture& f : fixed)
         EXPECT_GT(content.clearance(f.position), f.reach) << f.position.x;
     for (double t = 0.0; t <= TunnelContent::SECONDS; t += 0.1) {
         const Vec3 camera = content.cameraAt(t), ship = content.shipAt(t);
@@ -43,8 +58,8 @@ TEST(TunnelContent, ObjectsAndGlowsFitInsideTheRockAndTheFlightsPassClear)
         // The mast tops, about four units above the waterline.
         ASSERT_GT(content.clearance(Vec3{ship.x, ship.y + 4.3, ship.z}), 0.3) << t;
         for (int i = 0; i < 4; ++i) {
-            ASSERT_GT((camera - fixtures[i].position).length(), fixtures[i].reach + 1.5) << t;
-            ASSERT_GT((ship - fixtures[i].position).length(), fixtures[i].reach + 1.5) << t;
+            ASSERT_GT((camera - fixed[i].position).length(), fixed[i].reach + 1.5) << t;
+            ASSERT_GT((ship - fixed[i].position).length(), fixed[i].reach + 1.5) << t;
         }
         // The ship sails ahead of the camera.
         ASSERT_GT(content.nearest(ship), content.nearest(camera) + 5.0) << t;
@@ -67,7 +82,7 @@ TEST(TunnelContent, PathsReadBackAsTheFlightsAtTheirFramesAndStayOpen)
     shipPath.setup();
     EXPECT_EQ(cameraPath.getLastFrame(), 804);
     EXPECT_EQ(shipPath.getLastFrame(), 804);
-    for (double t : {0.0, 10.0, 20.5, 33.5}) {
+    for (double t : {0.0, 10.0, 20.5, TunnelLayout::SECONDS}) {
         const Vector3 got = cameraPath.getPositionTrack()->evaluate((float)(t * 24.0));
         EXPECT_LT((Vec3{got.x, got.y, got.z} - content.cameraAt(t)).length(), 2e-3) << t;
         EXPECT_NEAR(shipPath.getPositionTrack()->evaluate((float)(t * 24.0)).x, content.shipAt(t).x, 1e-3f) << t;

@@ -5,7 +5,6 @@
 
 #include <string>
 
-class Forge;
 class TextRaster;
 
 class CreditsArt {
@@ -16,8 +15,6 @@ public:
     // One quarter of a half of the texture.
     static constexpr int cellSize = 512;
 
-    // Writes data/img/credits.png; false on failure.
-    bool build(Forge& forge);
     // The texture itself, for tests; empty when the fonts are missing.
     Image compose();
 

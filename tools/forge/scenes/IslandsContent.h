@@ -1,20 +1,16 @@
-// The islands scene's generated content: the six mountain .bez files and the camera, ship and bird paths.
+// The islands scene's generated content: the mountains, the camera, ship and bird paths, the birds and the pictures.
 #pragma once
+
+#include "ContentUnit.h"
 
 class BezierMesh;
 class Forge;
 
-class IslandsContent {
+class IslandsContent : public ContentUnit {
 public:
-    // Writes data/3d/mountain{1,2,3,4,6,7}.bez, camera_islands.cam,
-    // ship_island.cam and bird_island.cam; false if any failed.
-    bool build(Forge& forge);
-
-    // The ship's course: a wide arc round the islands, one key per second at 24 frames a second.
-    static const int shipFramesPerSec = 24;
-    static const int birdFramesPerSec = 12;
-    // The scene lasts 33 seconds.
-    static const int sceneSeconds = 33;
+    const char* name() const override { return "islands"; }
+    std::vector<ForgedFile> files() const override;
+    bool build(Forge& forge) override;
 
     // Height above the water of mountain `index` (0..5) at a point in its own frame.
     static double mountainHeight(int index, double x, double z);
@@ -31,4 +27,6 @@ private:
     bool shipPath(Forge& forge);
     bool cameraPath(Forge& forge);
     bool birdPath(Forge& forge);
+    bool birds(Forge& forge);
+    bool pictures(Forge& forge);
 };

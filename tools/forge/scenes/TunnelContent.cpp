@@ -4,7 +4,10 @@
 
 #include "Forge.h"
 #include "Maths.h"
+#include "MeshFile.h"
 #include "Noise.h"
+#include "SeaObjectMesh.h"
+#include "TunnelArt.h"
 
 #include "math/Vector3.h"
 #include "scene/CameraAnimation.h"
@@ -13,6 +16,8 @@
 #include "scene/Mesh.h"
 #include "scene/object/Chunk.h"
 #include "texture/MaterialMgr.h"
+#include "texture/Texture.h"
+#include "texture/TextureMaterial.h"
 #include "tools/octree/OctreeBuilder.h"
 
 #include <fstream>
@@ -35,11 +40,12 @@ const int SAMPLES_PER_SPAN = 96;
 // The camera starts here along x and stops short of the fan, which turns ahead at the end.
 const double CAMERA_START_X = -262.0;
 const double CAMERA_END_X = 238.0;
-const Vec3 FAN_HUB = {248.0, -246.0, 57.0};
+const Vector3& FAN_HUB_POINT = TunnelLayout::OBJECT_POSITIONS[TunnelLayout::FAN];
+const Vec3 FAN_HUB = {FAN_HUB_POINT.x, FAN_HUB_POINT.y, FAN_HUB_POINT.z};
 // How far to the side the ship steers to pass the fan.
 const double FAN_PASS = 4.0;
 const double CHAMBER_X = 5.0;
-const double FAN_X = 248.0;
+const double FAN_X = FAN_HUB.x;
 const uint32_t RELIEF_SEED = 0x7c3a91u;
 
 Vec3 catmullRom(const Vec3& p0, const Vec3& p1, const Vec3& p2, const Vec3& p3, double t)
@@ -276,7 +282,7 @@ bool TunnelContent::writeCamera(const char* file) const
 {
     std::unique_ptr<Lin3Track> position = track(*this, &TunnelContent::cameraAt);
     std::unique_ptr<Lin3Track> target = track(*this, &TunnelContent::targetAt);
-    return writeAnimation(file, "TunnelCamera", position.get(), target.get());
+    return writeAnimation(file, TunnelLayout::CAMERA_NAME, position.get(), target.get());
 }
 
 bool TunnelContent::writeShip(const char* file) const
@@ -285,10 +291,54 @@ bool TunnelContent::writeShip(const char* file) const
     return writeAnimation(file, "ship", position.get(), nullptr);
 }
 
+bool TunnelContent::objects(Forge& forge)
+{
+    // The meshes name the reflection map in their material: only its name and format are written.
+    Texture reflection(TunnelLayout::REFLECTION.file, 1, 1, 24, TunnelLayout::REFLECTION.format,
+                       new unsigned char[3]{0, 0, 0});
+    bool ok = true;
+    for (int i = 0; i < TunnelLayout::OBJECT_COUNT; ++i) {
+        MeshBuilder builder;
+        SeaObjectMesh(static_cast<SeaObjectMesh::Kind>(i)).build(builder);
+        TextureMaterial* shell = new TextureMaterial(SeaObjectMesh::materialNames[SeaObjectMesh::Shell]);
+        shell->setTexture(&reflection);
+        shell->setFlags(Material::reflective);
+        shell->setBlendMode(Material::blendNone);
+        shell->setAmbient(MeshFile::grey(1.0f));
+        shell->setDiffuse(MeshFile::grey(1.0f));
+        ok = MeshFile::write(forge, TunnelLayout::OBJECT_FILES[i], builder, false, {shell}) && ok;
+    }
+    return ok;
+}
+
+bool TunnelContent::pictures(Forge& forge)
+{
+    const TunnelArt art;
+    bool ok = forge.savePicture(TunnelLayout::ROCK, art.rock());
+    ok = forge.savePicture(TunnelLayout::CAUSTICS, art.caustics()) && ok;
+    ok = forge.savePicture(TunnelLayout::REFLECTION, art.reflection()) && ok;
+    return ok;
+}
+
+std::vector<ForgedFile> TunnelContent::files() const
+{
+    std::vector<ForgedFile> list;
+    for (const char* path : {TunnelLayout::OCTREE, TunnelLayout::CAMERA_PATH, TunnelLayout::SHIP_PATH})
+        list.push_back(ForgedFile::file(path));
+    for (const char* path : TunnelLayout::OBJECT_FILES)
+        list.push_back(ForgedFile::file(path));
+    for (const TextureFile& picture : {TunnelLayout::ROCK, TunnelLayout::CAUSTICS, TunnelLayout::REFLECTION})
+        list.push_back(ForgedFile::picture(picture, 256, 256));
+    return list;
+}
+
 bool TunnelContent::build(Forge& forge)
 {
-    bool ok = forge.saveFile("3d/tunnel3.oct", [&](const std::string& path) { return writeTunnel(path.c_str()); });
-    ok = forge.saveFile("3d/camera_tunnel.cam", [&](const std::string& path) { return writeCamera(path.c_str()); }) && ok;
-    ok = forge.saveFile("3d/ship_tunnel.cam", [&](const std::string& path) { return writeShip(path.c_str()); }) && ok;
+    using namespace TunnelLayout;
+    bool ok = forge.saveFile(OCTREE, [&](const std::string& path) { return writeTunnel(path.c_str()); });
+    ok = forge.saveFile(CAMERA_PATH, [&](const std::string& path) { return writeCamera(path.c_str()); }) && ok;
+    ok = forge.saveFile(SHIP_PATH, [&](const std::string& path) { return writeShip(path.c_str()); }) && ok;
+    ok = objects(forge) && ok;
+    ok = pictures(forge) && ok;
     return ok;
 }

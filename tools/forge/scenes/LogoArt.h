@@ -5,7 +5,6 @@
 
 #include <functional>
 
-class Forge;
 
 class LogoArt {
 public:
@@ -14,7 +13,6 @@ public:
     static constexpr int designHeight = 960;
     static constexpr int size = 1024;
 
-    bool build(Forge& forge);
     // The finished texture; empty when the fonts are missing.
     Image compose();
 

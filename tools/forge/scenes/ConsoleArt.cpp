@@ -2,6 +2,8 @@
 #include "ConsoleArt.h"
 
 #include "Forge.h"
+
+#include "text/Console.h"
 #include "GlyphAtlas.h"
 #include "Maths.h"
 #include "Noise.h"
@@ -23,7 +25,7 @@ bool ConsoleArt::buildFont(Forge& forge)
         std::cerr << "velmora-forge: cannot use the console font\n";
         return false;
     }
-    return forge.savePng("confont.png", atlas.image(), 4);
+    return forge.savePicture(Console::FONT_TEXTURE, atlas.image());
 }
 
 bool ConsoleArt::buildBackground(Forge& forge)
@@ -47,5 +49,5 @@ bool ConsoleArt::buildBackground(Forge& forge)
         p.g += 0.09f;
         p.b += 0.14f;
     }
-    return forge.savePng("conbg2.png", image, 3);
+    return forge.savePicture(Console::BACKGROUND_TEXTURE, image);
 }

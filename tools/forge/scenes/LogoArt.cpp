@@ -3,7 +3,6 @@
 #include "LogoArt.h"
 
 #include "ColourMath.h"
-#include "Forge.h"
 #include "Maths.h"
 #include "Noise.h"
 #include "Painter.h"
@@ -152,14 +151,4 @@ Image LogoArt::compose()
     if (!drawWordmark(canvas))
         return Image();
     return canvas.resized(size, size);
-}
-
-bool LogoArt::build(Forge& forge)
-{
-    const Image logo = compose();
-    if (logo.empty()) {
-        std::cerr << "velmora-forge: cannot use the logo font\n";
-        return false;
-    }
-    return forge.savePng("img/logo.png", logo, 3);
 }

@@ -3,11 +3,9 @@
 
 #include "Image.h"
 
-class Forge;
 
 class TunnelArt {
 public:
-    bool build(Forge& forge);
 
     // Seamless 256 × 256 teal rock for the tunnel walls.
     Image rock() const;

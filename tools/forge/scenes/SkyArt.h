@@ -5,7 +5,6 @@
 
 #include <vector>
 
-class Forge;
 
 class SkyArt {
 public:
@@ -18,7 +17,6 @@ public:
     static constexpr double moonElevation = 22.0;
 
     SkyArt();
-    bool build(Forge& forge);
     Image compose() const;
 
 private:

@@ -1,7 +1,14 @@
 // The islands' mountains as Bezier patch grids, and the paths of the camera, the ship and the birds.
 #include "IslandsContent.h"
 
+#include "BirdMesh.h"
 #include "Forge.h"
+#include "IslandArt.h"
+#include "MeshBuilder.h"
+#include "MeshFile.h"
+#include "SkyArt.h"
+
+#include "effects/IslandsLayout.h"
 
 #include "scene/BezierMesh.h"
 #include "scene/Camera.h"
@@ -15,6 +22,8 @@
 
 namespace {
 
+using namespace IslandsLayout;
+
 const double PI = 3.14159265358979;
 
 struct Bump {
@@ -24,23 +33,22 @@ struct Bump {
     double sigma;
 };
 
-// Each mountain: where its files go, how far it reaches, the water's level in
-// its own frame (its offset's y) and the summits. The small summits carry the
-// fire plumes, so they stand where the plumes burn.
+// Each mountain (in the order of the scene's list): how far it reaches, the water's level in
+// its own frame (minus its offset's y) and the summits. The small summits carry the fire
+// plumes, so they stand where the plumes burn.
 struct MountainShape {
-    const char* file;
     double extent;
     double waterLevel;
     Bump bumps[3];
 };
 
-const MountainShape SHAPES[6] = {
-    {"3d/mountain1.bez", 8.0, 0.15, {{-1.0, -5.0, 1.9, 2.2}, {3.0, 2.0, 2.9, 3.0}, {-3.0, 3.0, 1.2, 2.5}}},
-    {"3d/mountain2.bez", 8.0, 0.15, {{-5.7, 5.4, 2.8, 2.0}, {2.0, -2.0, 3.9, 3.0}, {3.0, 4.0, 1.4, 2.5}}},
-    {"3d/mountain3.bez", 8.0, 0.15, {{3.0, 3.0, 1.5, 2.2}, {-2.0, -1.0, 3.4, 3.0}, {1.0, -4.0, 1.6, 2.5}}},
-    {"3d/mountain4.bez", 8.0, 0.15, {{-2.5, -2.0, 1.4, 2.2}, {2.0, 3.0, 2.4, 3.0}, {3.0, -3.0, 1.0, 2.0}}},
-    {"3d/mountain6.bez", 9.0, 0.3, {{0.0, 0.0, 4.6, 3.5}, {3.0, -2.0, 2.4, 2.5}, {-3.0, 3.0, 1.5, 2.5}}},
-    {"3d/mountain7.bez", 30.0, -0.5, {{0.0, 0.0, 15.0, 9.0}, {-5.0, 10.0, 9.0, 6.0}, {6.0, -11.0, 10.0, 7.0}}},
+const MountainShape SHAPES[MOUNTAIN_COUNT] = {
+    {8.0, 0.15, {{-1.0, -5.0, 1.9, 2.2}, {3.0, 2.0, 2.9, 3.0}, {-3.0, 3.0, 1.2, 2.5}}},
+    {8.0, 0.15, {{-5.7, 5.4, 2.8, 2.0}, {2.0, -2.0, 3.9, 3.0}, {3.0, 4.0, 1.4, 2.5}}},
+    {8.0, 0.15, {{3.0, 3.0, 1.5, 2.2}, {-2.0, -1.0, 3.4, 3.0}, {1.0, -4.0, 1.6, 2.5}}},
+    {8.0, 0.15, {{-2.5, -2.0, 1.4, 2.2}, {2.0, 3.0, 2.4, 3.0}, {3.0, -3.0, 1.0, 2.0}}},
+    {9.0, 0.3, {{0.0, 0.0, 4.6, 3.5}, {3.0, -2.0, 2.4, 2.5}, {-3.0, 3.0, 1.5, 2.5}}},
+    {30.0, -0.5, {{0.0, 0.0, 15.0, 9.0}, {-5.0, 10.0, 9.0, 6.0}, {6.0, -11.0, 10.0, 7.0}}},
 };
 
 // The ground sinks this far below the water at a mountain's edge.
@@ -122,7 +130,7 @@ void IslandsContent::buildMountain(int index, BezierMesh& mesh)
 
 void IslandsContent::shipPosition(double seconds, double out[3])
 {
-    const double a = COURSE_START + COURSE_SWEEP * seconds / sceneSeconds;
+    const double a = COURSE_START + COURSE_SWEEP * seconds / SECONDS;
     out[0] = COURSE_RADIUS * std::cos(a);
     out[1] = 0.0;
     out[2] = COURSE_RADIUS * std::sin(a);
@@ -131,12 +139,12 @@ void IslandsContent::shipPosition(double seconds, double out[3])
 bool IslandsContent::mountains(Forge& forge)
 {
     bool ok = true;
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < MOUNTAIN_COUNT; ++i) {
         BezierMesh mesh;
         mesh.setName((std::string("Mountain") + std::to_string(i + 1)).c_str());
         mesh.setMaterialName("Sand4");
         buildMountain(i, mesh);
-        ok = forge.saveFile(SHAPES[i].file, [&mesh](const std::string& path) { return mesh.save(path.c_str()); }) && ok;
+        ok = forge.saveFile(MOUNTAINS[i].file, [&mesh](const std::string& path) { return mesh.save(path.c_str()); }) && ok;
     }
     return ok;
 }
@@ -145,41 +153,41 @@ bool IslandsContent::shipPath(Forge& forge)
 {
     MeshAnimation animation;
     animation.setLabel("Ship");
-    animation.setFramesPerSec(static_cast<float>(shipFramesPerSec));
-    for (int second = 0; second <= sceneSeconds + 1; ++second) {
+    animation.setFramesPerSec(static_cast<float>(SHIP_FRAMES_PER_SEC));
+    for (int second = 0; second <= SECONDS + 1; ++second) {
         double p[3];
         shipPosition(second, p);
-        animation.addMeshPos(second * shipFramesPerSec, toVector(p));
+        animation.addMeshPos(second * SHIP_FRAMES_PER_SEC, toVector(p));
     }
     animation.setup();
-    return forge.saveFile("3d/ship_island.cam", [&animation](const std::string& path) { return animation.save(path.c_str()); });
+    return forge.saveFile(SHIP_PATH, [&animation](const std::string& path) { return animation.save(path.c_str()); });
 }
 
 bool IslandsContent::cameraPath(Forge& forge)
 {
     // The file names the camera it flies; the registry only lends the name here.
     CameraMgr* cameras = CameraMgr::getHandle();
-    Camera* camera = new Camera("IslandCamera");
+    Camera* camera = new Camera(CAMERA_NAME);
     cameras->add(camera);
     CameraAnimation animation;
-    animation.setCamera("IslandCamera");
-    animation.setFramesPerSec(static_cast<float>(shipFramesPerSec));
+    animation.setCamera(CAMERA_NAME);
+    animation.setFramesPerSec(static_cast<float>(SHIP_FRAMES_PER_SEC));
     // Every two seconds: behind and outside the ship, looking past it at the islands.
-    for (int second = 0; second <= sceneSeconds + 2; second += 2) {
+    for (int second = 0; second <= SECONDS + 2; second += 2) {
         double ship[3];
         shipPosition(second, ship);
-        const double a = COURSE_START + COURSE_SWEEP * (second - 6.0) / sceneSeconds;
-        const double radius = 52.0 - 10.0 * std::sin(PI * second / sceneSeconds);
-        const double height = 9.0 - 4.0 * std::sin(PI * second / sceneSeconds);
+        const double a = COURSE_START + COURSE_SWEEP * (second - 6.0) / SECONDS;
+        const double radius = 52.0 - 10.0 * std::sin(PI * second / SECONDS);
+        const double height = 9.0 - 4.0 * std::sin(PI * second / SECONDS);
         const double eye[3] = {radius * std::cos(a), height, radius * std::sin(a)};
         const double look[3] = {ship[0] * 0.75, 1.2, ship[2] * 0.75};
-        animation.addCameraPos(second * shipFramesPerSec, toVector(eye));
-        animation.addTargetPos(second * shipFramesPerSec, toVector(look));
+        animation.addCameraPos(second * SHIP_FRAMES_PER_SEC, toVector(eye));
+        animation.addTargetPos(second * SHIP_FRAMES_PER_SEC, toVector(look));
     }
     animation.setup();
     const bool ok =
-        forge.saveFile("3d/camera_islands.cam", [&animation](const std::string& path) { return animation.save(path.c_str()); });
-    cameras->remove("IslandCamera");
+        forge.saveFile(CAMERA_PATH, [&animation](const std::string& path) { return animation.save(path.c_str()); });
+    cameras->remove(CAMERA_NAME);
     return ok;
 }
 
@@ -188,9 +196,9 @@ bool IslandsContent::birdPath(Forge& forge)
     // A lazy loop over the middle of the islands, 20 seconds round, back where it began.
     MeshAnimation animation;
     animation.setLabel("Bird");
-    animation.setFramesPerSec(static_cast<float>(birdFramesPerSec));
+    animation.setFramesPerSec(static_cast<float>(BIRD_FRAMES_PER_SEC));
     const int keys = 10;
-    const int loopFrames = 20 * birdFramesPerSec;
+    const int loopFrames = 20 * BIRD_FRAMES_PER_SEC;
     for (int k = 0; k <= keys; ++k) {
         const double a = 2.0 * PI * k / keys;
         const Vector3 p(static_cast<float>(14.0 * std::cos(a)), static_cast<float>(7.0 + 1.5 * std::sin(2.0 * a)),
@@ -198,7 +206,51 @@ bool IslandsContent::birdPath(Forge& forge)
         animation.addMeshPos(k * loopFrames / keys, p);
     }
     animation.setup();
-    return forge.saveFile("3d/bird_island.cam", [&animation](const std::string& path) { return animation.save(path.c_str()); });
+    return forge.saveFile(BIRD_PATH, [&animation](const std::string& path) { return animation.save(path.c_str()); });
+}
+
+bool IslandsContent::birds(Forge& forge)
+{
+    bool ok = true;
+    // The upstroke pose first, then the downstroke; both drawn with clockwise front faces.
+    for (int i = 0; i < 2; ++i) {
+        MeshBuilder builder;
+        BirdMesh(i == 0).build(builder);
+        std::vector<Material*> materials(BirdMesh::MaterialCount);
+        materials[BirdMesh::Body] = MeshFile::colourMaterial(BirdMesh::materialNames[BirdMesh::Body],
+            MeshFile::grey(0.35f), Color(0.95f, 0.95f, 0.97f, 1.0f), MeshFile::grey(0.3f), 20.0f);
+        materials[BirdMesh::WingTip] = MeshFile::colourMaterial(BirdMesh::materialNames[BirdMesh::WingTip],
+            MeshFile::grey(0.1f), Color(0.25f, 0.25f, 0.28f, 1.0f), MeshFile::grey(0.2f), 20.0f);
+        materials[BirdMesh::Beak] = MeshFile::colourMaterial(BirdMesh::materialNames[BirdMesh::Beak],
+            Color(0.3f, 0.2f, 0.0f, 1.0f), Color(0.95f, 0.65f, 0.1f, 1.0f), MeshFile::grey(0.3f), 30.0f);
+        ok = MeshFile::write(forge, BIRD_MESHES[i], builder, true, materials) && ok;
+    }
+    return ok;
+}
+
+bool IslandsContent::pictures(Forge& forge)
+{
+    const IslandArt art;
+    bool ok = forge.savePicture(SAND, art.sand());
+    ok = forge.savePicture(WATER, art.water()) && ok;
+    ok = forge.savePicture(WINDOW, art.window()) && ok;
+    SkyArt sky;
+    ok = forge.savePicture(SKY, sky.compose()) && ok;
+    return ok;
+}
+
+std::vector<ForgedFile> IslandsContent::files() const
+{
+    std::vector<ForgedFile> list;
+    for (const Mountain& mountain : MOUNTAINS)
+        list.push_back(ForgedFile::file(mountain.file));
+    for (const char* path : {CAMERA_PATH, SHIP_PATH, BIRD_PATH, BIRD_MESHES[0], BIRD_MESHES[1]})
+        list.push_back(ForgedFile::file(path));
+    list.push_back(ForgedFile::picture(SAND, 512, 512));
+    list.push_back(ForgedFile::picture(WATER, 256, 256));
+    list.push_back(ForgedFile::picture(WINDOW, 256, 256));
+    list.push_back(ForgedFile::picture(SKY, SkyArt::width, SkyArt::height));
+    return list;
 }
 
 bool IslandsContent::build(Forge& forge)
@@ -207,5 +259,7 @@ bool IslandsContent::build(Forge& forge)
     ok = shipPath(forge) && ok;
     ok = cameraPath(forge) && ok;
     ok = birdPath(forge) && ok;
+    ok = birds(forge) && ok;
+    ok = pictures(forge) && ok;
     return ok;
 }

@@ -1,7 +1,6 @@
 // White ink on clear texels: the scene reads the picture as luminance with alpha and tints the trail itself.
 #include "CreditsArt.h"
 
-#include "Forge.h"
 #include "Maths.h"
 #include "Painter.h"
 #include "TextRaster.h"
@@ -125,14 +124,4 @@ Image CreditsArt::compose()
         place(texture, blurred, cellSize, cellSize * i);
     }
     return texture;
-}
-
-bool CreditsArt::build(Forge& forge)
-{
-    const Image texture = compose();
-    if (texture.empty()) {
-        std::cerr << "velmora-forge: cannot use the credit fonts\n";
-        return false;
-    }
-    return forge.savePng("img/credits.png", texture, 4);
 }

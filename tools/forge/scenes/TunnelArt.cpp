@@ -2,7 +2,6 @@
 #include "TunnelArt.h"
 
 #include "ColourMath.h"
-#include "Forge.h"
 #include "Maths.h"
 #include "Noise.h"
 #include "Random.h"
@@ -84,12 +83,4 @@ Image TunnelArt::reflection() const
         c.b += (float)sparkle;
         return c;
     });
-}
-
-bool TunnelArt::build(Forge& forge)
-{
-    bool ok = forge.savePng("img/test.png", rock(), 3);
-    ok = forge.savePng("img/water03.png", caustics(), 3) && ok;
-    ok = forge.savePng("img/refmap.png", reflection(), 3) && ok;
-    return ok;
 }

@@ -5,6 +5,7 @@
 
 class SeaObjectMesh {
 public:
+    // In the order the tunnel lists its objects.
     enum Kind { Leaf, Worm, Spike, Fan, FanHolder };
     // All of them wear the one reflective material.
     enum { Shell, MaterialCount };

@@ -1,16 +1,19 @@
 // The underwater tunnel's geometry and paths: the winding tube as an octree, the camera's and the ship's flights.
 #pragma once
 
+#include "ContentUnit.h"
 #include "MeshBuilder.h"
+
+#include "effects/TunnelLayout.h"
 
 #include <vector>
 
 class Forge;
 
-class TunnelContent {
+class TunnelContent : public ContentUnit {
 public:
     // The scene's length in seconds and the paths' key rate.
-    static constexpr double SECONDS = 33.5;
+    static constexpr double SECONDS = TunnelLayout::SECONDS;
     static constexpr double FRAMES_PER_SECOND = 24.0;
     // Frames between two path keys.
     static const int KEY_STEP = 6;
@@ -26,8 +29,9 @@ public:
 
     TunnelContent();
 
-    // Writes data/3d/tunnel3.oct, camera_tunnel.cam and ship_tunnel.cam; false if any failed.
-    bool build(Forge& forge);
+    const char* name() const override { return "tunnel"; }
+    std::vector<ForgedFile> files() const override;
+    bool build(Forge& forge) override;
 
     // The centre line by distance along it, from 0 to length().
     Vec3 centre(double s) const;
@@ -58,6 +62,8 @@ public:
     bool writeShip(const char* file) const;
 
 private:
+    bool objects(Forge& forge);
+    bool pictures(Forge& forge);
     // Rock relief around the base radius: about -1 to 1.
     double relief(double s, double theta) const;
     double baseRadius(const Vec3& c) const;

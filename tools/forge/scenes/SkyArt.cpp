@@ -3,7 +3,6 @@
 #include "SkyArt.h"
 
 #include "ColourMath.h"
-#include "Forge.h"
 #include "Maths.h"
 #include "Noise.h"
 #include "Random.h"
@@ -236,9 +235,4 @@ Image SkyArt::compose() const
     drawClouds(sky);
     drawMoon(sky);
     return sky;
-}
-
-bool SkyArt::build(Forge& forge)
-{
-    return forge.savePng("img/skymoon2.png", compose(), 3);
 }

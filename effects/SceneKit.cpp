@@ -1,0 +1,75 @@
+// Helpers two or more scenes use while they load.
+#include "effects/SceneKit.h"
+
+#include "scene/DirectionalLight.h"
+#include "scene/FaceArray.h"
+#include "scene/LightMgr.h"
+#include "scene/Mesh.h"
+#include "texture/MaterialMgr.h"
+#include "texture/Texture.h"
+#include "texture/TextureMaterial.h"
+#include "texture/TextureMgr.h"
+
+Texture* SceneKit::loadTexture(const TextureFile& picture)
+{
+    return TextureMgr::getHandle()->loadTexture(picture.file, picture.format);
+}
+
+Texture* SceneKit::preloadTexture(const TextureFile& picture)
+{
+    Texture* texture = loadTexture(picture);
+    if (texture && texture->getGLName() == Texture::noName)
+        texture->upload();
+    return texture;
+}
+
+TextureMaterial* SceneKit::makeMaterial(const char* name, Texture* texture, int blendMode, unsigned long flags)
+{
+    TextureMaterial* material = new TextureMaterial(name);
+    material->setTexture(texture);
+    material->setBlendMode(blendMode);
+    material->setFlags(flags);
+    MaterialMgr::getHandle()->add(material);
+    return material;
+}
+
+TextureMaterial* SceneKit::findOrMakeMaterial(const char* name, const TextureFile& picture, unsigned long flags,
+                                              int blendMode)
+{
+    TextureMaterial* existing = dynamic_cast<TextureMaterial*>(MaterialMgr::getHandle()->find(name));
+    if (existing)
+        return existing;
+    return makeMaterial(name, preloadTexture(picture), blendMode, flags);
+}
+
+void SceneKit::giveMaterial(Mesh* mesh, Material* material)
+{
+    FaceArray* faces = mesh ? mesh->getFaces() : nullptr;
+    if (!faces)
+        return;
+    for (int i = 0; i < faces->getNumFaces(); ++i)
+        (*faces)[i].setMaterial(material);
+}
+
+Light* SceneKit::directionalLight(const char* name, const LightSetup& setup)
+{
+    LightMgr* lights = LightMgr::getHandle();
+    Light* light = lights->find(name);
+    if (!light) {
+        light = new DirectionalLight(name);
+        light->setPosition(setup.direction);
+        light->setAmbient(setup.ambient);
+        light->setDiffuse(setup.diffuse);
+        light->setSpecular(setup.specular);
+        light->setAttenuation(setup.attenuation[0], setup.attenuation[1], setup.attenuation[2]);
+        lights->add(light);
+    }
+    light->initiate();
+    light->turnOn();
+    return light;
+}
+
+std::string SceneKit::missingMessage(const char* scene, const char* file)
+{
+    return std::string(scene) + ": couldn't load '" + file + "'\n";
+}

@@ -1,0 +1,64 @@
+// Helpers two or more scenes use while they load: textures sent to GL at once, materials and lights found or made, files loaded or explained.
+#pragma once
+
+#include "math/Color.h"
+#include "math/Vector3.h"
+#include "texture/TextureFormat.h"
+
+#include <iostream>
+#include <string>
+
+class Light;
+class Material;
+class Mesh;
+class Texture;
+class TextureMaterial;
+
+class SceneKit {
+public:
+    // What a directional light is made with.
+    struct LightSetup {
+        Vector3 direction;
+        Color ambient;
+        Color diffuse;
+        Color specular;
+        float attenuation[3];
+    };
+
+    // Through the texture cache; null when it cannot be read.
+    static Texture* loadTexture(const TextureFile& picture);
+    // The same, sent to GL now: no picture is uploaded in the frame loop, and an upload made
+    // at a bind on the second texture unit would land on the first.
+    static Texture* preloadTexture(const TextureFile& picture);
+
+    // A textured material made with these values and registered (whether or not one of that name exists).
+    static TextureMaterial* makeMaterial(const char* name, Texture* texture, int blendMode, unsigned long flags);
+    // The registered textured material of that name, or one made from the picture, preloaded, and registered.
+    static TextureMaterial* findOrMakeMaterial(const char* name, const TextureFile& picture, unsigned long flags,
+                                               int blendMode);
+    // Every face of the mesh drawn with this material.
+    static void giveMaterial(Mesh* mesh, Material* material);
+
+    // The registered light of that name, or a directional one made and registered; either way
+    // its states are sent again and it is switched on.
+    static Light* directionalLight(const char* name, const LightSetup& setup);
+
+    // A new T loaded from the file, or null after printing the message on the error stream.
+    template <typename T>
+    static T* loadOrSay(const char* file, const char* message)
+    {
+        T* object = new T();
+        if (object->load(file))
+            return object;
+        std::cerr << message;
+        delete object;
+        return nullptr;
+    }
+    // The same with the scenes' common message: "<scene>: couldn't load '<file>'".
+    template <typename T>
+    static T* loadOrReport(const char* scene, const char* file)
+    {
+        return loadOrSay<T>(file, missingMessage(scene, file).c_str());
+    }
+    static std::string missingMessage(const char* scene, const char* file);
+};

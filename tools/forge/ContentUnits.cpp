@@ -1,0 +1,27 @@
+// The forge's table of content units: a new scene adds its unit here.
+#include "ContentUnits.h"
+
+#include "scenes/CreditsContent.h"
+#include "scenes/IslandsContent.h"
+#include "scenes/LogoContent.h"
+#include "scenes/SharedContent.h"
+#include "scenes/TunnelContent.h"
+
+std::vector<std::unique_ptr<ContentUnit>> ContentUnits::all()
+{
+    std::vector<std::unique_ptr<ContentUnit>> units;
+    units.emplace_back(new SharedContent());
+    units.emplace_back(new CreditsContent());
+    units.emplace_back(new IslandsContent());
+    units.emplace_back(new LogoContent());
+    units.emplace_back(new TunnelContent());
+    return units;
+}
+
+std::unique_ptr<ContentUnit> ContentUnits::find(const std::string& name)
+{
+    for (std::unique_ptr<ContentUnit>& unit : all())
+        if (name == unit->name())
+            return std::move(unit);
+    return nullptr;
+}
