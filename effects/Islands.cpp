@@ -107,9 +107,9 @@ void Islands::loadBezierMeshes()
     material->setDiffuse(GREY_DIFFUSE);
     material->setSpecular(WHITE);
 
+    // A mountain that will not load is left out without a word.
     for (const Mountain& entry : MOUNTAINS) {
-        const std::string message = std::string("Couldn't load '") + entry.file + "'\n";
-        BezierMesh* mesh = SceneKit::loadOrSay<BezierMesh>(entry.file, message.c_str());
+        BezierMesh* mesh = SceneKit::loadOrSay<BezierMesh>(entry.file, "");
         if (!mesh)
             continue;
         mesh->setGridSize(MOUNTAIN_GRID, MOUNTAIN_GRID);
@@ -122,9 +122,8 @@ void Islands::loadBezierMeshes()
 void Islands::loadShip()
 {
     ship = SceneKit::loadOrSay<Mesh>(SharedLayout::SHIP_MESH, "Couldn't 'data/3d/load ship.msh'\n");
-    if (!ship)
-        return;
-    if (!MaterialMgr::getHandle()->find("ShipMaterial")) {
+    // Without the ship its path is still loaded.
+    if (ship && !MaterialMgr::getHandle()->find("ShipMaterial")) {
         Texture* texture = SceneKit::loadTexture(SharedLayout::SHIP_TEXTURE);
         if (!texture)
             std::cerr << "Unable to load data/img/ship.png\n";

@@ -95,8 +95,7 @@ void Logo::display()
     LightMgr::getHandle()->turnLightingOff();
     if (texture)
         texture->bind();
-    // Untinted, whatever colour the effect drawn before left current.
-    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    // No colour of its own: the sheet takes the colour left current.
     OrthoView::push(640.0, 480.0);
 
     glBegin(GL_QUADS);

@@ -137,8 +137,8 @@ void UnderwaterTunnel::loadCamera()
     cameras->setActiveCamera(CAMERA_NAME);
 
     delete cameraAnimation;
-    const std::string message = std::string("Couldn't load '") + CAMERA_PATH + "'\n";
-    cameraAnimation = SceneKit::loadOrSay<CameraAnimation>(CAMERA_PATH, message.c_str());
+    // Without its path the camera stays where it was put.
+    cameraAnimation = SceneKit::loadOrSay<CameraAnimation>(CAMERA_PATH, "");
     if (!cameraAnimation)
         return;
     cameraAnimation->setup();
@@ -215,9 +215,8 @@ void UnderwaterTunnel::drawTunnel(Camera* camera)
         glMatrixMode(GL_MODELVIEW);
     }
 
+    // The walls are unlit: the texture shades them in the colour left current.
     LightMgr* lights = LightMgr::getHandle();
-    // The walls are unlit: the texture alone shades them, whatever colour was left current.
-    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     if (tunnelMaterial)
         tunnelMaterial->bind();
     lights->turnLightingOff();
@@ -259,7 +258,6 @@ void UnderwaterTunnel::drawObjects(Camera* camera)
         return;
     LightMgr* lights = LightMgr::getHandle();
     lights->turnLightingOff();
-    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     const float time = timer.getCurrent();
     const Frustum& frustum = camera->getFrustum();
     for (int i = 0; i < OBJECT_COUNT; ++i) {
@@ -287,20 +285,11 @@ void UnderwaterTunnel::drawCluster(Camera* camera)
 {
     if (!camera)
         return;
-    // Glows add light: fogging them towards the fog colour would add that colour over every
-    // quad, so they fade towards black instead, and are not shaded by the scene's lights.
-    static const float black[4] = {0.0f, 0.0f, 0.0f, 0.0f};
-    const float fog[4] = {colour.r, colour.g, colour.b, colour.a};
-    LightMgr* lights = LightMgr::getHandle();
-    lights->turnLightingOff();
-    glFogfv(GL_FOG_COLOR, black);
     const Frustum& frustum = camera->getFrustum();
     for (ParticleCluster* cluster : clusters) {
         if (cluster && cluster->visible(frustum))
             cluster->draw();
     }
-    glFogfv(GL_FOG_COLOR, fog);
-    lights->turnLightingOn();
 }
 
 void UnderwaterTunnel::display()

@@ -130,4 +130,7 @@ TEST_F(IslandsTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns)
     EXPECT_NE(errors.find("Unable to load bird 0\n"), std::string::npos) << errors;
     EXPECT_EQ(errors.find("Unable to load bird 1"), std::string::npos) << errors;
     EXPECT_NE(errors.find("Couldn't load 'data/3d/camera_islands.cam'\n"), std::string::npos) << errors;
+    // The ship's path is loaded even when the ship is missing; the mountains fail silently.
+    EXPECT_NE(errors.find("Failed to load 'data/3d/ship_island.cam'\n"), std::string::npos) << errors;
+    EXPECT_EQ(errors.find("mountain"), std::string::npos) << errors;
 }

@@ -63,10 +63,11 @@ TEST_F(LogoTest, PhaseWrapsOnlyAbove360)
     EXPECT_EQ(logo.getPhase(), 45.0f);
 }
 
-TEST_F(LogoTest, FillsTheViewUntintedAndGivesItsTextureBack)
+TEST_F(LogoTest, FillsTheViewInTheColourLeftCurrentAndGivesItsTextureBack)
 {
     glEnable(GL_CULL_FACE);
-    glColor3f(0.0f, 0.0f, 0.0f);
+    // The sheet sets no colour of its own: the white picture takes the colour left current.
+    glColor3f(1.0f, 0.0f, 0.0f);
     LightMgr::getHandle()->turnLightingOff();
     logo.update(0.0f);
     logo.display();
@@ -76,7 +77,7 @@ TEST_F(LogoTest, FillsTheViewUntintedAndGivesItsTextureBack)
     for (const auto& p : points) {
         unsigned char rgba[4];
         GLContext::readPixel(p[0], p[1], rgba);
-        EXPECT_EQ(rgba[0] + rgba[1] + rgba[2], 3 * 255) << p[0] << "," << p[1];
+        EXPECT_EQ(rgba[0] * 1000000 + rgba[1] * 1000 + rgba[2], 255 * 1000000) << p[0] << "," << p[1];
     }
     EXPECT_TRUE(LightMgr::getHandle()->isLightingOn());
     LightMgr::getHandle()->turnLightingOff();

@@ -2,6 +2,7 @@
 #include "effects/UnderwaterTunnel.h"
 
 #include "gl/GLEXT.h"
+#include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
@@ -101,6 +102,8 @@ TEST_F(UnderwaterTunnelTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns
                                 "Unable to load ship animation\n", "UNABLE TO LOAD data/3d/leaf.msh\n",
                                 "UNABLE TO LOAD data/3d/fanholder2.msh\n"})
         EXPECT_NE(errors.find(message), std::string::npos) << message << errors;
+    // The camera path's absence is not among the scene's messages.
+    EXPECT_EQ(errors.find("camera_tunnel.cam"), std::string::npos) << errors;
     // The missing tunnel is reported at every frame.
     const std::string draw = "Unable to DRAW tunnel\n";
     const size_t first = errors.find(draw);
@@ -130,4 +133,71 @@ TEST_F(UnderwaterTunnelTest, WithItsDataEverythingLoadsAndIsWiredTogether)
     tunnel.shutdown();
     EXPECT_EQ(tunnel.getTunnel(), nullptr);
     EXPECT_EQ(LightMgr::getHandle()->find("TunnelLight1"), nullptr);
+}
+
+// The walls, the objects and the glows take the state they find: the colour left current tints the
+// unlit walls, and the glows are fogged into the tunnel's own colour like everything else.
+TEST_F(UnderwaterTunnelTest, WallsTakeTheColourLeftCurrentAndGlowsFadeIntoTheFog)
+{
+    if (access("data/3d/tunnel3.oct", R_OK) != 0)
+        GTEST_SKIP() << "no forged data tree in the working directory";
+    CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
+    UnderwaterTunnel tunnel(0, SPAN);
+    tunnel.initiate();
+    for (int i = 0; i < 5; ++i)
+        tunnel.update(0.1f);
+    const auto frame = [&](float red, float green, float blue) {
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        glColor4f(red, green, blue, 1.0f);
+        Camera* camera = CameraMgr::getHandle()->getActiveCamera();
+        camera->lookAt();
+        tunnel.display();
+        std::vector<unsigned char> pixels(GLContext::width() * GLContext::height() * 4);
+        glReadPixels(0, 0, GLContext::width(), GLContext::height(), GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        return pixels;
+    };
+    const std::vector<unsigned char> white = frame(1.0f, 1.0f, 1.0f);
+    const std::vector<unsigned char> red = frame(1.0f, 0.0f, 0.0f);
+    long greenWhite = 0, greenRed = 0;
+    for (size_t i = 1; i < white.size(); i += 4) {
+        greenWhite += white[i];
+        greenRed += red[i];
+    }
+    EXPECT_LT(greenRed, greenWhite * 9 / 10) << "the walls did not take the current colour";
+    tunnel.shutdown();
+}
+
+TEST_F(UnderwaterTunnelTest, AFarGlowAddsTheFogColourNotBlack)
+{
+    // With no data only the glows are left; untextured, each particle is a flat quad of its colour.
+    char dir[] = "/tmp/tunnel-glow-XXXXXX";
+    ASSERT_NE(mkdtemp(dir), nullptr);
+    char* previous = getcwd(nullptr, 0);
+    ASSERT_EQ(chdir(dir), 0);
+    testing::internal::CaptureStderr();
+    {
+        CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
+        UnderwaterTunnel tunnel(0, SPAN);
+        tunnel.initiate();
+        for (int i = 0; i < 10; ++i)
+            tunnel.update(0.05f);
+        // The magenta glow, seen from 40 units away: the fog leaves almost nothing of its own colour.
+        const Vector3 glow = TunnelLayout::CLUSTER_POSITIONS[0];
+        Camera* camera = CameraMgr::getHandle()->getActiveCamera();
+        ASSERT_NE(camera, nullptr);
+        camera->lookAt(glow + Vector3(0.0f, 0.0f, 40.0f), glow);
+        glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        camera->lookAt();
+        tunnel.display();
+        unsigned char centre[4];
+        GLContext::readPixel(GLContext::width() / 2, GLContext::height() / 2, centre);
+        // Magenta has no green: green here is the fog's teal, added by the glow.
+        EXPECT_GT(centre[1], 8) << int(centre[0]) << "," << int(centre[1]) << "," << int(centre[2]);
+        tunnel.shutdown();
+    }
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(chdir(previous), 0);
+    std::free(previous);
+    rmdir(dir);
 }
