@@ -2,6 +2,7 @@
 #include "effects/Fader.h"
 
 #include "gl/OrthoView.h"
+#include "scene/LightMgr.h"
 
 #include <GL/gl.h>
 
@@ -39,9 +40,10 @@ void Fader::update(float seconds)
 
 bool Fader::turnLightingOff()
 {
-    if (!glIsEnabled(GL_LIGHTING))
+    LightMgr* lights = LightMgr::getHandle();
+    if (!lights->isLightingOn())
         return false;
-    glDisable(GL_LIGHTING);
+    lights->turnLightingOff();
     return true;
 }
 

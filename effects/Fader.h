@@ -20,8 +20,8 @@ protected:
     // Orthographic unit square, blending on, depth and culling off, the fade colour set.
     void beginBlend();
     void endBlend();
-    // Lighting is switched off for the quad and deliberately left off: the driver turns
-    // it back on at the end of each frame.
+    // Lighting is switched off through the LightMgr for the quad and deliberately left
+    // off: the driver turns it back on at the end of each frame. True when it was on.
     bool turnLightingOff();
 
     float alpha;

@@ -1,6 +1,7 @@
 // Colour fades: the opacity ramp and its clamps, what they draw, and the GL state they leave.
 #include "effects/Fader.h"
 #include "effects/TextureFader.h"
+#include "scene/LightMgr.h"
 
 #include "support/GLContext.h"
 
@@ -92,7 +93,7 @@ TEST_F(FaderDraw, CoversWhateverTheSceneLeftAndRestoresItWithLightingLeftOff)
     glMatrixMode(GL_MODELVIEW);
     glTranslatef(5, -3, -40);
     glRotatef(70, 1, 0, 0);
-    glEnable(GL_LIGHTING);
+    LightMgr::getHandle()->turnLightingOn();
     GLfloat before[32], after[32];
     glGetFloatv(GL_PROJECTION_MATRIX, before);
     glGetFloatv(GL_MODELVIEW_MATRIX, before + 16);
@@ -112,4 +113,19 @@ TEST_F(FaderDraw, CoversWhateverTheSceneLeftAndRestoresItWithLightingLeftOff)
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     glDisable(GL_CULL_FACE);
     glDisable(GL_DEPTH_TEST);
+}
+
+TEST_F(FaderDraw, LightingIsNotedAndTurnedOffThroughTheLightMgrAndLeftOff)
+{
+    LightMgr* lights = LightMgr::getHandle();
+    lights->turnLightingOn();
+    started(white, {0.5f}).display();
+    EXPECT_FALSE(lights->isLightingOn());
+    EXPECT_FALSE(glIsEnabled(GL_LIGHTING));
+    // Only the manager's flag is asked: lighting it does not know about is left alone.
+    glEnable(GL_LIGHTING);
+    started(white, {0.5f}).display();
+    EXPECT_FALSE(lights->isLightingOn());
+    EXPECT_TRUE(glIsEnabled(GL_LIGHTING));
+    glDisable(GL_LIGHTING);
 }
