@@ -51,15 +51,20 @@ void Fader::display()
 {
     bool lit = turnLightingOff();
     beginBlend();
+    drawCover();
+    endBlend();
+    if (lit)
+        turnLightingOff();
+}
+
+void Fader::drawCover()
+{
     glBegin(GL_QUADS);
     glVertex2f(1.0f, 1.0f);
     glVertex2f(0.0f, 1.0f);
     glVertex2f(0.0f, 0.0f);
     glVertex2f(1.0f, 0.0f);
     glEnd();
-    endBlend();
-    if (lit)
-        turnLightingOff();
 }
 
 void Fader::beginBlend()

@@ -20,6 +20,8 @@ protected:
     // Orthographic unit square, blending on, depth and culling off, the fade colour set.
     void beginBlend();
     void endBlend();
+    // The full-screen quad, drawn between the two.
+    virtual void drawCover();
     // Lighting is switched off through the LightMgr for the quad and deliberately left
     // off: the driver turns it back on at the end of each frame. True when it was on.
     bool turnLightingOff();

@@ -1,10 +1,15 @@
 // Texture-tinted fades.
 #include "effects/TextureFader.h"
 
+#include "texture/Texture.h"
+#include "texture/TextureFormat.h"
+#include "texture/TextureMgr.h"
+
 #include <GL/gl.h>
 #include <cstring>
 
 namespace {
+
 char* copyName(const char* name)
 {
     if (!name)
@@ -14,7 +19,8 @@ char* copyName(const char* name)
     std::memcpy(copy, name, length);
     return copy;
 }
-}
+
+} // namespace
 
 TextureFader::TextureFader(const char* name, const Color& colour, short layer, const EffectTimer& timer)
     : Fader(colour, layer, timer), textureName(copyName(name)), texture(nullptr)
@@ -28,20 +34,23 @@ TextureFader::~TextureFader()
 
 void TextureFader::initiate()
 {
-    // The texture cache is not wired in yet: the fader keeps its flat colour.
+    if (textureName)
+        texture = TextureMgr::getHandle()->loadTexture(textureName, TEXTURE_RGB);
 }
 
 void TextureFader::shutdown()
 {
+    if (textureName)
+        TextureMgr::getHandle()->removeTexture(textureName);
     texture = nullptr;
     delete[] textureName;
     textureName = nullptr;
 }
 
-void TextureFader::display()
+void TextureFader::drawCover()
 {
-    bool lit = turnLightingOff();
-    beginBlend();
+    if (texture)
+        texture->bind();
     // The image's first row lies at the top of the screen.
     glBegin(GL_QUADS);
     glTexCoord2f(1.0f, 0.0f);
@@ -53,7 +62,6 @@ void TextureFader::display()
     glTexCoord2f(1.0f, 1.0f);
     glVertex2f(1.0f, 0.0f);
     glEnd();
-    endBlend();
-    if (lit)
-        turnLightingOff();
+    if (texture)
+        texture->unbind();
 }

@@ -10,18 +10,23 @@ public:
     TextureFader(const char* textureName, const Color& colour, short layer, const EffectTimer& timer);
     ~TextureFader() override;
 
-    // Only fetches the texture: the rate stays 0, so the picture stays fully transparent.
+    // Only fetches the texture from the cache: the rate stays 0, so the picture stays
+    // fully transparent.
     void initiate() override;
+    // Takes the texture out of the cache and frees the name.
     void shutdown() override;
-    void display() override;
 
     const char* getTextureName() const { return textureName; }
+    const Texture* getTexture() const { return texture; }
+
+protected:
+    void drawCover() override;
 
 private:
     TextureFader(const TextureFader&) = delete;
     TextureFader& operator=(const TextureFader&) = delete;
 
     char* textureName;
-    // Null until the texture cache hands one out; the flat colour is drawn meanwhile.
+    // Null until initiate, and when the cache had none to give.
     Texture* texture;
 };

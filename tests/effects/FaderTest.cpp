@@ -2,6 +2,8 @@
 #include "effects/Fader.h"
 #include "effects/TextureFader.h"
 #include "scene/LightMgr.h"
+#include "texture/Texture.h"
+#include "texture/TextureMgr.h"
 
 #include "support/GLContext.h"
 
@@ -26,6 +28,20 @@ void expectWholeFrame(int r, int g, int b, int tolerance = 0)
         EXPECT_NEAR(rgba[0], r, tolerance);
         EXPECT_NEAR(rgba[1], g, tolerance);
         EXPECT_NEAR(rgba[2], b, tolerance);
+    }
+}
+
+// The four quarter points, the centres of a 2 x 2 picture's texels: top left, top right, bottom left, bottom right.
+void expectQuadrants(const unsigned char (&rgb)[4][3], int tolerance)
+{
+    int w = GLContext::width(), h = GLContext::height();
+    const int points[][2] = {{w / 4, 3 * h / 4}, {3 * w / 4, 3 * h / 4}, {w / 4, h / 4}, {3 * w / 4, h / 4}};
+    for (int i = 0; i < 4; ++i) {
+        unsigned char rgba[4];
+        GLContext::readPixel(points[i][0], points[i][1], rgba);
+        SCOPED_TRACE("quadrant " + std::to_string(i));
+        for (int c = 0; c < 3; ++c)
+            EXPECT_NEAR(rgba[c], rgb[i][c], tolerance);
     }
 }
 
@@ -128,4 +144,39 @@ TEST_F(FaderDraw, LightingIsNotedAndTurnedOffThroughTheLightMgrAndLeftOff)
     EXPECT_FALSE(lights->isLightingOn());
     EXPECT_TRUE(glIsEnabled(GL_LIGHTING));
     glDisable(GL_LIGHTING);
+}
+
+TEST_F(FaderDraw, TextureFaderLaysItsCachedPictureTintedAtTheFadersOpacityAndRemovesItAtShutdown)
+{
+    // 2 x 2 RGB, first row red then green, second row blue then white.
+    TextureMgr* cache = TextureMgr::getHandle();
+    cache->addTexture(new Texture("fade.picture", 2, 2, 24, 7,
+                                  new unsigned char[12]{255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255}));
+    TextureFader fader("fade.picture", Color(1.0f, 0.5f, 1.0f, 1.0f), 100, EffectTimer(35.0f, 36.0f));
+    fader.initiate();
+    EXPECT_EQ(fader.getTexture(), cache->findTexture("fade.picture"));
+    const unsigned char black[4][3] = {};
+    // Its own initiate sets no rate: the picture stays fully transparent all through the span.
+    for (int frame = 0; frame < 2; ++frame) {
+        fader.update(0.25f);
+        fader.display();
+        expectQuadrants(black, 0);
+    }
+    // With a plain fader's rate it shows, first row at the top: half at a quarter of the span, whole at the middle.
+    fader.Fader::initiate();
+    const unsigned char quarter[4][3] = {{128, 0, 0}, {0, 64, 0}, {0, 0, 128}, {128, 64, 128}};
+    const unsigned char middle[4][3] = {{255, 0, 0}, {0, 128, 0}, {0, 0, 255}, {255, 128, 255}};
+    fader.update(0.25f);
+    fader.display();
+    expectQuadrants(quarter, 3);
+    glClear(GL_COLOR_BUFFER_BIT);
+    fader.update(0.25f);
+    fader.display();
+    expectQuadrants(middle, 3);
+    EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
+    fader.shutdown();
+    EXPECT_EQ(cache->findTexture("fade.picture"), nullptr);
+    EXPECT_EQ(fader.getTextureName(), nullptr);
+    glDisable(GL_CULL_FACE);
+    glDisable(GL_DEPTH_TEST);
 }
