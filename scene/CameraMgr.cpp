@@ -122,10 +122,10 @@ void CameraMgr::shutdown()
 bool CameraMgr::load(std::istream& in)
 {
     int32_t count = 0;
-    if (!ChunkList::readHead(in, "CMGR", smallestCameraRecord, count))
+    if (!ChunkList::readHead(in, "CMGR", count))
         return false;
     return ChunkList::readItems(
-        in, count, [](std::istream&) { return new Camera(); },
+        in, count, smallestCameraRecord, [](std::istream&) { return new Camera(); },
         [this](Camera* camera) {
             // A name already registered keeps the camera that has it.
             if (!add(camera))

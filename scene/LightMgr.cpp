@@ -148,10 +148,10 @@ Light* LightMgr::getLight(int i) const
 bool LightMgr::load(std::istream& in)
 {
     int32_t count = 0;
-    if (!ChunkList::readHead(in, "LMGR", smallestLightRecord, count))
+    if (!ChunkList::readHead(in, "LMGR", count))
         return false;
     numLights = 0;
-    return ChunkList::readItems(in, count, makeLight, [this](Light* light) { link(light); });
+    return ChunkList::readItems(in, count, smallestLightRecord, makeLight, [this](Light* light) { link(light); });
 }
 
 bool LightMgr::save(std::ostream& out)

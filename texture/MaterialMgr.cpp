@@ -95,19 +95,15 @@ void MaterialMgr::shutdown()
 bool MaterialMgr::load(std::istream& in)
 {
     int32_t n = 0;
-    if (!Chunk::readTag(in, "MMGR") || !Chunk::readInt(in, n))
+    if (!ChunkList::readHead(in, "MMGR", n))
         return false;
     // The count covers only this load; older materials stay in the list.
     count = 0;
-    if (n <= 0)
-        return true;
-    if (!Chunk::fits(in, n, smallestChild))
-        return false;
     auto make = [](std::istream& s) -> Material* {
         char tag[4];
         return Chunk::peekTag(s, tag) ? materialFor(tag) : nullptr;
     };
-    return ChunkList::readItems(in, n, make, [this](Material* m) { add(m); });
+    return ChunkList::readItems(in, n, smallestChild, make, [this](Material* m) { add(m); });
 }
 
 bool MaterialMgr::save(std::ostream& out)

@@ -3,6 +3,7 @@
 
 #include "scene/object/Chunk.h"
 #include "scene/object/ChunkFile.h"
+#include "scene/object/ChunkList.h"
 #include "texture/Texture.h"
 #include "texture/TextureLoader.h"
 #include "texture/TextureLoaderBW.h"
@@ -21,8 +22,6 @@ namespace {
 
 // The longest texture name a TMGR entry may carry (the reader's buffer is 512 bytes).
 const int maxNameLength = 511;
-// Format, 32-bit name length and at least one name byte.
-const long long smallestEntry = 9;
 
 bool sameList(const char* a, const char* b)
 {
@@ -224,12 +223,9 @@ bool TextureMgr::save(std::ostream& out)
 bool TextureMgr::load(std::istream& in)
 {
     int32_t count = 0;
-    if (!Chunk::readTag(in, "TMGR") || !Chunk::readInt(in, count))
+    if (!ChunkList::readHead(in, "TMGR", count))
         return false;
-    if (count <= 0)
-        return true;
-    if (!Chunk::fits(in, count, smallestEntry))
-        return false;
+    // Entry by entry: the ones loaded before a cut or a failure stay in the cache.
     char name[maxNameLength + 1];
     for (int32_t i = 0; i < count; ++i) {
         // The name length is read as 32 bits although save writes 16: the two sides differ on purpose.

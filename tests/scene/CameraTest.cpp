@@ -223,6 +223,14 @@ TEST_F(CameraRegistry, BadContainersFailButKeepWhatLoaded)
     EXPECT_FALSE(cameras->load("/nonexistent/cameras.cmgr"));
 }
 
+TEST_F(CameraRegistry, ACountPastTheEndKeepsTheCamerasReadBeforeTheCut)
+{
+    Camera early("early");
+    std::istringstream in(std::string("CMGR") + le32(0x7fffffff) + saved(early));
+    EXPECT_FALSE(cameras->load(in));
+    EXPECT_NE(cameras->find("early"), nullptr);
+}
+
 TEST_F(FrustumGL, PointsOnEachSide)
 {
     EXPECT_TRUE(frustum().isPointInside(Vector3(9.99f, -9.99f, -10)));

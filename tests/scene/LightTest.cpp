@@ -114,6 +114,14 @@ TEST_F(LightTest, BadContainersFailAndKeepEarlierLights)
     EXPECT_FALSE(lights->load("/nonexistent/lights.lmgr"));
 }
 
+TEST_F(LightTest, ACountPastTheEndKeepsTheLightsReadBeforeTheCut)
+{
+    DirectionalLight sun("sun");
+    std::istringstream in(std::string("LMGR") + le32(0x7fffffff) + saved(sun));
+    EXPECT_FALSE(lights->load(in));
+    EXPECT_NE(lights->find("sun"), nullptr);
+}
+
 TEST_F(LightTest, TheCountCoversOnlyTheLastLoad)
 {
     lights->add(new DirectionalLight("old"));

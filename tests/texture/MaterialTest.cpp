@@ -176,3 +176,9 @@ TEST_F(Materials, BadRegistriesFail)
     EXPECT_FALSE(mgr->save(broken));
     EXPECT_EQ("COULDN'T SAVE MATERIAL\n", testing::internal::GetCapturedStdout());
 }
+
+TEST_F(Materials, ACountPastTheEndKeepsTheMaterialsReadBeforeTheCut)
+{
+    EXPECT_FALSE(loads(*mgr, "MMGR" + bytesOf({0xff, 0xff, 0xff, 0x7f}) + saved(Material("Early"))));
+    EXPECT_NE(nullptr, mgr->find("Early"));
+}

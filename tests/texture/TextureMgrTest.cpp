@@ -98,3 +98,10 @@ TEST_F(Cache, BadListsFail)
         EXPECT_FALSE(loads(*mgr(), text)) << text.substr(0, 12);
     EXPECT_FALSE(mgr()->load(scratchPath("no-such-list.tmg").c_str()));
 }
+
+TEST_F(Cache, ACountPastTheEndKeepsTheTexturesLoadedBeforeTheCut)
+{
+    std::string path = ctxFile("early.ctx", 5);
+    EXPECT_FALSE(loads(*mgr(), "TMGR" + bytesOf({0xff, 0xff, 0xff, 0x7f}) + list(path).substr(8)));
+    EXPECT_NE(nullptr, mgr()->findTexture(path.c_str()));
+}
