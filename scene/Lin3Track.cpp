@@ -150,20 +150,19 @@ bool Lin3Track::load(std::istream& in)
     int32_t count = 0;
     if (!Chunk::readShort(in, rawFlags) || !Chunk::readInt(in, count))
         return false;
-    if (count > 0 && !Chunk::fits(in, count, Lin3Key::RECORD_SIZE))
-        return false;
-
-    clear();
     flags = static_cast<uint16_t>(rawFlags);
+    // The keys join any the track already holds, uncounted: the count read stands as it is.
+    numKeys = count;
     for (int32_t i = 0; i < count; ++i) {
+        // Checked key by key, so a count past the end builds no more keys than the file holds.
+        if (!Chunk::fits(in, 1, Lin3Key::RECORD_SIZE))
+            return false;
         Lin3Key* key = new Lin3Key();
         if (!key->load(in)) {
             delete key;
             return false;
         }
         insertKey(key, true);
-        // Counted one by one so that a failure leaves the count matching the list.
-        ++numKeys;
     }
     return Chunk::good(in);
 }

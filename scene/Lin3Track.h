@@ -21,7 +21,8 @@ public:
     // Line segments from evaluate(f) to evaluate(f + 1) for every frame f in from..to.
     void draw(long from, long to) const;
 
-    // Replaces the keys with those of the chunk. Keys read before a bad one stay.
+    // Adds the chunk's keys to those the track holds and takes the chunk's count as the
+    // track's, whatever the list then holds. Keys read before a bad one stay.
     bool load(std::istream& in);
     bool save(std::ostream& out);
 

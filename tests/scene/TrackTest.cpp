@@ -210,55 +210,69 @@ TEST(Lin3Chunk, LayoutIsHeaderThenKeyRecordsAndRoundTripsBitForBit)
     EXPECT_TRUE(std::signbit(z) && z == 0.0f);
 }
 
-TEST(Lin3Chunk, LoadSortsKeysKeepsFileOrderForEqualFramesAndReplacesOldKeys)
+// Frames and x values of the keys in list order.
+std::string keysOf(const Track& track)
 {
-    Lin3Track track;
-    fill(track);
-    std::istringstream in(header(0, 3) + keyRecord(20, 1) + keyRecord(5, 2) + keyRecord(20, 3));
-    ASSERT_TRUE(track.load(in));
-    EXPECT_EQ(track.getNumKeys(), 3);
-    const Key* k = track.getFirstKey();
-    EXPECT_EQ(k->getFrame(), 5);
-    k = k->getNextKey();
-    EXPECT_EQ(static_cast<const Lin3Key*>(k)->getPosition().x, 1.0f);
-    k = k->getNextKey();
-    EXPECT_EQ(static_cast<const Lin3Key*>(k)->getPosition().x, 3.0f);
-    EXPECT_EQ(k->getNextKey(), nullptr);
+    std::string keys;
+    for (const Key* k = track.getFirstKey(); k; k = k->getNextKey())
+        keys += std::to_string(k->getFrame()) + ":" +
+                std::to_string(static_cast<int>(static_cast<const Lin3Key*>(k)->getPosition().x)) + " ";
+    return keys;
 }
 
-TEST(Lin3Chunk, ZeroOrNegativeCountLoadsNothing)
+TEST(Lin3Chunk, LoadSortsKeysInAmongThoseAlreadyThereAndTakesTheCountRead)
+{
+    Lin3Track track;
+    add(track, 20, Vector3(7, 0, 0));
+    add(track, 1, Vector3(8, 0, 0));
+    std::istringstream in(header(0, 3) + keyRecord(20, 1) + keyRecord(5, 2) + keyRecord(20, 3));
+    ASSERT_TRUE(track.load(in));
+    // File order among equal frames, each behind the keys that were there.
+    EXPECT_EQ(keysOf(track), "1:8 5:2 20:7 20:1 20:3 ");
+    EXPECT_EQ(track.getNumKeys(), 3);
+}
+
+TEST(Lin3Chunk, ZeroOrNegativeCountLoadsNothingButIsKept)
 {
     for (uint32_t count : {0u, 0xffffffffu, 0x80000000u}) {
         std::istringstream in(header(2, count) + "trailing");
         Lin3Track track;
         EXPECT_TRUE(track.load(in)) << count;
-        EXPECT_EQ(track.getNumKeys(), 0);
+        EXPECT_EQ(track.getNumKeys(), static_cast<int32_t>(count));
         EXPECT_EQ(track.getFirstKey(), nullptr);
         EXPECT_EQ(track.getFlags(), 2);
     }
 }
 
-TEST(Lin3Chunk, TruncatedAnywhereFailsWithTheCountMatchingTheList)
+TEST(Lin3Chunk, TruncatedAnywhereFailsKeepingTheKeysBeforeTheCut)
 {
     Lin3Track track;
     fill(track);
-    expectEveryPrefixFails<Lin3Track>(saved(track), [](Lin3Track& partial) {
+    const std::string whole = saved(track);
+    for (size_t n = 0; n < whole.size(); ++n) {
+        Lin3Track partial;
+        std::istringstream in(whole.substr(0, n));
+        EXPECT_FALSE(partial.load(in)) << n;
+        size_t wholeKeys = n < 10 ? 0 : (n - 10) / Lin3Key::RECORD_SIZE;
         int listed = 0;
         for (const Key* k = partial.getFirstKey(); k; k = k->getNextKey())
             ++listed;
-        EXPECT_EQ(partial.getNumKeys(), listed);
-    });
+        EXPECT_EQ(listed, static_cast<int>(wholeKeys)) << n;
+        EXPECT_EQ(partial.getNumKeys(), n < 10 ? 0 : 3) << n;
+    }
 }
 
-TEST(Lin3Chunk, AbsurdCountOrWrongTagsFail)
+TEST(Lin3Chunk, ACountPastTheEndKeepsTheKeysReadBeforeTheCutAndWrongTagsFail)
 {
     Lin3Track track;
     std::istringstream absurd(header(0, 0x7fffffff) + keyRecord(1, 1));
     EXPECT_FALSE(track.load(absurd));
-    EXPECT_EQ(track.getFirstKey(), nullptr);
+    EXPECT_EQ(keysOf(track), "1:1 ");
+    EXPECT_EQ(track.getNumKeys(), 0x7fffffff);
+    Lin3Track other;
     std::istringstream wrongTrack("LIN2" + header(0, 0).substr(4));
-    EXPECT_FALSE(track.load(wrongTrack));
+    EXPECT_FALSE(other.load(wrongTrack));
     std::istringstream wrongKey(header(0, 2) + keyRecord(0, 0) + "TCB1" + keyRecord(1, 1).substr(4));
-    EXPECT_FALSE(track.load(wrongKey));
-    EXPECT_EQ(track.getNumKeys(), 1);
+    EXPECT_FALSE(other.load(wrongKey));
+    EXPECT_EQ(keysOf(other), "0:0 ");
 }
