@@ -19,15 +19,6 @@ void jumpBack(j_common_ptr info)
     std::longjmp(reinterpret_cast<JpegError*>(info->err)->jump, 1);
 }
 
-// Warnings (a cut-off or corrupt scan) end the load too: the file is damaged.
-void emitMessage(j_common_ptr info, int level)
-{
-    if (level < 0)
-        jumpBack(info);
-}
-
-void quiet(j_common_ptr) {}
-
 long fileSize(FILE* file)
 {
     if (std::fseek(file, 0, SEEK_END) != 0)
@@ -51,10 +42,10 @@ static unsigned char* decodeJpeg(FILE* file, int format, int* width, int* height
     JpegError error;
     unsigned char* volatile pixels = nullptr;
     unsigned char* volatile row = nullptr;
+    // The standard manager but for its exit: warnings (a file cut off part-way, a damaged scan)
+    // are libjpeg's to print, and it makes up what is missing, so the picture still loads.
     info.err = jpeg_std_error(&error.manager);
     error.manager.error_exit = jumpBack;
-    error.manager.emit_message = emitMessage;
-    error.manager.output_message = quiet;
     if (setjmp(error.jump)) {
         jpeg_destroy_decompress(&info);
         delete[] pixels;

@@ -11,16 +11,25 @@
 
 namespace {
 
-// 16 x 16, left half (200, 40, 90), right half (20, 180, 240): flat areas survive quality 100.
-Bytes jpegFile()
+// 16 x height, left half (200, 40, 90), right half (20, 180, 240): flat areas survive quality 100.
+Bytes jpegFile(int height = 16)
 {
     Bytes rgb;
-    for (int i = 0; i < 256; ++i) {
+    for (int i = 0; i < 16 * height; ++i) {
         const Bytes colour = i % 16 < 8 ? Bytes{200, 40, 90} : Bytes{20, 180, 240};
         rgb.insert(rgb.end(), colour.begin(), colour.end());
     }
-    EXPECT_TRUE(writeJpeg(scratchPath("image.jpg"), 16, 16, rgb));
+    EXPECT_TRUE(writeJpeg(scratchPath("image.jpg"), 16, height, rgb));
     return readBytes(scratchPath("image.jpg"));
+}
+
+// Where the start-of-scan segment begins, the image data following it.
+size_t startOfScan(const Bytes& jpeg)
+{
+    size_t at = 2;
+    while (at + 4 <= jpeg.size() && jpeg[at + 1] != 0xda)
+        at += 2 + (jpeg[at + 2] << 8 | jpeg[at + 3]);
+    return at;
 }
 
 // 1 x 2: top (10, 20, 30, 40), bottom (50, 60, 70, 80).
@@ -71,6 +80,24 @@ TEST(ImageLoad, EachFormatCodeTakesItsChannels)
     TexturePtr runs = loadBytes(pcx, makePcx(100, 3, 100, Bytes(300, 42), pcxPalette()), "runs.pcx", 1);
     ASSERT_TRUE(runs);
     EXPECT_EQ(Bytes(300, 42), pixelsOf(runs.get()));
+}
+
+TEST(ImageLoad, JpegCutOffInItsImageDataStillLoadsWhateverIsMissing)
+{
+    const Bytes whole = jpegFile(64);
+    const size_t sos = startOfScan(whole);
+    ASSERT_LT(sos + 4, whole.size());
+    const size_t start = sos + 2 + (whole[sos + 2] << 8 | whole[sos + 3]);
+    TextureLoaderJPG jpg;
+    // From no image data at all to all but the end-of-image marker: libjpeg warns and fills in the rest.
+    for (size_t length : {start, (start + whole.size()) / 2, whole.size() - 2}) {
+        TexturePtr cut = loadBytes(jpg, Bytes(whole.begin(), whole.begin() + static_cast<long>(length)), "cut.jpg", 7);
+        ASSERT_TRUE(cut) << "cut at " << length << " of " << whole.size();
+        EXPECT_EQ(64, cut->getHeight());
+        if (length > start) {
+            EXPECT_NEAR(200, cut->getDataPtr()[0], 4);
+        }
+    }
 }
 
 TEST(ImageLoad, TargaFilesGiveADeliberatelyEmptyImage)
@@ -133,7 +160,9 @@ TEST(ImageLoad, BadFilesGiveNull)
         EXPECT_FALSE(loadBytes(cases[i].loader, cases[i].file, "bad", 5)) << "case " << i;
     for (TextureLoader* loader : std::initializer_list<TextureLoader*>{&jpg, &tif, &pcx, &tga, &bw})
         EXPECT_FALSE(loader->loadTexture(scratchPath("missing").c_str(), 5));
-    expectEveryTruncationFails(jpg, jpegFile(), "cut.jpg", 7);
+    const Bytes jpeg = jpegFile();
+    // Only a file cut before its image data is refused: libjpeg makes up what a scan lacks.
+    expectEveryTruncationFails(jpg, jpeg, "cut.jpg", 7, jpeg.size() - startOfScan(jpeg));
     expectEveryTruncationFails(tif, tiffFile(), "cut.tif", 7);
     // Cutting one byte only shifts the palette window onto the marker byte; any more loses data.
     expectEveryTruncationFails(pcx, pcxFile(), "cut.pcx", 7, 1);
