@@ -63,7 +63,12 @@ Texture* TextureLoader::adoptPixels(const char* name, int w, int h, int format, 
 
 bool TextureLoader::sizeUsable(long long w, long long h)
 {
-    if (w < 1 || h < 1 || w > maxSide || h > maxSide)
+    return w >= 1 && h >= 1 && sizeWithinCaps(w, h);
+}
+
+bool TextureLoader::sizeWithinCaps(long long w, long long h)
+{
+    if (w < 0 || h < 0 || w > maxSide || h > maxSide)
         return false;
     return w * h <= maxPixels;
 }

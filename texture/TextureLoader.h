@@ -27,7 +27,10 @@ public:
     // A zero-filled buffer for w x h pixels of the format, or null when the
     // size or the format (1 to 8) is unusable.
     static unsigned char* allocPixels(int w, int h, int format);
+    // At least one pixel each way and within the caps.
     static bool sizeUsable(long long w, long long h);
+    // Within the caps; an empty side counts. Negative sides never do.
+    static bool sizeWithinCaps(long long w, long long h);
     // Writes one pixel of the requested format from R, G, B and, when
     // hasAlpha, A; returns the bytes written.
     static int storePixel(unsigned char* out, int format, const unsigned char rgba[4], bool hasAlpha);

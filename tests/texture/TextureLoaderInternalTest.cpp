@@ -5,6 +5,7 @@
 #include "texture/MipMapTexture.h"
 #include "texture/TextureLoaderInternal.h"
 
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <zlib.h>
@@ -103,11 +104,30 @@ TEST_F(Container, BadFilesGiveNull)
         EXPECT_FALSE(loadBytes(loader, Bytes(good.begin(), good.begin() + length), "cut.ctx", 7)) << length;
     // Absurd formats and sizes are refused before allocating.
     const struct { size_t at; int32_t value; } fields[] = {
-        {16, 0}, {16, 9}, {16, -7}, {4, -8}, {8, 0}, {4, 0x7fffffff}, {8, 0x10000}, {4, 16384}};
+        {16, 0}, {16, 9}, {16, -7}, {4, -8}, {8, -1}, {4, 0x7fffffff}, {8, 0x10000}, {4, 16385}};
     for (const auto& f : fields) {
         Bytes v = good;
         putInt(v, f.at, f.value);
         EXPECT_FALSE(loadBytes(loader, v, "absurd.ctx", 7)) << f.at << "=" << f.value;
+    }
+}
+
+TEST_F(Container, AStreamEndingEarlyLoadsWhateverTheHeaderSizeAndTheRestStaysZero)
+{
+    Bytes good = saved("early.ctx", 8, 8, 24, 7, pattern(8 * 8 * 3));
+    // 4096 x 4096 RGB from 192 pixel bytes, then 16384 x 0: an empty image is no reason to refuse.
+    for (const auto& size : {std::make_pair(4096, 4096), std::make_pair(16384, 0)}) {
+        Bytes v = good;
+        putInt(v, 4, size.first);
+        putInt(v, 8, size.second);
+        TexturePtr t = loadBytes(loader, v, "early.ctx", 7);
+        ASSERT_TRUE(t) << size.first << " x " << size.second;
+        ASSERT_EQ(static_cast<long long>(size.first) * size.second * 3, t->getDataSize());
+        if (size.second == 0)
+            continue;
+        const unsigned char* data = t->getDataPtr();
+        EXPECT_EQ(pattern(8 * 8 * 3), Bytes(data, data + 8 * 8 * 3));
+        EXPECT_TRUE(std::all_of(data + 8 * 8 * 3, data + t->getDataSize(), [](unsigned char b) { return b == 0; }));
     }
 }
 
