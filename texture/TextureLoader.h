@@ -19,10 +19,12 @@ public:
     bool checkExtension(const char* ext) const;
     const char* getExtension() const { return extensions; }
 
-    // Largest image side and pixel count any loader accepts from a file header: 4096 x 4096
-    // is four times our biggest picture, and keeps a tiny hostile file from costing seconds.
+    // Largest image side and pixel count any loader accepts from a file header: what a real
+    // texture may be (8192 x 8192, 16384 x 4096), and no more, so that a header alone cannot
+    // ask for an absurd buffer. Where a format tells how much a file can hold, the loaders
+    // also refuse headers claiming more pixels than that.
     static constexpr int maxSide = 16384;
-    static constexpr long long maxPixels = 1LL << 24;
+    static constexpr long long maxPixels = 1LL << 26;
 
     // A zero-filled buffer for w x h pixels of the format, or null when the
     // size or the format (1 to 8) is unusable.

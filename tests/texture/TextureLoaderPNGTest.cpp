@@ -61,6 +61,29 @@ TEST(PngLoad, ReloadDecodesIntoTheSameBufferWithItsOwnFormat)
     EXPECT_EQ(Bytes({3, 1, 6, 4}), pixelsOf(t.get()));
 }
 
+TEST(PngLoad, AnEightThousandByFourThousandPictureLoadsWithinTheSizeCaps)
+{
+    // One-bit grey keeps the file small; scrambled bits keep deflate from packing it past belief.
+    const int w = 8192, h = 4096;
+    PngShape big = {w, h, PNG_COLOR_TYPE_GRAY, 1, Bytes(static_cast<size_t>(w / 8) * h), {}, {}};
+    unsigned seed = 1;
+    for (unsigned char& b : big.samples)
+        b = static_cast<unsigned char>((seed = seed * 1103515245u + 12345u) >> 24);
+    TextureLoaderPNG loader;
+    TexturePtr t = loadBytes(loader, pngFile(big), "big.png", 5);
+    ASSERT_TRUE(t);
+    EXPECT_EQ(w, t->getWidth());
+    EXPECT_EQ(h, t->getHeight());
+    // The first sample byte's top bit is the first pixel, the last byte's low bit the last.
+    EXPECT_EQ(big.samples.front() & 0x80 ? 255 : 0, t->getDataPtr()[0]);
+    EXPECT_EQ(big.samples.back() & 1 ? 255 : 0, t->getDataPtr()[t->getDataSize() - 1]);
+    // The caps every loader shares: 2^26 pixels, 16384 a side.
+    EXPECT_TRUE(TextureLoader::sizeUsable(8192, 8192));
+    EXPECT_TRUE(TextureLoader::sizeUsable(16384, 4096));
+    EXPECT_FALSE(TextureLoader::sizeUsable(8192, 8193));
+    EXPECT_FALSE(TextureLoader::sizeUsable(16385, 1));
+}
+
 TEST(PngLoad, BadFilesGiveNull)
 {
     TextureLoaderPNG loader;
