@@ -35,7 +35,7 @@ bool CtxReport::inspect(const std::string& file)
     int components = Texture::componentsOf(code);
     if (components == 0)
         return fail("format " + std::to_string(code) + " is not 1 to 8");
-    if (!TextureLoader::sizeUsable(w, h))
+    if (!TextureLoader::sizeWithinCaps(w, h))
         return fail("a " + std::to_string(w) + " x " + std::to_string(h) + " image is not a size the engine takes");
     long long left = Chunk::remaining(in);
     long long expected = static_cast<long long>(w) * h * components;

@@ -155,34 +155,39 @@ bool DataInfo::infoChunks(const std::string& file, std::string& problem)
     WorkingDirectory root(dataRoot(absolute));
     EngineCheck engine(out);
     bool loaded = engine.checkChunks(absolute, facts);
-    if (walked && !loaded)
-        problem = engine.error();
-    return walked && loaded;
+    return verdicts(walked, loaded, engine.error(), problem);
 }
 
 bool DataInfo::infoImage(const std::string& file, int kind, int format, std::string& problem)
 {
     FileKind::Kind imageKind = static_cast<FileKind::Kind>(kind);
     int natural = 0;
+    bool sound = false;
     if (imageKind == FileKind::CTX1) {
         CtxReport container(out);
-        bool sound = container.inspect(file);
+        sound = container.inspect(file);
         problem = container.error();
         natural = container.getFormat();
-        if (!sound)
-            return false;
     } else {
         ImageReport image(out);
-        bool sound = image.inspect(file, imageKind);
+        sound = image.inspect(file, imageKind);
         problem = image.error();
         natural = image.naturalFormat();
-        if (!sound)
-            return false;
     }
+    // The engine reads even a picture the inspection found fault with: its verdict stands beside the diagnosis.
     EngineCheck engine(out);
     bool loaded = engine.checkImage(file, imageKind, format ? format : natural);
-    problem = engine.error();
-    return loaded;
+    return verdicts(sound, loaded, engine.error(), problem);
+}
+
+bool DataInfo::verdicts(bool sound, bool loaded, const std::string& engineProblem, std::string& problem)
+{
+    // The file's own fault is the one reported; a refusal by the engine as well goes with the printout.
+    if (sound)
+        problem = engineProblem;
+    else if (!loaded)
+        out << "engine: " << engineProblem << "\n";
+    return sound && loaded;
 }
 
 std::string DataInfo::dataRoot(const std::string& absoluteFile)

@@ -20,6 +20,9 @@ private:
     bool infoChunks(const std::string& file, std::string& problem);
     bool infoImage(const std::string& file, int kind, int format, std::string& problem);
     bool report(const std::string& file, const std::string& problem);
+    // Puts the file's own diagnosis (sound or not) and the engine's load (loaded or not) together:
+    // true only when both pass; problem is the one line to report.
+    bool verdicts(bool sound, bool loaded, const std::string& engineProblem, std::string& problem);
     // The directory holding the file's data/ folder: texture names inside chunk files are relative to it.
     static std::string dataRoot(const std::string& absoluteFile);
     static bool parseFormat(const char* text, int& format);

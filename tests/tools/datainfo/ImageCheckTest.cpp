@@ -65,6 +65,28 @@ TEST(ContainerCheck, ShortStreamsTrailingBytesAndOversizedHeadersAreRefused)
     EXPECT_NE(check.error().find("bytes after it can hold"), std::string::npos) << check.error();
 }
 
+TEST(ImageInfo, TheEnginesVerdictIsPrintedBesideAFaultTheInspectionFinds)
+{
+    ScratchDir dir("verdicts");
+    writeBytes(dir.file("short.ctx"), container(32));
+    ProgramRun run = ProgramRun::run({"info", dir.file("short.ctx")});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errLines(), 1);
+    EXPECT_NE(run.out.find("engine: the \"ctx,mtx\" loader gives 4 x 4"), std::string::npos) << run.out;
+    // 40 bytes of PNG whose header claims 100000 x 100000: both refuse it.
+    std::vector<unsigned char> png = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n', 0, 0, 0, 13, 'I', 'H', 'D',
+                                      'R', 0, 1, 0x86, 0xa0, 0, 1, 0x86, 0xa0, 8, 2, 0, 0, 0};
+    const uLong crc = crc32(0, png.data() + 12, 17);
+    for (int shift = 24; shift >= 0; shift -= 8)
+        png.push_back(static_cast<unsigned char>(crc >> shift));
+    png.resize(40);
+    writeBytes(dir.file("huge.png"), png);
+    run = ProgramRun::run({"info", dir.file("huge.png")});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errLines(), 1);
+    EXPECT_NE(run.out.find("engine: the engine's \"png\" loader refuses it"), std::string::npos) << run.out;
+}
+
 TEST(Conversion, TheContainerHoldsTheEnginesPixelsBitForBit)
 {
     ScratchDir dir("bits");
