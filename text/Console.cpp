@@ -49,7 +49,7 @@ Console* Console::getHandle()
 Console::Console()
     : initiated(false), active(false), flash(1.0f), lineCount(0), scroll(0), currentLine(0), cursor(0),
       width(0), visibleLines(0), spare(0), buffer(nullptr), colour(1.0f, 1.0f, 1.0f, 1.0f),
-      fontMaterial(nullptr), backgroundMaterial(nullptr), madeFont(false), madeBackground(false)
+      fontMaterial(nullptr), backgroundMaterial(nullptr)
 {
 }
 
@@ -59,9 +59,8 @@ Console::~Console()
         shutdown();
 }
 
-Material* Console::findOrMakeMaterial(const char* name, const Color& tint, const TextureFile& picture, bool& made)
+Material* Console::findOrMakeMaterial(const char* name, const Color& tint, const TextureFile& picture)
 {
-    made = false;
     Material* found = MaterialMgr::getHandle()->find(name);
     if (found)
         return found;
@@ -73,7 +72,6 @@ Material* Console::findOrMakeMaterial(const char* name, const Color& tint, const
     material->setBlendMode(Material::blendAlpha);
     material->setFlags(Material::overlay);
     material->setTexture(TextureMgr::getHandle()->loadTexture(picture.file, picture.format));
-    made = true;
     return material;
 }
 
@@ -86,10 +84,9 @@ void Console::initiate()
     buffer = new char[lineCount * width];
     std::memset(buffer, BLANK, static_cast<size_t>(lineCount * width));
     scroll = currentLine = cursor = visibleLines = spare = 0;
-    fontMaterial = findOrMakeMaterial("ConsoleFontMaterial", Color(1.0f, 1.0f, 1.0f, 1.0f), FONT_TEXTURE,
-                                      madeFont);
-    backgroundMaterial = findOrMakeMaterial("ConsoleBackgroundMaterial", Color(1.0f, 1.0f, 1.0f, 0.6f),
-                                            BACKGROUND_TEXTURE, madeBackground);
+    fontMaterial = findOrMakeMaterial("ConsoleFontMaterial", Color(1.0f, 1.0f, 1.0f, 1.0f), FONT_TEXTURE);
+    backgroundMaterial =
+        findOrMakeMaterial("ConsoleBackgroundMaterial", Color(1.0f, 1.0f, 1.0f, 0.6f), BACKGROUND_TEXTURE);
     initiated = true;
 }
 
@@ -100,12 +97,8 @@ void Console::shutdown()
     delete[] buffer;
     buffer = nullptr;
     lineCount = scroll = currentLine = cursor = width = visibleLines = spare = 0;
-    if (madeFont)
-        delete fontMaterial;
-    if (madeBackground)
-        delete backgroundMaterial;
+    // Deliberately forgotten, not deleted, even when made here.
     fontMaterial = backgroundMaterial = nullptr;
-    madeFont = madeBackground = false;
     initiated = false;
 }
 

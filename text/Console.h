@@ -39,6 +39,7 @@ public:
 
     // Allocates the ring and finds or makes the two materials; a second call does nothing.
     void initiate();
+    // Frees the ring and forgets both materials without deleting them, those it made included.
     void shutdown();
 
     void activate();
@@ -102,7 +103,7 @@ private:
     void beginDraw();
     void endDraw();
     // The named material from the registry, or a new unregistered one over the texture.
-    Material* findOrMakeMaterial(const char* name, const Color& colour, const TextureFile& picture, bool& made);
+    Material* findOrMakeMaterial(const char* name, const Color& colour, const TextureFile& picture);
 
     bool initiated;
     bool active;
@@ -118,7 +119,4 @@ private:
     Color colour;
     Material* fontMaterial;
     Material* backgroundMaterial;
-    // Materials the console made itself are its own: nothing else holds them.
-    bool madeFont;
-    bool madeBackground;
 };

@@ -119,6 +119,22 @@ TEST_F(ConsoleText, ScrollbackIsLimitedByTheLinesWritten)
     EXPECT_EQ(console()->getScroll(), 0);
 }
 
+TEST_F(ConsoleText, ShutdownForgetsTheMaterialsItMadeWithoutDeletingThem)
+{
+    Material* font = console()->getFontMaterial();
+    Material* background = console()->getBackgroundMaterial();
+    ASSERT_TRUE(font && background);
+    ASSERT_EQ(MaterialMgr::getHandle()->find("ConsoleFontMaterial"), nullptr);
+    console()->shutdown();
+    EXPECT_EQ(console()->getFontMaterial(), nullptr);
+    EXPECT_EQ(console()->getBackgroundMaterial(), nullptr);
+    // Whole still: nothing holds them any more, so the test lets them go.
+    EXPECT_STREQ(font->getName(), "ConsoleFontMaterial");
+    EXPECT_STREQ(background->getName(), "ConsoleBackgroundMaterial");
+    delete font;
+    delete background;
+}
+
 TEST(ConsoleColour, CodesPickChannelsAndIntensity)
 {
     EXPECT_EQ(Console::colorOf(3), Color(0.8f, 0.8f, 0.0f, 1.0f));
