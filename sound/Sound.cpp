@@ -126,6 +126,11 @@ void Sound::deletePlayers() {
     while (head) {
         Node* node = head;
         head = node->next;
+        // A player added twice has a node for each, and is deleted once: twice would crash.
+        for (Node* later = head; later; later = later->next) {
+            if (later->player == node->player)
+                later->player = nullptr;
+        }
         delete node->player;
         delete node;
     }
@@ -139,8 +144,7 @@ void Sound::update() {
 }
 
 bool Sound::addMusic(MusicPlayer* player) {
-    // Registered twice, it would be deleted twice.
-    if (!player || findNode(player))
+    if (!player)
         return false;
     head = new Node{player, head};
     if (!current)

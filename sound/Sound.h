@@ -21,6 +21,7 @@ public:
     void update();
 
     // The list owns what it holds; the first player added becomes current without being played.
+    // Only null is refused: a player added twice is held twice.
     bool addMusic(MusicPlayer* player);
     // Unlinks without deleting.
     bool removeMusic(MusicPlayer* player);

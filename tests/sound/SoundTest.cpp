@@ -113,13 +113,24 @@ TEST_F(SoundTest, FirstPlayerAddedIsCurrentAndShutdownStopsItAndDeletesEveryPlay
     EXPECT_TRUE(sound->addMusic(new CountingPlayer(other, "c.xm")));
     EXPECT_EQ(first, sound->getCurrentMusic());
     EXPECT_EQ(0, current.plays);
-    // Registered twice it would be deleted twice.
-    EXPECT_FALSE(sound->addMusic(first));
     sound->shutdown();
     EXPECT_EQ(1, current.stops);
     EXPECT_EQ(0, other.stops);
     EXPECT_EQ(1, current.deletes);
     EXPECT_EQ(2, other.deletes);
+}
+
+TEST_F(SoundTest, AddMusicRefusesOnlyNullAndAPlayerAddedTwiceIsDeletedOnce) {
+    Calls calls;
+    CountingPlayer* twice = new CountingPlayer(calls, "twice.xm");
+    EXPECT_TRUE(sound->addMusic(twice));
+    EXPECT_TRUE(sound->addMusic(twice));
+    // Removing unlinks one registration; the other still holds it.
+    EXPECT_TRUE(sound->removeMusic(twice));
+    EXPECT_EQ(twice, sound->findMusic("twice.xm"));
+    EXPECT_TRUE(sound->addMusic(twice));
+    sound->shutdown();
+    EXPECT_EQ(1, calls.deletes);
 }
 
 TEST_F(SoundTest, SetCurrentMusicStopsTheOldAndPlaysTheNewAndRemoveUnlinksWithoutDeleting) {
