@@ -127,6 +127,11 @@ void Velmora::setFixedGLState()
     glHint(GL_POLYGON_SMOOTH_HINT, GL_NICEST);
 }
 
+MusicPlayerMOD* Velmora::newMusicPlayer()
+{
+    return new MusicPlayerMOD();
+}
+
 void Velmora::startSound()
 {
     Sound* sound = Sound::getHandle();
@@ -140,13 +145,12 @@ void Velmora::startSound()
     sound->setGlobalVolume(0);
     const Variable* song = VariableMgr::getHandle()->find("Song");
     if (song) {
-        MusicPlayerMOD* player = new MusicPlayerMOD();
+        // A player whose load fails is deliberately left as it is: neither registered nor deleted.
+        MusicPlayerMOD* player = newMusicPlayer();
         if (player->load(song->getString())) {
             sound->addMusic(player);
             sound->setCurrentMusic(player);
             player->initiate();
-        } else {
-            delete player;
         }
     }
     sound->update();

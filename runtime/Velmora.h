@@ -4,6 +4,7 @@
 #include "runtime/ApplicationSDL.h"
 
 class EffectMgr;
+class MusicPlayerMOD;
 
 class Velmora : public ApplicationSDL {
 public:
@@ -38,6 +39,8 @@ public:
 protected:
     // Offline renderers turn the music off: they must not open an audio device.
     void setSoundEnabled(bool enabled) { soundEnabled = enabled; }
+    // The player the song is loaded into.
+    virtual MusicPlayerMOD* newMusicPlayer();
 
 private:
     // The state every scene may rely on when it starts.

@@ -11,6 +11,7 @@
 #include "effects/UnderwaterTunnel.h"
 #include "runtime/EffectMgr.h"
 #include "sound/MusicPlayer.h"
+#include "sound/MusicPlayerMOD.h"
 #include "sound/Sound.h"
 #include "text/Console.h"
 #include "texture/TextureMgr.h"
@@ -232,6 +233,44 @@ TEST_F(Driver, SongPlaysWhenSoundIsOnAndStopsAtQuit)
     demo->onUpdate(0.25f);
     demo->onQuit();
     EXPECT_FALSE(sound->isInitialised());
+}
+
+namespace {
+
+// A demo whose music player says when it is deleted.
+class WatchedPlayerDemo : public OpenDemo {
+public:
+    class Player : public MusicPlayerMOD {
+    public:
+        explicit Player(bool& deleted) : deleted(deleted) {}
+        ~Player() override { deleted = true; }
+
+    private:
+        bool& deleted;
+    };
+
+    Player* player = nullptr;
+    bool deleted = false;
+
+protected:
+    MusicPlayerMOD* newMusicPlayer() override { return player = new Player(deleted); }
+};
+
+} // namespace
+
+TEST_F(Driver, ASongThatFailsToLoadLeavesItsPlayerNeitherRegisteredNorDeleted)
+{
+    setenv("SDL_AUDIODRIVER", "dummy", 0);
+    writeConfig(std::string(HEADER) + "Sound = yes\nSong = " + dir + "/no-such-song.xm\n");
+    auto demo = build<WatchedPlayerDemo>();
+    ASSERT_TRUE(demo->open()) << SDL_GetError();
+    ASSERT_NE(demo->player, nullptr);
+    EXPECT_TRUE(Sound::getHandle()->isInitialised());
+    EXPECT_EQ(Sound::getHandle()->getCurrentMusic(), nullptr);
+    demo->onQuit();
+    EXPECT_FALSE(demo->deleted);
+    // What the demo leaves behind on purpose.
+    delete demo->player;
 }
 
 TEST_F(Driver, AnOutputThatWillNotOpenLeavesTheDemoSilentAndAClickTogglesTheConsole)
