@@ -9,6 +9,29 @@
 #include <iostream>
 #include <string>
 
+namespace {
+
+// SDL picks these by itself when it finds no X or Wayland display: the demo would then run unseen.
+bool isWindowlessDriver(const std::string& driver)
+{
+    return driver == "offscreen" || driver == "dummy";
+}
+
+// True when SDL_VIDEODRIVER names the driver: a windowless run someone asked for.
+bool driverWasAskedFor(const std::string& driver)
+{
+    const char* asked = std::getenv("SDL_VIDEODRIVER");
+    return asked && std::string(asked).find(driver) != std::string::npos;
+}
+
+std::string videoDriverName()
+{
+    char driver[32] = "";
+    return SDL_VideoDriverName(driver, sizeof driver) ? driver : "";
+}
+
+}  // namespace
+
 ApplicationSDL::ApplicationSDL()
 {
     timer = new TimerLinux();
@@ -46,6 +69,11 @@ bool ApplicationSDL::setupGL()
         std::cerr << "ERROR! Couldn't init SDL: " << SDL_GetError() << '\n';
         return false;
     }
+    if (!hasRealDisplay()) {
+        std::cerr << "ERROR! Couldn't init SDL: " << NO_DISPLAY_REASON << '\n';
+        SDL_Quit();
+        return false;
+    }
     atexit(SDL_Quit);
 
     // The desktop's depth always wins over the requested one.
@@ -76,13 +104,18 @@ bool ApplicationSDL::setupGL()
     currentStencilBits = info.stencilBuffer;
     currentFullscreen = info.fullscreen;
     glReady = true;
-    char driver[32] = "";
-    finishAtSwap = SDL_VideoDriverName(driver, sizeof driver) && std::string(driver) == "offscreen";
+    finishAtSwap = videoDriverName() == "offscreen";
     if (!info.cursor)
         SDL_ShowCursor(SDL_DISABLE);
     if (title)
         SDL_WM_SetCaption(title, NULL);
     return true;
+}
+
+bool ApplicationSDL::hasRealDisplay() const
+{
+    const std::string driver = videoDriverName();
+    return windowlessAllowed || !isWindowlessDriver(driver) || driverWasAskedFor(driver);
 }
 
 bool ApplicationSDL::shutdownGL()

@@ -23,16 +23,23 @@ public:
 
     // At most this many events are dispatched per frame; the rest wait.
     static const int EVENTS_PER_FRAME = 5;
+    // Why setupGL refuses to run when SDL found no display and fell back on a windowless driver.
+    static constexpr const char* NO_DISPLAY_REASON = "no X11 or Wayland display to open a window on";
 
 protected:
     // Dispatches one frame's events; false once a quit event was seen.
     bool handleEvents();
+    // Offline renderers draw without a window: they accept SDL's windowless fallback.
+    void allowWindowless(bool allowed) { windowlessAllowed = allowed; }
 
 private:
     // Reads the key-state table entry, or -1 for a key outside it.
     int keyState(int key) const;
+    // False when SDL fell back on a windowless driver by itself and no window was wanted without one.
+    bool hasRealDisplay() const;
 
     // Without a window (SDL's offscreen driver) a swap flushes nothing, so
     // queued frames would pile up in memory: finish each frame instead.
     bool finishAtSwap = false;
+    bool windowlessAllowed = false;
 };

@@ -35,6 +35,9 @@ public:
     EffectMgr* getEffects() const { return effects; }
 
     static const unsigned char KEY_ESCAPE = 27;
+    // Printed after a display failure: where the demo can be watched instead.
+    static constexpr const char* NO_DISPLAY_HINT =
+        "To watch Velmora without a display, render it to a video: make video (or velmora-capture --video FILE)";
 
 protected:
     // Offline renderers turn the music off: they must not open an audio device.

@@ -51,7 +51,7 @@ void ProgramProcess::writeConfig(const std::string& bytes) const
     std::ofstream((dir + "/velmora.cfg").c_str(), std::ios::binary) << bytes;
 }
 
-void ProgramProcess::start()
+void ProgramProcess::start(bool withDisplay)
 {
     std::string program = std::string(VELMORA_BINARY_DIR) + "/velmora";
     status = -1;
@@ -63,9 +63,19 @@ void ProgramProcess::start()
     if (out < 0 || err < 0 || dup2(out, STDOUT_FILENO) < 0 || dup2(err, STDERR_FILENO) < 0)
         _exit(120);
     // SDL would otherwise fall back on its offscreen driver when X refuses it, and run windowless.
-    setenv("SDL_VIDEODRIVER", "x11", 1);
+    if (withDisplay) {
+        setenv("SDL_VIDEODRIVER", "x11", 1);
+    } else {
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER"})
+            unsetenv(name);
+    }
     execl(program.c_str(), "velmora", static_cast<char*>(nullptr));
     _exit(121);
+}
+
+void ProgramProcess::startWithoutDisplay()
+{
+    start(false);
 }
 
 bool ProgramProcess::running()

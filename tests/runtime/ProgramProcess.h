@@ -13,6 +13,8 @@ public:
     void writeConfig(const std::string& bytes) const;
     // Starts the program and returns its window's size ("800x600"), or "" when no window came up.
     std::string startAndFindWindow();
+    // Starts the program as on a machine with no display: no DISPLAY, WAYLAND_DISPLAY or SDL_VIDEODRIVER.
+    void startWithoutDisplay();
     // The program's window id, waited for; "" when none came up.
     std::string windowId();
     bool running();
@@ -29,7 +31,7 @@ public:
     static void sleepMillis(long millis);
 
 private:
-    void start();
+    void start(bool withDisplay = true);
     std::string dir;
     pid_t pid = -1;
     int status = -1;

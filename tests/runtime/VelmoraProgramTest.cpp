@@ -1,5 +1,6 @@
-// The real velmora program under an X server: keys other than Escape are ignored, Escape quits.
+// The real velmora program: keys other than Escape are ignored, Escape quits, and with no display it stops at once and says how to watch instead.
 #include "ProgramProcess.h"
+#include "runtime/Velmora.h"
 
 #include <gtest/gtest.h>
 #include <cstdlib>
@@ -19,4 +20,19 @@ TEST(VelmoraProgram, OtherKeysAreIgnoredAndEscapeQuitsWithStatusOne)
     }
     ASSERT_TRUE(program.ended(20.0)) << "Escape did not end velmora";
     EXPECT_EQ(program.exitStatus(), 1);
+}
+
+TEST(VelmoraProgram, WithoutADisplayItStopsAtOnceWithTheDisplayFailureThenTheVideoHint)
+{
+    ProgramProcess program;
+    program.startWithoutDisplay();
+    // Long enough for a loaded machine; SDL's fallback used to run unseen until killed.
+    ASSERT_TRUE(program.ended(10.0)) << "velmora kept running with no display: " << program.output();
+    // A display failure ends with status 0: kept inverted.
+    EXPECT_EQ(program.exitStatus(), 0);
+    const std::string output = program.output();
+    const std::string failure = std::string("ERROR! Couldn't init SDL: ") + ApplicationSDL::NO_DISPLAY_REASON + "\n";
+    const size_t at = output.find(failure);
+    ASSERT_NE(at, std::string::npos) << output;
+    EXPECT_EQ(output.substr(at + failure.size()), std::string(Velmora::NO_DISPLAY_HINT) + "\n");
 }

@@ -101,9 +101,11 @@ Capture::Capture(const CaptureOptions& chosen)
         info.width = options.width;
         info.height = options.height;
     }
-    // A full-screen mode would be scaled to the desktop and read back at another size.
+    // A full-screen mode would take the desktop's size instead of the capture's.
     info.fullscreen = false;
     setInfo(info);
+    // Frames are read back, so no window is needed: SDL's offscreen driver will do.
+    allowWindowless(true);
     // The soundtrack is rendered separately; no audio device is opened.
     setSoundEnabled(false);
     clock = new FixedStepTimer(1.0 / options.fps);
