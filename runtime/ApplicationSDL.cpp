@@ -61,10 +61,9 @@ bool ApplicationSDL::setupGL()
     if (glReady)
         return false;
     // sdl12-compat's scaled framebuffer would stretch a resized window instead of letting
-    // the viewport follow it, and costs half the frame rate in software. Full screen keeps
-    // it so that any configured size fills the desktop. The user's own setting wins.
-    if (!info.fullscreen)
-        setenv("SDL12COMPAT_OPENGL_SCALING", "0", 0);
+    // the viewport follow it, and costs half the frame rate in software; full screen takes
+    // the desktop's size, so it has nothing to scale either. The user's own setting wins.
+    setenv("SDL12COMPAT_OPENGL_SCALING", "0", 0);
     if (SDL_Init(SDL_INIT_VIDEO) < 0) {
         std::cerr << "ERROR! Couldn't init SDL: " << SDL_GetError() << '\n';
         return false;
@@ -76,10 +75,15 @@ bool ApplicationSDL::setupGL()
     }
     atexit(SDL_Quit);
 
-    // The desktop's depth always wins over the requested one.
+    // The desktop's depth always wins over the requested one, and in full screen its size:
+    // without a window manager to enlarge it, a smaller full-screen window covers only part of the screen.
     const SDL_VideoInfo* video = SDL_GetVideoInfo();
     if (video && video->vfmt)
         info.bitsPerPixel = video->vfmt->BitsPerPixel;
+    if (info.fullscreen && video && video->current_w > 0 && video->current_h > 0) {
+        info.width = video->current_w;
+        info.height = video->current_h;
+    }
 
     Uint32 flags = info.fullscreen ? (SDL_OPENGL | SDL_FULLSCREEN) : (SDL_OPENGL | SDL_RESIZABLE);
     int red = 0, green = 0, blue = 0;

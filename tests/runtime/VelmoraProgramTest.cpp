@@ -1,4 +1,5 @@
-// The real velmora program: keys other than Escape are ignored, Escape quits, and with no display it stops at once and says how to watch instead.
+// The real velmora program: keys other than Escape are ignored, Escape quits, full screen covers the
+// screen, and with no display it stops at once and says how to watch instead.
 #include "ProgramProcess.h"
 #include "runtime/Velmora.h"
 
@@ -20,6 +21,20 @@ TEST(VelmoraProgram, OtherKeysAreIgnoredAndEscapeQuitsWithStatusOne)
     }
     ASSERT_TRUE(program.ended(20.0)) << "Escape did not end velmora";
     EXPECT_EQ(program.exitStatus(), 1);
+}
+
+TEST(VelmoraProgram, FullScreenCoversTheScreenAtTheDesktopSize)
+{
+    ASSERT_NE(getenv("DISPLAY"), nullptr) << "needs an X server: run under xvfb-run";
+    ProgramProcess program;
+    program.writeConfig("Settings Registry v0.1\n-\nFullscreen = yes\nWidth = 640\nHeight = 480\nSound = no\n");
+    std::string screen = ProgramProcess::capture("xdotool getdisplaygeometry");
+    screen = screen.substr(0, screen.find('\n'));
+    screen.replace(screen.find(' '), 1, "x");
+    EXPECT_EQ(program.startAndFindWindow(), screen) << program.output();
+    const std::string where = ProgramProcess::capture("xdotool getwindowgeometry --shell " + program.windowId());
+    EXPECT_NE(where.find("X=0\nY=0\n"), std::string::npos) << where;
+    EXPECT_EQ(program.terminate(), 1) << program.output();
 }
 
 TEST(VelmoraProgram, WithoutADisplayItStopsAtOnceWithTheDisplayFailureThenTheVideoHint)
