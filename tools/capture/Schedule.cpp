@@ -53,6 +53,23 @@ double Schedule::getLastStart() const
     return start;
 }
 
+std::string Schedule::scenesAt(double seconds) const
+{
+    std::string names;
+    for (const ScheduleEntry& entry : entries) {
+        if (isFade(entry) || seconds < entry.start || seconds >= entry.end)
+            continue;
+        names += (names.empty() ? "" : " + ") + entry.name;
+    }
+    return names.empty() ? "no scene" : names;
+}
+
+double Schedule::stillTime(const ScheduleEntry& entry)
+{
+    const double share = isFade(entry) ? 0.25 : 0.5;
+    return entry.start + (static_cast<double>(entry.end) - entry.start) * share;
+}
+
 void Schedule::print(std::ostream& out) const
 {
     char line[160];

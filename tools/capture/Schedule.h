@@ -28,6 +28,15 @@ public:
     // The latest start of any entry, when the last scene begins; 0 for an empty schedule.
     double getLastStart() const;
 
+    // The scenes running at `seconds`, fades left out, joined with " + "; "no scene" where none runs.
+    std::string scenesAt(double seconds) const;
+    // The moment that shows an entry best: the middle of a scene; a quarter into a fade, where what it
+    // covers still shows through (at its middle a fade is its plain colour).
+    static double stillTime(const ScheduleEntry& entry);
+    // Fades cover scene cuts; they are no scenes of their own.
+    static bool isFade(const ScheduleEntry& entry) { return entry.name == FADE_CLASS; }
+    static constexpr const char* FADE_CLASS = "Fader";
+
     // One line per entry: number, start, end, layer, class.
     void print(std::ostream& out) const;
 
