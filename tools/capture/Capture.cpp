@@ -1,6 +1,7 @@
 // The offline capture loop over the demo's own timeline.
 #include "Capture.h"
 
+#include "ContactSheet.h"
 #include "Frame.h"
 #include "MemoryProbe.h"
 #include "MemoryReport.h"
@@ -11,27 +12,58 @@
 #include "gl/GLF_checkError.h"
 #include "runtime/EffectMgr.h"
 #include "runtime/FixedStepTimer.h"
+#include "text/Fonter.h"
 
 #include <GL/gl.h>
 #include <SDL/SDL.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <link.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <dlfcn.h>
-#include <fcntl.h>
-#include <link.h>
+#include <cstring>
 #include <iostream>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <map>
 
 namespace {
 
 // GL keeps a flag per error kind; more than this many in a row means it is stuck.
 const int MAX_ERRORS_PER_FRAME = 8;
 const int BASELINE_FRAMES = 200;
+// The label text's height as a share of its strip.
+const float LABEL_TEXT_SHARE = 0.6f;
+const float LABEL_MARGIN = 4.0f;
+
+// The signal that asked the run to stop (Ctrl-C, kill, a closed terminal); 0 while none did.
+volatile std::sig_atomic_t stopSignal = 0;
+
+void noteStop(int signal)
+{
+    stopSignal = signal;
+}
+
+// Outputs must be cleaned up before the program ends, so these signals only ask the loop to stop; a second
+// one ends the program at once. Signals ignored on entry stay ignored. SDL leaves handlers set here alone.
+void catchStopSignals()
+{
+    for (int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction current;
+        if (sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN)
+            continue;
+        struct sigaction wanted = {};
+        wanted.sa_handler = noteStop;
+        wanted.sa_flags = SA_RESTART | SA_RESETHAND;
+        sigemptyset(&wanted.sa_mask);
+        sigaction(signal, &wanted, nullptr);
+    }
+}
 
 double millisecondsSince(std::chrono::steady_clock::time_point start)
 {
@@ -135,6 +167,24 @@ std::string Capture::frameName(size_t index)
     return name;
 }
 
+std::string Capture::partialName(const std::string& file)
+{
+    // The extension stays last, so ffmpeg still picks the container from it.
+    const size_t slash = file.rfind('/');
+    const size_t dot = file.rfind('.');
+    const bool hasExtension = dot != std::string::npos && dot > (slash == std::string::npos ? 0 : slash + 1);
+    if (!hasExtension)
+        return file + ".part";
+    return file.substr(0, dot) + ".part" + file.substr(dot);
+}
+
+std::string Capture::sheetLabel(const ScheduleEntry& entry)
+{
+    char text[160];
+    std::snprintf(text, sizeof text, "%d %s %.2f s", entry.number, entry.name.c_str(), Schedule::stillTime(entry));
+    return text;
+}
+
 bool Capture::fail(const std::string& message)
 {
     if (error.empty())
@@ -165,6 +215,7 @@ bool Capture::run(int, char**)
         return listSchedule();
     if (!checkOutputs())
         return false;
+    catchStopSignals();
     if (!setupGL())
         return fail("cannot open a GL window");
     pinLoadedLibraries();
@@ -190,6 +241,8 @@ bool Capture::checkOutputs()
         return false;
     if (!options.shots.empty() && !writableDirectory(options.shotDir, error))
         return false;
+    if (!options.sheetFile.empty() && !writableFile(options.sheetFile, error))
+        return false;
     if (options.videoFile.empty())
         return true;
     if (getInfo().width % 2 || getInfo().height % 2)
@@ -197,7 +250,7 @@ bool Capture::checkOutputs()
     std::string program;
     if (!VideoEncoder::findProgram("ffmpeg", program))
         return fail("ffmpeg was not found on PATH; --video needs it");
-    return writableFile(options.videoFile, error);
+    return writableFile(options.videoFile, error) && writableFile(partialName(options.videoFile), error);
 }
 
 bool Capture::work()
@@ -212,6 +265,8 @@ bool Capture::work()
         return fail("the window came out " + std::to_string(screen->w) + "x" + std::to_string(screen->h) +
                     " instead of the requested size");
     timer->setup();
+    if (!options.sheetFile.empty())
+        return renderSheet();
     if (!options.shots.empty())
         return renderShots();
     return renderRange();
@@ -222,12 +277,19 @@ double Capture::now() const
     return clock->getTotalTime();
 }
 
+std::string Capture::whereNow() const
+{
+    char time[32];
+    std::snprintf(time, sizeof time, "%.1f s ", now());
+    return time + schedule.scenesAt(now());
+}
+
 void Capture::step(double seconds)
 {
     clock->setStep(seconds);
     clock->update();
     onUpdate(static_cast<float>(clock->getDeltaTime()));
-    progress.advance();
+    progress.tick();
 }
 
 void Capture::skipTo(double time)
@@ -245,6 +307,7 @@ void Capture::stepTo(double time)
 void Capture::draw()
 {
     onDisplay();
+    progress.advance();
     for (int i = 0; i < MAX_ERRORS_PER_FRAME && GLF_checkError("velmora-capture frame"); ++i) {
     }
 }
@@ -252,6 +315,8 @@ void Capture::draw()
 bool Capture::keepRunning()
 {
     swapBuffersGL();
+    if (stopSignal)
+        return fail(std::string("interrupted (") + strsignal(stopSignal) + ")");
     if (handleEvents())
         return true;
     return fail("stopped: the window was closed");
@@ -278,7 +343,7 @@ bool Capture::startVideo(VideoEncoder& encoder, double from, double seconds, std
         if (!soundtrack.renderToWav(audio, from, seconds, why))
             return fail(why);
     }
-    if (!encoder.start(options.videoFile, getInfo().width, getInfo().height, options.fps, audio, why))
+    if (!encoder.start(partialName(options.videoFile), getInfo().width, getInfo().height, options.fps, audio, why))
         return fail(why);
     return true;
 }
@@ -303,7 +368,7 @@ bool Capture::renderRange()
     const char* label = timing ? "bench" : !options.videoFile.empty() ? "video" : readBack ? "frames" : "memory";
     const bool sampling = options.memoryEvery > 0.0;
     MemoryReport memory(options.memoryEvery, schedule.getLastStart());
-    progress.start(label, static_cast<size_t>(std::llround(from * options.fps)) + count);
+    progress.start(label, count, [this] { return whereNow(); });
     for (size_t k = 0; ok && k < count; ++k) {
         const double target = from + static_cast<double>(k) / options.fps;
         skipTo(target);
@@ -332,15 +397,28 @@ bool Capture::renderRange()
     progress.finish();
     if (ok && sampling)
         memory.printSummary(std::cout);
-    if (encoder.isRunning()) {
-        bool encoded = encoder.finish(why);
-        if (ok && !encoded)
-            ok = fail(why);
-    }
+    if (!options.videoFile.empty())
+        ok = finishVideo(encoder, ok);
     if (!audio.empty())
         unlink(audio.c_str());
     if (ok && timing)
         ok = runBaseline();
+    return ok;
+}
+
+bool Capture::finishVideo(VideoEncoder& encoder, bool ok)
+{
+    const std::string partial = partialName(options.videoFile);
+    std::string why;
+    if (!ok) {
+        encoder.cancel();
+    } else if (!encoder.finish(why)) {
+        ok = fail(why);
+    } else if (std::rename(partial.c_str(), options.videoFile.c_str()) != 0) {
+        ok = fail("cannot rename " + partial + " to " + options.videoFile + ": " + std::strerror(errno));
+    }
+    if (!ok)
+        unlink(partial.c_str());
     return ok;
 }
 
@@ -365,7 +443,7 @@ bool Capture::renderShots()
 {
     std::vector<double> times(options.shots);
     std::sort(times.begin(), times.end());
-    progress.start("stills", static_cast<size_t>(std::llround(times.back() * options.fps)) + times.size());
+    progress.start("stills", times.size(), [this] { return whereNow(); });
     Frame frame;
     std::string why;
     bool ok = true;
@@ -386,4 +464,86 @@ bool Capture::renderShots()
     }
     progress.finish();
     return ok;
+}
+
+bool Capture::renderSheet()
+{
+    const std::vector<ScheduleEntry>& entries = schedule.getEntries();
+    if (entries.empty())
+        return fail("the schedule is empty: no stills to put on a sheet");
+    const int width = getInfo().width;
+    const int height = getInfo().height;
+    ContactSheet sheet(width, height, ContactSheet::labelHeightFor(height), entries.size());
+    std::vector<Frame> labels;
+    if (!drawLabels(width, ContactSheet::labelHeightFor(height), labels))
+        return false;
+
+    // Every frame up to the last still is drawn, so that scenes which build on earlier frames (trails,
+    // feedback) show in their stills as they do in the demo. A still falling on a frame's time is that frame,
+    // and entries sharing a moment share its picture.
+    std::map<double, std::vector<size_t>> moments;
+    for (size_t i = 0; i < entries.size(); ++i)
+        moments[Schedule::stillTime(entries[i])].push_back(i);
+    const double last = moments.rbegin()->first;
+    for (size_t k = 0, count = frameCount(0.0, last, options.fps); k < count; ++k)
+        moments[static_cast<double>(k) / options.fps];
+    progress.start("sheet", moments.size(), [this] { return whereNow(); });
+    Frame frame;
+    bool ok = true;
+    for (auto moment = moments.begin(); ok && moment != moments.end(); ++moment) {
+        stepTo(moment->first);
+        draw();
+        if (!moment->second.empty())
+            frame.read(width, height);
+        for (size_t entry : moment->second)
+            sheet.place(entry, frame, labels[entry]);
+        ok = keepRunning();
+    }
+    progress.finish();
+    std::string why;
+    if (ok && !PngWriter::write(options.sheetFile, sheet.getPicture(), why))
+        ok = fail("cannot write " + options.sheetFile + ": " + why);
+    return ok;
+}
+
+bool Capture::drawLabels(int width, int height, std::vector<Frame>& labels)
+{
+    Fonter font;
+    if (!font.loadTTF(LABEL_FONT, Fonter::PIXMAP, static_cast<float>(height) * LABEL_TEXT_SHARE, 0.0f))
+        return fail(std::string("cannot load the label font ") + LABEL_FONT);
+    // Flat, unlit, untextured text in pixel units; everything is put back for the scenes.
+    glPushAttrib(GL_ALL_ATTRIB_BITS);
+    glMatrixMode(GL_PROJECTION);
+    glPushMatrix();
+    glLoadIdentity();
+    glOrtho(0.0, width, 0.0, height, -1.0, 1.0);
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    glLoadIdentity();
+    glViewport(0, 0, width, height);
+    glDisable(GL_LIGHTING);
+    glDisable(GL_DEPTH_TEST);
+    const float grey = ContactSheet::GREY / 255.0f;
+    glClearColor(grey, grey, grey, 1.0f);
+    for (const ScheduleEntry& entry : schedule.getEntries()) {
+        labels.emplace_back();
+        drawLabel(font, sheetLabel(entry), width, height, labels.back());
+    }
+    glMatrixMode(GL_PROJECTION);
+    glPopMatrix();
+    glMatrixMode(GL_MODELVIEW);
+    glPopMatrix();
+    glPopAttrib();
+    return true;
+}
+
+void Capture::drawLabel(Fonter& font, const std::string& text, int width, int height, Frame& label)
+{
+    glClear(GL_COLOR_BUFFER_BIT);
+    glColor3f(1.0f, 1.0f, 1.0f);
+    // The text's box centred on the strip: the descender lies below the baseline.
+    const float baseline = (static_cast<float>(height) - font.getAscender() - font.getDescender()) / 2.0f;
+    glRasterPos2f(LABEL_MARGIN, baseline);
+    font.draw(text.c_str());
+    label.read(width, height);
 }

@@ -8,10 +8,12 @@
 #include "runtime/Velmora.h"
 
 #include <string>
+#include <vector>
 
 class Frame;
 class FixedStepTimer;
 class VideoEncoder;
+class Fonter;
 
 class Capture : public Velmora {
 public:
@@ -37,6 +39,12 @@ public:
     static std::string shotName(double seconds);
     // The file name of frame `index` of a range, e.g. "frame-000042.png".
     static std::string frameName(size_t index);
+    // Where a video is written until it is complete, beside its final name: "dir/velmora.part.mp4".
+    static std::string partialName(const std::string& file);
+    // A sheet still's label: entry number, scene and time, e.g. "6 Islands 52.00 s".
+    static std::string sheetLabel(const ScheduleEntry& entry);
+    // The TrueType font of the sheet's labels.
+    static constexpr const char* LABEL_FONT = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
 
 private:
     bool work();
@@ -44,10 +52,16 @@ private:
     bool checkOutputs();
     bool renderRange();
     bool renderShots();
+    bool renderSheet();
     bool runBaseline();
+    // The label strips of the sheet, drawn with the demo's font front end before any scene starts.
+    bool drawLabels(int width, int height, std::vector<Frame>& labels);
+    void drawLabel(Fonter& font, const std::string& text, int width, int height, Frame& label);
     // Renders the soundtrack into a temporary WAV (named in `audio`, empty for none) and
-    // starts the encoder on it.
+    // starts the encoder on it, writing the partial file.
     bool startVideo(VideoEncoder& encoder, double from, double seconds, std::string& audio);
+    // Ends the encoding and gives the video its final name; on failure nothing is left under either name.
+    bool finishVideo(VideoEncoder& encoder, bool ok);
 
     // Clock steps: skipTo updates without drawing up to one frame short of `time`, stepTo
     // takes the last (possibly shortened) step so the scene clock lands on `time` exactly.
@@ -55,6 +69,8 @@ private:
     void skipTo(double time);
     void stepTo(double time);
     double now() const;
+    // The scene time and the scenes running, for the progress bar.
+    std::string whereNow() const;
 
     // Draws the frame and reports any GL error the scenes left behind.
     void draw();

@@ -88,7 +88,8 @@ bool isFlagOption(const std::string& name)
 
 bool isValueOption(const std::string& name)
 {
-    for (const char* known : {"--size", "--fps", "--from", "--to", "--frames", "--shot", "--shot-dir", "--video", "--memory"}) {
+    for (const char* known :
+         {"--size", "--fps", "--from", "--to", "--frames", "--shot", "--shot-dir", "--video", "--sheet", "--memory"}) {
         if (name == known)
             return true;
     }
@@ -114,6 +115,7 @@ const char* CaptureOptions::usage()
            "  --shot T[,T...]   write PNG stills at these scene times\n"
            "  --shot-dir DIR    where the stills go (default: the working directory)\n"
            "  --video FILE      encode the frames and the soundtrack with ffmpeg\n"
+           "  --sheet FILE      write one PNG with a labelled still of every schedule entry\n"
            "  --bench           write nothing; print frame times per schedule entry\n"
            "  --memory S        draw every frame, write nothing; print resident memory every S scene seconds\n"
            "  --list            print the schedule and stop\n"
@@ -183,12 +185,15 @@ bool CaptureOptions::parseOne(const std::string& name, const char* value, std::s
         }
     } else if (name == "--shot") {
         return readShots(value, shots, error);
-    } else if (name == "--frames" || name == "--video" || name == "--shot-dir") {
+    } else if (name == "--frames" || name == "--video" || name == "--sheet" || name == "--shot-dir") {
         if (!*value) {
             error = name + " needs a non-empty path";
             return false;
         }
-        std::string& target = name == "--frames" ? framesDir : name == "--video" ? videoFile : shotDir;
+        std::string& target = name == "--frames"  ? framesDir
+                              : name == "--video" ? videoFile
+                              : name == "--sheet" ? sheetFile
+                                                  : shotDir;
         target = value;
     }
     return true;
@@ -213,6 +218,15 @@ bool CaptureOptions::checkCombination(std::string& error) const
         error = "--shot cannot be combined with --frames or --video";
         return false;
     }
+    // The sheet draws every frame from the start up to its last still on its own.
+    if (!sheetFile.empty() && (rendersRange() || !shots.empty() || list)) {
+        error = "--sheet makes one picture only: leave out the other outputs";
+        return false;
+    }
+    if (!sheetFile.empty() && (hasTo || from > 0.0)) {
+        error = "--sheet covers the whole schedule: leave out --from and --to";
+        return false;
+    }
     if (list && (rendersRange() || !shots.empty())) {
         error = "--list prints the schedule only: leave out the other outputs";
         return false;
@@ -226,5 +240,5 @@ bool CaptureOptions::checkCombination(std::string& error) const
 
 bool CaptureOptions::hasWork() const
 {
-    return rendersRange() || !shots.empty() || list;
+    return rendersRange() || !shots.empty() || !sheetFile.empty() || list;
 }

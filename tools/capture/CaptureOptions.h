@@ -36,6 +36,7 @@ public:
     std::vector<double> shots;
     std::string shotDir;
     std::string videoFile;
+    std::string sheetFile;
     bool bench;
     // Seconds of scene time between resident-memory lines; 0 for none.
     double memoryEvery;

@@ -32,6 +32,31 @@ void Frame::setBottomUp(int w, int h, const uint8_t* rgb)
     flipRows();
 }
 
+void Frame::fill(int w, int h, uint8_t red, uint8_t green, uint8_t blue)
+{
+    width = std::max(w, 0);
+    height = std::max(h, 0);
+    pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height) * 3);
+    for (size_t i = 0; i < pixels.size(); i += 3) {
+        pixels[i] = red;
+        pixels[i + 1] = green;
+        pixels[i + 2] = blue;
+    }
+}
+
+void Frame::paste(const Frame& piece, int x, int y)
+{
+    const int left = std::max(x, 0);
+    const int right = std::min(x + piece.width, width);
+    if (left >= right)
+        return;
+    const size_t bytes = static_cast<size_t>(right - left) * 3;
+    for (int row = std::max(y, 0); row < std::min(y + piece.height, height); ++row) {
+        const uint8_t* from = piece.pixels.data() + (static_cast<size_t>(row - y) * piece.width + (left - x)) * 3;
+        std::memcpy(pixels.data() + (static_cast<size_t>(row) * width + left) * 3, from, bytes);
+    }
+}
+
 void Frame::flipRows()
 {
     size_t row = getRowBytes();

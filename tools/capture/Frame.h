@@ -13,6 +13,10 @@ public:
     bool read(int width, int height);
     // Takes pixels given bottom row first, as GL hands them out.
     void setBottomUp(int width, int height, const uint8_t* rgb);
+    // A picture of one colour; a non-positive size gives an empty one.
+    void fill(int width, int height, uint8_t red, uint8_t green, uint8_t blue);
+    // Copies `piece` with its top left corner at (x, y); what falls outside this picture is left out.
+    void paste(const Frame& piece, int x, int y);
 
     int getWidth() const { return width; }
     int getHeight() const { return height; }

@@ -75,6 +75,9 @@ bool VideoEncoder::start(const std::string& file, int w, int h, int fps, const s
         for (const char* arg : {"-map", "1:a", "-c:a", "aac", "-b:a", "192k"})
             args.push_back(arg);
     }
+    // The index goes before the media, so browsers and phones start playing while the file still loads.
+    for (const char* arg : {"-movflags", "+faststart"})
+        args.push_back(arg);
     args.push_back(file);
 
     std::vector<char*> argv;
@@ -167,4 +170,12 @@ bool VideoEncoder::finish(std::string& error)
         return false;
     }
     return true;
+}
+
+void VideoEncoder::cancel()
+{
+    if (pid > 0)
+        kill(pid, SIGTERM);
+    std::string ignored;
+    finish(ignored);
 }

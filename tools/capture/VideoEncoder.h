@@ -24,6 +24,8 @@ public:
     bool write(const Frame& frame, std::string& error);
     // Ends the input and waits; false when ffmpeg failed.
     bool finish(std::string& error);
+    // Stops ffmpeg without letting it finish the file, and waits for it.
+    void cancel();
 
     bool isRunning() const { return pid > 0; }
 

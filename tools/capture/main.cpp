@@ -17,7 +17,8 @@ int main(int argc, char** argv)
         return 0;
     }
     if (!options.hasWork()) {
-        std::cerr << "velmora-capture: nothing to do: choose --frames, --shot, --video, --bench, --memory or --list\n"
+        std::cerr << "velmora-capture: nothing to do: choose --frames, --shot, --video, --sheet, --bench, --memory or "
+                     "--list\n"
                   << CaptureOptions::usage();
         return 2;
     }

@@ -1,13 +1,22 @@
-// velmora-capture as a program: every scheduled scene draws, repeatable frames, video with sound,
-// benchmark figures, runs with no X server, and clear failures for bad options and outputs.
+// velmora-capture as a program: every scheduled scene draws, repeatable frames, video with sound that
+// an interruption leaves no trace of, the contact sheet, benchmark figures, runs with no X server, and
+// clear failures for bad options and outputs.
 #include "Capture.h"
+#include "ContactSheet.h"
 #include "TestFiles.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -55,12 +64,35 @@ double coveredShare(const std::vector<uint8_t>& rgb)
     return rgb.empty() ? 0.0 : static_cast<double>(lit) / static_cast<double>(rgb.size() / 3);
 }
 
-double probed(const std::string& file, const char* stream, const std::string& key)
+std::string probedText(const std::string& file, const char* stream, const std::string& key)
 {
     const std::string text = runInBuildDir(std::string("ffprobe -v error -count_frames -select_streams ") + stream +
                                            " -show_entries stream=" + key + " -of default=nw=1 '" + file + "'").out;
     const size_t at = text.find(key + "=");
-    return at == std::string::npos ? -1.0 : std::atof(text.c_str() + at + key.size() + 1);
+    return at == std::string::npos ? "" : text.substr(at + key.size() + 1, text.find('\n', at) - at - key.size() - 1);
+}
+
+double probed(const std::string& file, const char* stream, const std::string& key)
+{
+    const std::string text = probedText(file, stream, key);
+    return text.empty() ? -1.0 : std::atof(text.c_str());
+}
+
+bool exists(const std::string& path)
+{
+    struct stat info;
+    return stat(path.c_str(), &info) == 0;
+}
+
+// The part of a packed RGB picture `width` pixels wide inside the rectangle.
+std::vector<uint8_t> region(const std::vector<uint8_t>& rgb, int width, int x, int y, int w, int h)
+{
+    std::vector<uint8_t> part;
+    for (int row = y; row < y + h; ++row) {
+        const auto begin = rgb.begin() + (static_cast<size_t>(row) * width + x) * 3;
+        part.insert(part.end(), begin, begin + static_cast<size_t>(w) * 3);
+    }
+    return part;
 }
 
 class CaptureProgram : public ::testing::Test {
@@ -155,6 +187,85 @@ TEST_F(CaptureProgram, FiveSecondVideoHasTheFramesAndASoundtrackOfTheSameLength)
     EXPECT_EQ(probed(file, "v:0", "height"), 120);
     EXPECT_EQ(probed(file, "v:0", "nb_read_frames"), 50);
     EXPECT_NEAR(probed(file, "a:0", "duration"), 5.0, 0.05);
+    // What browsers and phones play: H.264 in 4:2:0, AAC, the index ahead of the media.
+    EXPECT_EQ(probedText(file, "v:0", "codec_name"), "h264");
+    EXPECT_EQ(probedText(file, "v:0", "pix_fmt"), "yuv420p");
+    EXPECT_EQ(probedText(file, "v:0", "r_frame_rate"), "10/1");
+    EXPECT_EQ(probedText(file, "a:0", "codec_name"), "aac");
+    const std::string bytes = readWholeFile(file);
+    EXPECT_LT(bytes.find("moov"), bytes.find("mdat"));
+    EXPECT_FALSE(exists(Capture::partialName(file)));
+}
+
+TEST(CaptureNames, APartialVideoKeepsItsExtensionLast)
+{
+    EXPECT_EQ(Capture::partialName("velmora.mp4"), "velmora.part.mp4");
+    EXPECT_EQ(Capture::partialName("/tmp/a.b/clip.mkv"), "/tmp/a.b/clip.part.mkv");
+    EXPECT_EQ(Capture::partialName("/tmp/a.b/clip"), "/tmp/a.b/clip.part");
+    EXPECT_EQ(Capture::partialName(".hidden"), ".hidden.part");
+    EXPECT_EQ(Capture::partialName("dir/.hidden"), "dir/.hidden.part");
+}
+
+TEST_F(CaptureProgram, AnInterruptedVideoLeavesNoFileUnderEitherName)
+{
+    const std::string file = dir + "/demo.mp4";
+    const std::string partial = Capture::partialName(file);
+    const std::string log = dir + "/log.txt";
+    const pid_t child = fork();
+    if (child == 0) {
+        const int out = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        if (out < 0 || chdir(VELMORA_BINARY_DIR) != 0 || dup2(out, 1) < 0 || dup2(out, 2) < 0)
+            _exit(120);
+        execl("./velmora-capture", "velmora-capture", "--video", file.c_str(), "--size", "64x48", "--fps", "30",
+              static_cast<char*>(nullptr));
+        _exit(121);
+    }
+    ASSERT_GT(child, 0);
+    // Ctrl-C once the encoder is writing: a whole run takes far longer than the wait for its first frames.
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(120);
+    while (!exists(partial) && std::chrono::steady_clock::now() < giveUp && waitpid(child, nullptr, WNOHANG) == 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    const bool writing = exists(partial);
+    kill(child, SIGINT);
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(writing) << readWholeFile(log);
+    ASSERT_TRUE(WIFEXITED(status)) << readWholeFile(log);
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_TRUE(contains(readWholeFile(log), "velmora-capture: interrupted")) << readWholeFile(log);
+    EXPECT_FALSE(exists(file));
+    EXPECT_FALSE(exists(partial));
+}
+
+TEST_F(CaptureProgram, SheetHasALabelledStillOfEveryEntryInScheduleOrder)
+{
+    const std::vector<Entry> entries = readSchedule();
+    ASSERT_FALSE(entries.empty());
+    const std::string file = dir + "/sheet.png";
+    const int w = 64, h = 48, label = ContactSheet::labelHeightFor(h);
+    ProgramRun run = capture("--sheet " + file + " --size 64x48 --fps 5");
+    ASSERT_EQ(run.status, 0) << (run.out + run.err);
+    EXPECT_FALSE(contains(run.out + run.err, "OpenGL ERROR")) << (run.out + run.err);
+    int width = 0, height = 0;
+    std::vector<uint8_t> rgb;
+    ASSERT_TRUE(readPng(file, width, height, rgb));
+    const ContactSheet layout(w, h, label, entries.size());
+    ASSERT_EQ(width, layout.getPicture().getWidth());
+    ASSERT_EQ(height, layout.getPicture().getHeight());
+    for (size_t i = 0; i < entries.size(); ++i) {
+        SCOPED_TRACE("entry " + std::to_string(entries[i].number) + " " + entries[i].name);
+        const int x = ContactSheet::GAP + static_cast<int>(i % ContactSheet::COLUMNS) * (w + ContactSheet::GAP);
+        const int y = ContactSheet::GAP + static_cast<int>(i / ContactSheet::COLUMNS) * (h + label + ContactSheet::GAP);
+        // A fade a quarter of the way in may cover nothing but the clear colour.
+        if (entries[i].name != "Fader") {
+            EXPECT_GT(coveredShare(region(rgb, width, x, y, w, h)), 0.05);
+        }
+        // White text on the grey strip.
+        size_t text = 0;
+        for (uint8_t value : region(rgb, width, x, y + h, w, label))
+            text += value > 200;
+        EXPECT_GT(text, 10u);
+    }
 }
 
 TEST_F(CaptureProgram, BenchNamesTheRendererEveryEntryAndTheEmptyFrameBaseline)
