@@ -8,6 +8,7 @@ XVFB     := xvfb-run -a -s "-screen 0 1280x1024x24"
 SAN_ENV  := ASAN_OPTIONS=detect_leaks=0:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 
 .PHONY: all setup build run test test-plain asan-build test-asan schedule-asan bench soak clean fuzz fuzz-build fuzz-smoke
+.PHONY: install
 
 all: build
 
@@ -22,6 +23,11 @@ build: setup $(BUILD)/CMakeCache.txt
 
 run: build
 	cd $(BUILD) && ./velmora
+
+# The programs, the launcher velmora-demo, the data and the default settings under PREFIX (as root for /usr/local).
+PREFIX ?= /usr/local
+install: build
+	cmake --install $(BUILD) --prefix $(PREFIX)
 
 test: setup test-plain test-asan schedule-asan fuzz-smoke
 
