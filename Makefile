@@ -8,7 +8,7 @@ XVFB     := xvfb-run -a -s "-screen 0 1280x1024x24"
 SAN_ENV  := ASAN_OPTIONS=detect_leaks=0:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 
 .PHONY: all setup build run test test-plain asan-build test-asan schedule-asan bench soak clean fuzz fuzz-build fuzz-smoke
-.PHONY: install
+.PHONY: video sheet readme-sheet install
 
 all: build
 
@@ -23,6 +23,20 @@ build: setup $(BUILD)/CMakeCache.txt
 
 run: build
 	cd $(BUILD) && ./velmora
+
+# The whole schedule with its soundtrack, drawn offline (no display or GPU needed) into an H.264/AAC MP4 that
+# browsers and phones play. Ctrl-C leaves nothing under the file's name.
+VIDEO      ?= velmora.mp4
+VIDEO_SIZE ?= 1280x720
+VIDEO_FPS  ?= 60
+video: build
+	cd $(BUILD) && ./velmora-capture --video $(abspath $(VIDEO)) --size $(VIDEO_SIZE) --fps $(VIDEO_FPS)
+
+# A labelled still of every schedule entry in one picture; readme-sheet remakes the README's small copy of it.
+sheet: build
+	cd $(BUILD) && ./velmora-capture --sheet $(abspath sheet.png) --size 320x240
+readme-sheet: sheet
+	ffmpeg -v error -y -i sheet.png -vf "scale=iw/2:-1:flags=area" docs/sheet.png
 
 # The programs, the launcher velmora-demo, the data and the default settings under PREFIX (as root for /usr/local).
 PREFIX ?= /usr/local
