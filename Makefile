@@ -36,7 +36,7 @@ video: build
 sheet: build
 	cd $(BUILD) && ./velmora-capture --sheet $(abspath sheet.png) --size 320x240
 readme-sheet: sheet
-	ffmpeg -v error -y -i sheet.png -vf "scale=iw/2:-1:flags=area" docs/sheet.png
+	ffmpeg -v error -y -i sheet.png -vf "scale=iw/2:-1:flags=area" -pred mixed docs/sheet.png
 
 # The programs, the launcher velmora-demo, the data and the default settings under PREFIX (as root for /usr/local).
 PREFIX ?= /usr/local
