@@ -28,6 +28,10 @@ public:
     int quitAfterFrames = -1;
     float lastSeconds = -1.0f;
 
+    // These tests need GL, not a window: the X server under test now and then refuses a connection, and SDL's
+    // offscreen fallback then serves as well.
+    Recorder() { allowWindowless(true); }
+
     void onDisplay() override { log.push_back("display"); }
     void onUpdate(float seconds) override
     {
@@ -45,6 +49,7 @@ public:
     void onActivate() override { log.push_back("activate"); }
     void onDeactivate() override { log.push_back("deactivate"); }
 
+    using ApplicationSDL::allowWindowless;
     using ApplicationSDL::handleEvents;
     using ApplicationSDL::setTimer;
 
@@ -141,6 +146,28 @@ TEST(ShellDisplay, OpensTheRequestedSizeAtTheDesktopDepthOnce)
     EXPECT_STREQ(getenv("SDL12COMPAT_OPENGL_SCALING"), "1");
     app.shutdownGL();
     setenv("SDL12COMPAT_OPENGL_SCALING", "0", 1);
+}
+
+TEST(ShellDisplay, RefusesSDLsWindowlessFallbackUnlessItWasAskedForOrAllowed)
+{
+    const char* display = getenv("DISPLAY");
+    const std::string saved = display ? display : "";
+    unsetenv("DISPLAY");
+    unsetenv("WAYLAND_DISPLAY");
+    unsetenv("SDL_VIDEODRIVER");
+    Recorder app;
+    app.allowWindowless(false);
+    EXPECT_FALSE(app.open());
+    EXPECT_FALSE(app.isGLReady());
+    setenv("SDL_VIDEODRIVER", "offscreen", 1);
+    EXPECT_TRUE(app.open()) << SDL_GetError();
+    app.shutdownGL();
+    unsetenv("SDL_VIDEODRIVER");
+    app.allowWindowless(true);
+    EXPECT_TRUE(app.open()) << SDL_GetError();
+    app.shutdownGL();
+    if (display)
+        setenv("DISPLAY", saved.c_str(), 1);
 }
 
 TEST(ShellLoop, InitThenResizeThenFramesUntilQuitAndNoHandlerWithoutADisplay)
