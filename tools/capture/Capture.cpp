@@ -187,8 +187,9 @@ std::string Capture::sheetLabel(const ScheduleEntry& entry)
 
 bool Capture::fail(const std::string& message)
 {
+    // An interruption also makes ffmpeg stop (Ctrl-C reaches it too): name the cause, not the symptom.
     if (error.empty())
-        error = message;
+        error = stopSignal ? std::string("interrupted (") + strsignal(stopSignal) + ")" : message;
     return false;
 }
 
@@ -316,7 +317,7 @@ bool Capture::keepRunning()
 {
     swapBuffersGL();
     if (stopSignal)
-        return fail(std::string("interrupted (") + strsignal(stopSignal) + ")");
+        return fail("interrupted");
     if (handleEvents())
         return true;
     return fail("stopped: the window was closed");
@@ -473,9 +474,10 @@ bool Capture::renderSheet()
         return fail("the schedule is empty: no stills to put on a sheet");
     const int width = getInfo().width;
     const int height = getInfo().height;
-    ContactSheet sheet(width, height, ContactSheet::labelHeightFor(height), entries.size());
+    const int labelHeight = ContactSheet::labelHeightFor(height);
+    ContactSheet sheet(width, height, labelHeight, entries.size());
     std::vector<Frame> labels;
-    if (!drawLabels(width, ContactSheet::labelHeightFor(height), labels))
+    if (!drawLabels(width, labelHeight, labels))
         return false;
 
     // Every frame up to the last still is drawn, so that scenes which build on earlier frames (trails,

@@ -60,7 +60,8 @@ private:
     // Renders the soundtrack into a temporary WAV (named in `audio`, empty for none) and
     // starts the encoder on it, writing the partial file.
     bool startVideo(VideoEncoder& encoder, double from, double seconds, std::string& audio);
-    // Ends the encoding and gives the video its final name; on failure nothing is left under either name.
+    // Ends the encoding and gives the video its final name. On failure the partial file goes, and a file
+    // already under the final name stays as it was.
     bool finishVideo(VideoEncoder& encoder, bool ok);
 
     // Clock steps: skipTo updates without drawing up to one frame short of `time`, stepTo
