@@ -7,8 +7,10 @@ build=$2
 out=$(mktemp /tmp/velmora-make-run-XXXXXX)
 trap 'rm -f "$out"' EXIT
 
-# The guard only catches a hang; a passing run ends in a second or two after the build check.
-env -u DISPLAY -u WAYLAND_DISPLAY -u SDL_VIDEODRIVER timeout 120 make -s -C "$source_dir" run BUILD="$build" >"$out" 2>&1
+# The guard only catches a hang; a passing run ends in a second or two after the build check. The make that
+# runs the tests (make test) must not hand its job server or its variables to this one.
+env -u DISPLAY -u WAYLAND_DISPLAY -u SDL_VIDEODRIVER -u MAKEFLAGS -u MFLAGS -u MAKELEVEL \
+    timeout 120 make -s -C "$source_dir" run BUILD="$build" >"$out" 2>&1
 status=$?
 if [[ $status -eq 124 ]]; then
     echo "FAIL: make run was still running after 120 s" >&2
