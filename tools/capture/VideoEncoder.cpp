@@ -95,8 +95,14 @@ bool VideoEncoder::start(const std::string& file, int w, int h, int fps, const s
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, ends[0], 0);
+    // A group of its own: Ctrl-C reaches only velmora-capture, which then stops the encoder itself, once.
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    posix_spawnattr_setpgroup(&attributes, 0);
     pid_t child = -1;
-    int failed = posix_spawn(&child, program.c_str(), &actions, nullptr, argv.data(), environ);
+    int failed = posix_spawn(&child, program.c_str(), &actions, &attributes, argv.data(), environ);
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     close(ends[0]);
     if (failed != 0) {
