@@ -23,6 +23,14 @@ Texture* SceneKit::preloadTexture(const TextureFile& picture)
     return texture;
 }
 
+Texture* SceneKit::preloadOrReport(const char* scene, const TextureFile& picture)
+{
+    Texture* texture = preloadTexture(picture);
+    if (!texture && scene)
+        std::cerr << missingMessage(scene, picture.file);
+    return texture;
+}
+
 TextureMaterial* SceneKit::makeMaterial(const char* name, Texture* texture, int blendMode, unsigned long flags)
 {
     TextureMaterial* material = new TextureMaterial(name);
@@ -36,10 +44,16 @@ TextureMaterial* SceneKit::makeMaterial(const char* name, Texture* texture, int 
 TextureMaterial* SceneKit::findOrMakeMaterial(const char* name, const TextureFile& picture, unsigned long flags,
                                               int blendMode)
 {
+    return findOrMakeMaterial(nullptr, name, picture, flags, blendMode);
+}
+
+TextureMaterial* SceneKit::findOrMakeMaterial(const char* scene, const char* name, const TextureFile& picture,
+                                              unsigned long flags, int blendMode)
+{
     TextureMaterial* existing = dynamic_cast<TextureMaterial*>(MaterialMgr::getHandle()->find(name));
     if (existing)
         return existing;
-    return makeMaterial(name, preloadTexture(picture), blendMode, flags);
+    return makeMaterial(name, preloadOrReport(scene, picture), blendMode, flags);
 }
 
 void SceneKit::giveMaterial(Mesh* mesh, Material* material)

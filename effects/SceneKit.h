@@ -30,12 +30,17 @@ public:
     // The same, sent to GL now: no picture is uploaded in the frame loop, and an upload made
     // at a bind on the second texture unit would land on the first.
     static Texture* preloadTexture(const TextureFile& picture);
+    // The same, or null after printing the scenes' common message (below) for the picture; silent without a scene.
+    static Texture* preloadOrReport(const char* scene, const TextureFile& picture);
 
     // A textured material made with these values and registered (whether or not one of that name exists).
     static TextureMaterial* makeMaterial(const char* name, Texture* texture, int blendMode, unsigned long flags);
     // The registered textured material of that name, or one made from the picture, preloaded, and registered.
     static TextureMaterial* findOrMakeMaterial(const char* name, const TextureFile& picture, unsigned long flags,
                                                int blendMode);
+    // The same, a missing picture reported for the scene with preloadOrReport.
+    static TextureMaterial* findOrMakeMaterial(const char* scene, const char* name, const TextureFile& picture,
+                                               unsigned long flags, int blendMode);
     // Every face of the mesh drawn with this material.
     static void giveMaterial(Mesh* mesh, Material* material);
 

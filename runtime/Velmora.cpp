@@ -8,6 +8,7 @@
 #include "effects/Islands.h"
 #include "effects/Logo.h"
 #include "effects/Swirl.h"
+#include "effects/TunnelExit.h"
 #include "effects/UnderwaterTunnel.h"
 #include "gl/GLEXT.h"
 #include "math/Color.h"
@@ -212,6 +213,7 @@ void Velmora::setupScenes()
     /* 11 */ effects->addEffect(new Fader(black, 100, EffectTimer(108.5f, 109.5f)));
     /* 12 */ effects->addEffect(new UnderwaterTunnel(0, EffectTimer(109.0f, 142.5f)));
     /* 13 */ effects->addEffect(new Fader(black, 100, EffectTimer(141.5f, 143.5f)));
+    /* 14 */ effects->addEffect(new TunnelExit(0, EffectTimer(142.5f, 150.5f)));
     /* 15 */ effects->addEffect(new Fader(black, 100, EffectTimer(150.0f, 151.0f)));
     /* 17 */ effects->addEffect(new Fader(white, 100, EffectTimer(168.0f, 169.0f)));
     /* 19 */ effects->addEffect(new Fader(black, 100, EffectTimer(199.5f, 203.5f)));

@@ -6,6 +6,7 @@
 #include "scenes/LogoContent.h"
 #include "scenes/SharedContent.h"
 #include "scenes/TunnelContent.h"
+#include "scenes/TunnelExitContent.h"
 
 std::vector<std::unique_ptr<ContentUnit>> ContentUnits::all()
 {
@@ -15,6 +16,7 @@ std::vector<std::unique_ptr<ContentUnit>> ContentUnits::all()
     units.emplace_back(new IslandsContent());
     units.emplace_back(new LogoContent());
     units.emplace_back(new TunnelContent());
+    units.emplace_back(new TunnelExitContent());
     return units;
 }
 
