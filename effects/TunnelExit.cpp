@@ -298,6 +298,8 @@ void TunnelExit::drawLight(const Camera& camera)
     glRotatef(tilt, 1.0f, 0.0f, 0.0f);
     if (lightMaterial)
         lightMaterial->bind();
+    // The rim's row must not be blended with the middle's across the picture's edge.
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     dome.draw(DOME_SLICES, DOME_STACKS);
     if (lightMaterial)
         lightMaterial->unbind();

@@ -4,6 +4,7 @@
 #include "config/VariableMgr.h"
 #include "effects/Credit.h"
 #include "effects/Fader.h"
+#include "effects/FlipperLand.h"
 #include "effects/Greetings.h"
 #include "effects/Islands.h"
 #include "effects/Logo.h"
@@ -215,6 +216,7 @@ void Velmora::setupScenes()
     /* 13 */ effects->addEffect(new Fader(black, 100, EffectTimer(141.5f, 143.5f)));
     /* 14 */ effects->addEffect(new TunnelExit(0, EffectTimer(142.5f, 150.5f)));
     /* 15 */ effects->addEffect(new Fader(black, 100, EffectTimer(150.0f, 151.0f)));
+    /* 16 */ effects->addEffect(new FlipperLand(0, EffectTimer(150.5f, 168.5f)));
     /* 17 */ effects->addEffect(new Fader(white, 100, EffectTimer(168.0f, 169.0f)));
     /* 19 */ effects->addEffect(new Fader(black, 100, EffectTimer(199.5f, 203.5f)));
     /* 23 */ effects->addEffect(new Swirl(0, EffectTimer(259.5f, 289.5f)));

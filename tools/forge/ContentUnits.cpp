@@ -2,6 +2,7 @@
 #include "ContentUnits.h"
 
 #include "scenes/CreditsContent.h"
+#include "scenes/FlipperLandContent.h"
 #include "scenes/IslandsContent.h"
 #include "scenes/LogoContent.h"
 #include "scenes/SharedContent.h"
@@ -17,6 +18,7 @@ std::vector<std::unique_ptr<ContentUnit>> ContentUnits::all()
     units.emplace_back(new LogoContent());
     units.emplace_back(new TunnelContent());
     units.emplace_back(new TunnelExitContent());
+    units.emplace_back(new FlipperLandContent());
     return units;
 }
 

@@ -1,0 +1,143 @@
+// The flipper land: its camera swings round the play, a start with and without its data, and the play running on the forged land.
+#include "effects/FlipperLand.h"
+
+#include "gl/GLEXT.h"
+#include "scene/CameraMgr.h"
+#include "scene/LightMgr.h"
+#include "support/GLContext.h"
+#include "texture/TextureMaterial.h"
+#include "texture/TextureMgr.h"
+
+#include <GL/gl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+using namespace FlipperLandLayout;
+
+const EffectTimer SPAN(150.5f, 168.5f);
+
+}  // namespace
+
+// Always outside the land and above it, looking down at the play, and round it over the scene.
+TEST(FlipperLandCamera, SwingsRoundThePlayFromOutsideAndAbove)
+{
+    float turned = 0.0f;
+    Vector3 last = FlipperLand::cameraAt(0.0f);
+    for (float t = 0.05f; t <= static_cast<float>(SECONDS); t += 0.05f) {
+        const Vector3 eye = FlipperLand::cameraAt(t);
+        const Vector3 look = FlipperLand::targetAt(t) - eye;
+        ASSERT_GT(std::sqrt(eye.x * eye.x + eye.z * eye.z), HALF_SIZE * 0.9f) << t;
+        ASSERT_GT(eye.y, 7.0f) << t;
+        ASSERT_LT(look.y, 0.0f) << t;
+        turned += std::atan2(last.x * eye.z - last.z * eye.x, last.x * eye.x + last.z * eye.z);
+        last = eye;
+    }
+    EXPECT_GT(std::fabs(turned), 3.14159f);
+}
+
+// The paddles of a station straddle its lane, hinged outside the hollow and pointing into it.
+TEST(FlipperLandPaddles, PairUpAcrossEachHollow)
+{
+    for (int station = 0; station < STATION_COUNT; ++station) {
+        Vector3 hinges[2];
+        Vector3 along[2];
+        for (int side = 0; side < 2; ++side)
+            FlipperLand::paddlePlace(station, side, hinges[side], along[side]);
+        const Vector3& at = STATIONS[station];
+        for (int side = 0; side < 2; ++side) {
+            EXPECT_NEAR(along[side].length(), 1.0f, 1e-5f);
+            const Vector3 toHollow = at - hinges[side];
+            EXPECT_GT(along[side].dot(toHollow), 0.0f);
+            EXPECT_GT(hinges[side].length(), at.length());
+        }
+        EXPECT_NEAR((hinges[0] - at).length(), (hinges[1] - at).length(), 1e-4f);
+    }
+}
+
+namespace {
+
+class FlipperLandTest : public GLTest {
+protected:
+    void SetUp() override
+    {
+        GLTest::SetUp();
+        GLEXT::bindAll();
+        if (TextureMgr::getHandle()->getLoaderCount() == 0)
+            TextureMgr::getHandle()->registerStandardLoaders();
+    }
+    void TearDown() override
+    {
+        CameraMgr::getHandle()->remove("FlipperCamera");
+        GLTest::TearDown();
+    }
+};
+
+}  // namespace
+
+TEST_F(FlipperLandTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
+{
+    char dir[] = "/tmp/flipperland-empty-XXXXXX";
+    ASSERT_NE(mkdtemp(dir), nullptr);
+    char* previous = getcwd(nullptr, 0);
+    ASSERT_EQ(chdir(dir), 0);
+    testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
+    {
+        FlipperLand land(0, SPAN);
+        land.initiate();
+        EXPECT_FALSE(land.getLand().isCreated());
+        for (int i = 0; i < 20; ++i) {
+            land.update(0.25f);
+            land.display();
+        }
+        land.shutdown();
+    }
+    const std::string out = testing::internal::GetCapturedStdout();
+    const std::string errors = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(chdir(previous), 0);
+    std::free(previous);
+    rmdir(dir);
+    for (const char* file : {LAND, PADDLE_MESH, BUMPER_MESH, CAP_MESH, BALL_MESH, FIELD.file, SKY.file, SHINE.file,
+                             SHADOW.file, "data/img/particle.png"}) {
+        const std::string line = std::string("FlipperLand: couldn't load '") + file + "'\n";
+        const size_t first = errors.find(line);
+        EXPECT_NE(first, std::string::npos) << line << errors;
+        EXPECT_EQ(errors.find(line, first + 1), std::string::npos) << line;
+    }
+    EXPECT_EQ(out.find("OpenGL ERROR"), std::string::npos) << out;
+}
+
+// The capture program's scene-coverage run checks that the loaded scene draws; here the play runs on the forged land.
+TEST_F(FlipperLandTest, WithItsDataTheLandHeavesAndThePlayPlaysOnIt)
+{
+    if (access(LAND, R_OK) != 0)
+        GTEST_SKIP() << "no forged data tree in the working directory";
+    testing::internal::CaptureStderr();
+    FlipperLand land(0, SPAN);
+    land.initiate();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    ASSERT_TRUE(land.getLand().isCreated());
+    EXPECT_EQ(land.getLand().getNumPatches(), PATCHES * PATCHES);
+    for (int piece = 0; piece < FlipperLand::PIECE_COUNT; ++piece)
+        EXPECT_NE(land.getPiece(static_cast<FlipperLand::Piece>(piece)), nullptr) << piece;
+    ASSERT_NE(land.getFieldMaterial(), nullptr);
+    EXPECT_NE(land.getFieldMaterial()->getTexture(), nullptr);
+    for (int frame = 0; frame < 18 * 30; ++frame)
+        land.update(1.0f / 30.0f);
+    land.display();
+    EXPECT_GT(land.getLand().getDrawnPatches(), 0);
+    EXPECT_GE(land.getPlay().getLaunches(), 8);
+    EXPECT_GE(land.getPlay().getBumperHits(), 3);
+    for (int i = 0; i < FlipperPlay::BALL_COUNT; ++i) {
+        float clearance = 0.0f;
+        ASSERT_TRUE(land.getPlay().getBall(i).clearance(land.getLand(), clearance)) << i;
+        EXPECT_GE(clearance, -1e-3f) << i;
+    }
+    land.shutdown();
+    EXPECT_EQ(LightMgr::getHandle()->find("FlipperSun"), nullptr);
+}
