@@ -40,8 +40,8 @@ const char* const PIECE_FILES[FlipperLand::PIECE_COUNT] = {PADDLE_MESH, BUMPER_M
 const Color HAZE(0.62f, 0.88f, 1.0f, 1.0f);
 const float SKY_RADIUS = 300.0f;
 // The land's swells, the ring each kick sends out from the middle, and the still rim.
-const BezierAnim::Wave WAVES[] = {{1.0f, 0.3f, 22.0f, 4.0f, 0.45f}, {-0.4f, 1.0f, 15.0f, 3.0f, 0.3f}};
-const BezierAnim::Ripple KICK_RIPPLE = {0.6f, 2.5f, 14.0f, 1.2f};
+const BezierAnim::Wave WAVES[] = {{1.0f, 0.3f, 22.0f, 4.0f, 0.7f}, {-0.4f, 1.0f, 15.0f, 3.0f, 0.45f}};
+const BezierAnim::Ripple KICK_RIPPLE = {0.9f, 3.0f, 14.0f, 1.2f};
 const float STILL_RIM = 5.0f;
 // Paddles are hinged on the outer side of their hollow, a pair astride the lane.
 const float HINGE_OUT = 2.9f;

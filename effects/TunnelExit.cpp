@@ -11,6 +11,7 @@
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
+#include "scene/Lin3Track.h"
 #include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
 #include "scene/Octree.h"
@@ -32,6 +33,7 @@ const char* const ROCK_MATERIAL = "ExitRock";
 const char* const LIGHT_MATERIAL = "ExitLight";
 const char* const RAY_MATERIAL = "ExitRay";
 const char* const SHIP_MATERIAL = "ShipExitMaterial";
+const char* const MOTE_MATERIAL = "ExitMote";
 const char* const LIGHT1_NAME = "ExitLight1";
 const char* const LIGHT2_NAME = "ExitLight2";
 
@@ -96,7 +98,8 @@ Color mix(const Color& a, const Color& b, float t)
 TunnelExit::TunnelExit(short layer, const EffectTimer& timer)
     : Effect(layer, timer), fogColour(DEEP), fogDensity(DEEP_DENSITY), dome(DOME_RADIUS), tunnel(nullptr),
       slab(nullptr), ship(nullptr), shipAnimation(nullptr), cameraAnimation(nullptr), rockMaterial(nullptr),
-      lightMaterial(nullptr), rayMaterial(nullptr), slabFrame()
+      lightMaterial(nullptr), rayMaterial(nullptr), moteMaterial(nullptr), motes(), moteCount(0), slabList(0),
+      slabFrame()
 {
     // Columns SIDE, UP and -AXIS: the slab is built running back along its local z, so this is
     // a turn and not a mirror image, and its faces keep their sides.
@@ -215,6 +218,13 @@ void TunnelExit::loadTunnel()
     tunnel = SceneKit::loadOrReport<Octree>(SCENE, OCTREE);
     delete slab;
     slab = SceneKit::loadOrReport<Mesh>(SCENE, SLAB_MESH);
+    if (!slab)
+        return;
+    // Drawn thirty-two times a frame: sent to GL once.
+    slabList = glGenLists(1);
+    glNewList(slabList, GL_COMPILE);
+    slab->draw(Mesh::drawTextured);
+    glEndList();
 }
 
 void TunnelExit::loadShip()
@@ -252,6 +262,22 @@ void TunnelExit::loadCamera()
         return;
     cameraAnimation->setup();
     cameraAnimation->setCamera(CAMERA_NAME);
+    scatterMotes();
+}
+
+void TunnelExit::scatterMotes()
+{
+    // Beside the camera's own path, so they pass close by, and a little beyond its end.
+    const Lin3Track* path = cameraAnimation->getPositionTrack();
+    const float last = static_cast<float>(cameraAnimation->getLastFrame());
+    moteCount = path ? static_cast<int>(MOTE_COUNT) : 0;
+    for (int i = 0; i < moteCount; ++i) {
+        const float along = last * (static_cast<float>(i) + slabNumber(i, 0, 4)) / static_cast<float>(MOTE_COUNT);
+        const float angle = MathConstants::TWO_PI * slabNumber(i, 1, 5);
+        const float reach = 1.2f + 5.5f * slabNumber(i, 2, 6);
+        const Vector3 aside = SIDE * std::cos(angle) + UP * std::sin(angle);
+        motes[i] = path->evaluate(along) + aside * reach + AXIS * (8.0f * slabNumber(i, 3, 7));
+    }
 }
 
 void TunnelExit::loadMaterials()
@@ -269,6 +295,8 @@ void TunnelExit::loadMaterials()
     }
     lightMaterial = SceneKit::findOrMakeMaterial(SCENE, LIGHT_MATERIAL, LIGHT, Material::textured, Material::blendNone);
     rayMaterial = SceneKit::findOrMakeMaterial(SCENE, RAY_MATERIAL, RAY, Material::overlay, Material::blendAdd);
+    moteMaterial = SceneKit::findOrMakeMaterial(SCENE, MOTE_MATERIAL, SharedLayout::PARTICLE, Material::overlay,
+                                                Material::blendGlow);
 }
 
 void TunnelExit::update(float seconds)
@@ -317,7 +345,7 @@ void TunnelExit::drawTunnel(const Camera& camera)
 
 void TunnelExit::drawSlabs(const Camera& camera)
 {
-    if (!slab || !slab->preLoad(Mesh::drawTextured))
+    if (!slabList)
         return;
     const float t = getTime();
     const Frustum& frustum = camera.getFrustum();
@@ -345,14 +373,13 @@ void TunnelExit::drawSlabs(const Camera& camera)
             glTranslatef(base.x, base.y, base.z);
             glMultMatrixf(slabFrame);
             glRotatef(degreesPerSector * static_cast<float>(sector), 0.0f, 0.0f, 1.0f);
-            slab->drawLoaded();
+            glCallList(slabList);
             glPopMatrix();
         }
     }
     glMatrixMode(GL_TEXTURE);
     glPopMatrix();
     glMatrixMode(GL_MODELVIEW);
-    slab->postUnload(Mesh::drawTextured);
 }
 
 void TunnelExit::drawShip()
@@ -365,6 +392,38 @@ void TunnelExit::drawShip()
     ship->draw(Mesh::drawShaded);
     glFrontFace(GL_CCW);
     glPopMatrix();
+}
+
+void TunnelExit::drawMotes(const Camera& camera)
+{
+    if (!moteMaterial || moteCount == 0)
+        return;
+    // Specks add light: faded towards black, not towards the fog's colour.
+    static const float black[4] = {0.0f, 0.0f, 0.0f, 0.0f};
+    glFogfv(GL_FOG_COLOR, black);
+    const float light = brightness(getTime());
+    const Vector3& right = camera.getU();
+    const Vector3& up = camera.getV();
+    const Frustum& frustum = camera.getFrustum();
+    moteMaterial->bind();
+    glBegin(GL_QUADS);
+    for (int i = 0; i < moteCount; ++i) {
+        const float size = 0.14f + 0.16f * slabNumber(i, 4, 8);
+        if (!frustum.isSphereInside(motes[i], size))
+            continue;
+        const float glow = 0.5f + 0.5f * light;
+        glColor4f(glow * (0.55f + 0.45f * light), glow, glow, 0.9f);
+        const float corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
+        for (const auto& c : corners) {
+            const Vector3 q = motes[i] + right * (c[0] * size) + up * (c[1] * size);
+            glTexCoord2f(0.5f + 0.5f * c[0], 0.5f + 0.5f * c[1]);
+            glVertex3f(q.x, q.y, q.z);
+        }
+    }
+    glEnd();
+    moteMaterial->unbind();
+    const float fog[4] = {fogColour.r, fogColour.g, fogColour.b, 1.0f};
+    glFogfv(GL_FOG_COLOR, fog);
 }
 
 void TunnelExit::drawRays(const Camera& camera)
@@ -461,6 +520,7 @@ void TunnelExit::display()
         lights->turnLightingOff();
         // After the walls, so the depth test spares the light every pixel the rock covers.
         drawLight(*camera);
+        drawMotes(*camera);
         drawRays(*camera);
         lights->turnLightingOn();
     }
@@ -486,10 +546,15 @@ void TunnelExit::release()
     rockMaterial = nullptr;
     lightMaterial = nullptr;
     rayMaterial = nullptr;
+    moteMaterial = nullptr;
+    moteCount = 0;
 }
 
 void TunnelExit::shutdown()
 {
+    if (slabList)
+        glDeleteLists(slabList, 1);
+    slabList = 0;
     release();
     glDisable(GL_FOG);
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);

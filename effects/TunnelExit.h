@@ -17,7 +17,7 @@ class TextureMaterial;
 
 class TunnelExit : public Effect {
 public:
-    enum { SLAB_COUNT = TunnelExitLayout::RINGS * TunnelExitLayout::SECTORS, RAY_COUNT = 14 };
+    enum { SLAB_COUNT = TunnelExitLayout::RINGS * TunnelExitLayout::SECTORS, RAY_COUNT = 14, MOTE_COUNT = 120 };
 
     // Where a slab of the breaking stretch is at t seconds into the scene: moved by `offset`
     // (world units) and turned by `angle` degrees about `axis` through its own middle.
@@ -56,6 +56,7 @@ public:
     const MeshAnimation* getShipAnimation() const { return shipAnimation; }
     const CameraAnimation* getCameraAnimation() const { return cameraAnimation; }
     const MulTextureMaterial* getRockMaterial() const { return rockMaterial; }
+    int getMoteCount() const { return moteCount; }
 
 private:
     void setupFog();
@@ -67,6 +68,8 @@ private:
     void drawTunnel(const Camera& camera);
     void drawSlabs(const Camera& camera);
     void drawShip();
+    void scatterMotes();
+    void drawMotes(const Camera& camera);
     void drawRays(const Camera& camera);
     void drawFlash();
     void release();
@@ -82,6 +85,11 @@ private:
     MulTextureMaterial* rockMaterial;
     TextureMaterial* lightMaterial;
     TextureMaterial* rayMaterial;
+    TextureMaterial* moteMaterial;
+    // Specks drifting in the water along the flight, which streak past as the camera races.
+    Vector3 motes[MOTE_COUNT];
+    int moteCount;
+    unsigned int slabList;
     // The turn from the tube's frame to the slabs', as GL takes it, made once.
     float slabFrame[16];
 };

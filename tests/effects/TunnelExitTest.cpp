@@ -161,6 +161,7 @@ TEST_F(TunnelExitTest, WithItsDataEverythingLoadsAndIsWiredTogether)
     ASSERT_NE(exit.getCameraAnimation(), nullptr);
     EXPECT_EQ(exit.getCameraAnimation()->getCamera(), CameraMgr::getHandle()->find(CAMERA_NAME));
     ASSERT_NE(exit.getRockMaterial(), nullptr);
+    EXPECT_EQ(exit.getMoteCount(), TunnelExit::MOTE_COUNT);
     // The fog starts as the tunnel's and has turned white-blue by the end.
     EXPECT_FLOAT_EQ(exit.getFogColour().b, 0.2f);
     exit.update(static_cast<float>(SECONDS));

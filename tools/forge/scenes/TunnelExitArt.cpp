@@ -66,8 +66,10 @@ Image TunnelExitArt::light() const
         const double sun = Maths::exp(-(v / 0.07) * (v / 0.07));
         // The surface's ripples, seen from below: a net of bright threads over the whole window,
         // thinning out towards its edge.
-        const Noise::Cells cells = noise.cellular(u * 24.0, v * 10.0 + 0.3 * noise.fbm(u * 8.0, v * 4.0, 8, 2), 24);
-        const double thread = 1.0 - Maths::smoothstep(0.0, 0.12, cells.f2 - cells.f1);
+        const double warpU = 0.6 * noise.fbm(u * 12.0, v * 6.0, 12, 3);
+        const double warpV = 0.6 * noise.fbm(u * 12.0 + 3.0, v * 6.0, 12, 3);
+        const Noise::Cells cells = noise.cellular(u * 48.0 + warpU, v * 22.0 + warpV, 48);
+        const double thread = Maths::pow(1.0 - Maths::smoothstep(0.0, 0.16, cells.f2 - cells.f1), 2.0);
         const double band = Maths::smoothstep(0.04, 0.12, v) * Maths::smoothstep(0.62, 0.3, v);
         c = ColourMath::mix(c, white, 0.7 * thread * band);
         c = ColourMath::mix(c, white, sun);
