@@ -94,10 +94,12 @@ FlipperLand::~FlipperLand()
 
 Vector3 FlipperLand::cameraAt(float t)
 {
-    // Round the land once and a bit over the scene, swinging in and out, dipping and climbing.
-    const float angle = (40.0f + 16.0f * t) * MathConstants::DEGREES_TO_RADIANS;
-    const float radius = 27.0f - 4.0f * std::sin(0.4f * t);
-    const float height = 12.5f + 3.5f * std::cos(0.55f * t);
+    // Round the land once and a bit over the scene, swinging in and out, dipping and climbing,
+    // with one low swoop past the hollows in the middle of the section.
+    const float swoop = std::exp(-(t - 10.5f) * (t - 10.5f) / 5.0f);
+    const float angle = (40.0f + 16.0f * t + 25.0f * swoop) * MathConstants::DEGREES_TO_RADIANS;
+    const float radius = 27.0f - 4.0f * std::sin(0.4f * t) - 3.0f * swoop;
+    const float height = 12.5f + 3.5f * std::cos(0.55f * t) - 4.5f * swoop;
     return Vector3(radius * std::cos(angle), height, radius * std::sin(angle));
 }
 

@@ -10,11 +10,13 @@
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
+#include "scene/FaceArray.h"
 #include "scene/LightMgr.h"
 #include "scene/Lin3Track.h"
 #include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
 #include "scene/Octree.h"
+#include "scene/VertexArray.h"
 #include "texture/MaterialMgr.h"
 #include "texture/MulTextureMaterial.h"
 #include "texture/TextureMaterial.h"
@@ -45,6 +47,9 @@ const float SURFACE_DENSITY = 0.03f;
 const float DOME_RADIUS = 400.0f;
 const int DOME_SLICES = 32;
 const int DOME_STACKS = 12;
+// The dome's middle, down to this elevation: what the mouth shows from inside.
+const float CAP_FROM = 50.0f;
+const int CAP_STACKS = 4;
 
 // The slabs start trembling this long before the hit and are thrown clear after it.
 const float TREMBLE = 1.5f;
@@ -99,7 +104,7 @@ TunnelExit::TunnelExit(short layer, const EffectTimer& timer)
     : Effect(layer, timer), fogColour(DEEP), fogDensity(DEEP_DENSITY), dome(DOME_RADIUS), tunnel(nullptr),
       slab(nullptr), ship(nullptr), shipAnimation(nullptr), cameraAnimation(nullptr), rockMaterial(nullptr),
       lightMaterial(nullptr), rayMaterial(nullptr), moteMaterial(nullptr), motes(), moteCount(0), slabList(0),
-      slabFrame()
+      shipList(0), domeList(0), capList(0), slabFrame()
 {
     // Columns SIDE, UP and -AXIS: the slab is built running back along its local z, so this is
     // a turn and not a mirror image, and its faces keep their sides.
@@ -199,6 +204,7 @@ void TunnelExit::initiate()
     loadShip();
     loadCamera();
     loadMaterials();
+    compileLists();
     SceneKit::directionalLight(LIGHT1_NAME, SURFACE_LIGHT);
     SceneKit::directionalLight(LIGHT2_NAME, DEEP_LIGHT);
 }
@@ -216,14 +222,88 @@ void TunnelExit::loadTunnel()
 {
     delete tunnel;
     tunnel = SceneKit::loadOrReport<Octree>(SCENE, OCTREE);
+    if (tunnel && tunnel->isComplete())
+        compileLeaves(tunnel->getRoot());
     delete slab;
     slab = SceneKit::loadOrReport<Mesh>(SCENE, SLAB_MESH);
-    if (!slab)
+}
+
+void TunnelExit::compileLeaves(const OctreeNode* node)
+{
+    if (node->hasChildren()) {
+        for (int i = 0; i < OctreeNode::NUM_CHILDREN; ++i)
+            compileLeaves(node->getChild(i));
         return;
-    // Drawn thirty-two times a frame: sent to GL once.
-    slabList = glGenLists(1);
-    glNewList(slabList, GL_COMPILE);
-    slab->draw(Mesh::drawTextured);
+    }
+    if (node->getNumFaces() <= 0)
+        return;
+    // One begin and end for the whole leaf: the octree's own drawing pays them per triangle.
+    const VertexArray& vertices = *tunnel->getVertices();
+    const FaceArray& faces = *tunnel->getFaces();
+    const uint32_t vertexCount = static_cast<uint32_t>(vertices.getNumVertices());
+    const Leaf leaf = {node->getCentre(), node->getRadius(), glGenLists(1)};
+    glNewList(leaf.list, GL_COMPILE);
+    glBegin(GL_TRIANGLES);
+    for (int i = 0; i < node->getNumFaces(); ++i) {
+        const uint32_t index = node->getFaceIndex(i);
+        if (index >= static_cast<uint32_t>(faces.getNumFaces()))
+            continue;
+        const Face& face = faces[static_cast<int>(index)];
+        // A damaged file may name vertices that are not there.
+        if (face.indices[0] >= vertexCount || face.indices[1] >= vertexCount || face.indices[2] >= vertexCount)
+            continue;
+        for (int k = 0; k < 3; ++k) {
+            const Vertex& v = vertices[static_cast<int>(face.indices[k])];
+            glNormal3f(v.normal.x, v.normal.y, v.normal.z);
+            glTexCoord2f(v.uv.x, v.uv.y);
+            glVertex3f(v.position.x, v.position.y, v.position.z);
+        }
+    }
+    glEnd();
+    glEndList();
+    leaves.push_back(leaf);
+}
+
+void TunnelExit::compileLists()
+{
+    // What is drawn every frame and never changes is sent to GL once: the slab (thirty-two
+    // times a frame), the ship in its material, and the dome.
+    if (slab) {
+        slabList = glGenLists(1);
+        glNewList(slabList, GL_COMPILE);
+        slab->draw(Mesh::drawTextured);
+        glEndList();
+    }
+    if (ship) {
+        shipList = glGenLists(1);
+        glNewList(shipList, GL_COMPILE);
+        ship->draw(Mesh::drawShaded);
+        glEndList();
+    }
+    domeList = glGenLists(1);
+    glNewList(domeList, GL_COMPILE);
+    dome.draw(DOME_SLICES, DOME_STACKS);
+    glEndList();
+    capList = glGenLists(1);
+    glNewList(capList, GL_COMPILE);
+    glPushAttrib(GL_ENABLE_BIT);
+    glDisable(GL_CULL_FACE);
+    for (int stack = 0; stack < CAP_STACKS; ++stack) {
+        const float low = CAP_FROM + (90.0f - CAP_FROM) * static_cast<float>(stack) / CAP_STACKS;
+        const float high = CAP_FROM + (90.0f - CAP_FROM) * static_cast<float>(stack + 1) / CAP_STACKS;
+        glBegin(GL_QUAD_STRIP);
+        for (int slice = 0; slice <= DOME_SLICES; ++slice) {
+            const float turns = static_cast<float>(slice) / static_cast<float>(DOME_SLICES);
+            for (float elevation : {high, low}) {
+                const Vector3 p = dome.point(turns, elevation);
+                const Vector2 uv = Hemisphere::texCoord(turns, elevation);
+                glTexCoord2f(uv.x, uv.y);
+                glVertex3f(p.x, p.y, p.z);
+            }
+        }
+        glEnd();
+    }
+    glPopAttrib();
     glEndList();
 }
 
@@ -328,7 +408,8 @@ void TunnelExit::drawLight(const Camera& camera)
         lightMaterial->bind();
     // The rim's row must not be blended with the middle's across the picture's edge.
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    dome.draw(DOME_SLICES, DOME_STACKS);
+    // Until the walls start to crack, only the mouth lets the light in.
+    glCallList(getTime() < static_cast<float>(HIT) - TREMBLE ? capList : domeList);
     if (lightMaterial)
         lightMaterial->unbind();
     glPopMatrix();
@@ -338,8 +419,10 @@ void TunnelExit::drawLight(const Camera& camera)
 
 void TunnelExit::drawTunnel(const Camera& camera)
 {
-    if (tunnel)
-        tunnel->render(camera, OCTREE_RENDER_DEFAULT);
+    const Frustum& frustum = camera.getFrustum();
+    for (const Leaf& leaf : leaves)
+        if (frustum.isSphereInside(leaf.centre, leaf.radius))
+            glCallList(leaf.list);
     drawSlabs(camera);
 }
 
@@ -384,12 +467,12 @@ void TunnelExit::drawSlabs(const Camera& camera)
 
 void TunnelExit::drawShip()
 {
-    if (!ship || !shipAnimation)
+    if (!shipList || !shipAnimation)
         return;
     glPushMatrix();
     shipAnimation->setMatrix();
     glFrontFace(GL_CW);
-    ship->draw(Mesh::drawShaded);
+    glCallList(shipList);
     glFrontFace(GL_CCW);
     glPopMatrix();
 }
@@ -552,9 +635,14 @@ void TunnelExit::release()
 
 void TunnelExit::shutdown()
 {
-    if (slabList)
-        glDeleteLists(slabList, 1);
-    slabList = 0;
+    for (unsigned int* list : {&slabList, &shipList, &domeList, &capList}) {
+        if (*list)
+            glDeleteLists(*list, 1);
+        *list = 0;
+    }
+    for (const Leaf& leaf : leaves)
+        glDeleteLists(leaf.list, 1);
+    leaves.clear();
     release();
     glDisable(GL_FOG);
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);

@@ -7,12 +7,15 @@
 #include "runtime/Effect.h"
 #include "scene/Hemisphere.h"
 
+#include <vector>
+
 class Camera;
 class CameraAnimation;
 class Mesh;
 class MeshAnimation;
 class MulTextureMaterial;
 class Octree;
+class OctreeNode;
 class TextureMaterial;
 
 class TunnelExit : public Effect {
@@ -57,6 +60,7 @@ public:
     const CameraAnimation* getCameraAnimation() const { return cameraAnimation; }
     const MulTextureMaterial* getRockMaterial() const { return rockMaterial; }
     int getMoteCount() const { return moteCount; }
+    int getLeafCount() const { return static_cast<int>(leaves.size()); }
 
 private:
     void setupFog();
@@ -64,6 +68,8 @@ private:
     void loadShip();
     void loadCamera();
     void loadMaterials();
+    void compileLeaves(const OctreeNode* node);
+    void compileLists();
     void drawLight(const Camera& camera);
     void drawTunnel(const Camera& camera);
     void drawSlabs(const Camera& camera);
@@ -74,10 +80,18 @@ private:
     void drawFlash();
     void release();
 
+    // The octree's leaves, each sent to GL once as a display list and culled by its sphere.
+    struct Leaf {
+        Vector3 centre;
+        float radius;
+        unsigned int list;
+    };
+
     Color fogColour;
     float fogDensity;
     Hemisphere dome;
     Octree* tunnel;
+    std::vector<Leaf> leaves;
     Mesh* slab;
     Mesh* ship;
     MeshAnimation* shipAnimation;
@@ -90,6 +104,10 @@ private:
     Vector3 motes[MOTE_COUNT];
     int moteCount;
     unsigned int slabList;
+    unsigned int shipList;
+    // The whole dome, and only its middle: all that shows through the mouth until the walls crack.
+    unsigned int domeList;
+    unsigned int capList;
     // The turn from the tube's frame to the slabs', as GL takes it, made once.
     float slabFrame[16];
 };

@@ -155,6 +155,7 @@ TEST_F(TunnelExitTest, WithItsDataEverythingLoadsAndIsWiredTogether)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     ASSERT_NE(exit.getTunnel(), nullptr);
     EXPECT_TRUE(exit.getTunnel()->isComplete());
+    EXPECT_GT(exit.getLeafCount(), 4);
     EXPECT_NE(exit.getSlab(), nullptr);
     ASSERT_NE(exit.getShipAnimation(), nullptr);
     EXPECT_EQ(exit.getShipAnimation()->getMesh(), exit.getShip());
@@ -168,5 +169,6 @@ TEST_F(TunnelExitTest, WithItsDataEverythingLoadsAndIsWiredTogether)
     EXPECT_GT(exit.getFogColour().r, 0.75f);
     exit.shutdown();
     EXPECT_EQ(exit.getTunnel(), nullptr);
+    EXPECT_EQ(exit.getLeafCount(), 0);
     EXPECT_EQ(LightMgr::getHandle()->find("ExitLight1"), nullptr);
 }
