@@ -61,6 +61,8 @@ expect damaged "Unable to load bird 1"
 expect damaged "Unable to load ship animation"
 expect damaged "UNABLE TO LOAD data/3d/leaf.msh"
 expect damaged "Couldn't load 'data/3d/camera_islands.cam'"
+expect damaged "TunnelExit: couldn't load 'data/3d/tunnelexit.oct'"
+expect damaged "FlipperLand: couldn't load 'data/banim-1.bez'"
 
 if [ "$failures" -ne 0 ]; then
     echo "schedule: $failures failure(s)"
