@@ -39,6 +39,8 @@ const char* const PIECE_FILES[FlipperLand::PIECE_COUNT] = {PADDLE_MESH, BUMPER_M
 // The haze below the sky's rim, matching its horizon.
 const Color HAZE(0.62f, 0.88f, 1.0f, 1.0f);
 const float SKY_RADIUS = 300.0f;
+// The dome's rim sits this far below the camera: the haze under it stays out of sight.
+const float SKY_DROP = 20.0f;
 // The land's swells, the ring each kick sends out from the middle, and the still rim.
 const BezierAnim::Wave WAVES[] = {{1.0f, 0.3f, 22.0f, 4.0f, 0.7f}, {-0.4f, 1.0f, 15.0f, 3.0f, 0.45f}};
 const BezierAnim::Ripple KICK_RIPPLE = {0.9f, 3.0f, 14.0f, 1.2f};
@@ -230,7 +232,7 @@ void FlipperLand::drawSky(const Camera& camera)
     glDepthMask(GL_FALSE);
     glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     glPushMatrix();
-    glTranslatef(eye.x, eye.y - 20.0f, eye.z);
+    glTranslatef(eye.x, eye.y - SKY_DROP, eye.z);
     if (skyMaterial)
         skyMaterial->bind();
     // The horizon's row must not be blended with the zenith's across the picture's edge.

@@ -1,6 +1,7 @@
 // The tunnel exit: the light's timing against the song, the walls' burst, a start with and without its data.
 #include "effects/TunnelExit.h"
 
+#include "MissingData.h"
 #include "gl/GLEXT.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
@@ -16,7 +17,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 
 namespace {
@@ -109,12 +109,8 @@ protected:
 
 TEST_F(TunnelExitTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
 {
-    char dir[] = "/tmp/tunnelexit-empty-XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    char* previous = getcwd(nullptr, 0);
-    ASSERT_EQ(chdir(dir), 0);
-    testing::internal::CaptureStderr();
-    testing::internal::CaptureStdout();
+    MissingData nothing;
+    ASSERT_TRUE(nothing.entered());
     {
         TunnelExit exit(0, SPAN);
         exit.initiate();
@@ -128,20 +124,11 @@ TEST_F(TunnelExitTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
         exit.shutdown();
         EXPECT_FALSE(glIsEnabled(GL_FOG));
     }
-    const std::string out = testing::internal::GetCapturedStdout();
-    const std::string errors = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(chdir(previous), 0);
-    std::free(previous);
-    rmdir(dir);
+    nothing.finish();
     for (const char* file : {OCTREE, SLAB_MESH, SHIP_PATH, CAMERA_PATH, "data/3d/ship.msh", ROCK.file, CAUSTICS.file,
-                             LIGHT.file, RAY.file, "data/img/ship.png"}) {
-        const std::string line = std::string("TunnelExit: couldn't load '") + file + "'\n";
-        const size_t first = errors.find(line);
-        EXPECT_NE(first, std::string::npos) << line << errors;
-        // Said once, not at every frame.
-        EXPECT_EQ(errors.find(line, first + 1), std::string::npos) << line;
-    }
-    EXPECT_EQ(out.find("OpenGL ERROR"), std::string::npos) << out;
+                             LIGHT.file, RAY.file, "data/img/ship.png", "data/img/particle.png"})
+        EXPECT_TRUE(nothing.saidOnce("TunnelExit", file));
+    EXPECT_EQ(nothing.getOutput().find("OpenGL ERROR"), std::string::npos) << nothing.getOutput();
 }
 
 // The capture program's scene-coverage run checks that the loaded scene draws.
