@@ -85,8 +85,9 @@ float smoothstep(float from, float to, float x)
 // A fixed number in [0, 1) for a slab and a purpose: every run throws the walls the same way.
 float slabNumber(int ring, int sector, uint32_t purpose)
 {
+    // Unsigned throughout: the products wrap by design.
     uint32_t h =
-        static_cast<uint32_t>(ring * 73856093) ^ static_cast<uint32_t>(sector * 19349663) ^ (purpose * 83492791u);
+        static_cast<uint32_t>(ring) * 73856093u ^ static_cast<uint32_t>(sector) * 19349663u ^ purpose * 83492791u;
     h ^= h >> 13;
     h *= 0x5bd1e995u;
     h ^= h >> 15;
@@ -280,31 +281,36 @@ void TunnelExit::compileLists()
         ship->draw(Mesh::drawShaded);
         glEndList();
     }
-    domeList = glGenLists(1);
-    glNewList(domeList, GL_COMPILE);
-    dome.draw(DOME_SLICES, DOME_STACKS);
-    glEndList();
-    capList = glGenLists(1);
-    glNewList(capList, GL_COMPILE);
-    glPushAttrib(GL_ENABLE_BIT);
-    glDisable(GL_CULL_FACE);
-    for (int stack = 0; stack < CAP_STACKS; ++stack) {
-        const float low = CAP_FROM + (90.0f - CAP_FROM) * static_cast<float>(stack) / CAP_STACKS;
-        const float high = CAP_FROM + (90.0f - CAP_FROM) * static_cast<float>(stack + 1) / CAP_STACKS;
-        glBegin(GL_QUAD_STRIP);
-        for (int slice = 0; slice <= DOME_SLICES; ++slice) {
-            const float turns = static_cast<float>(slice) / static_cast<float>(DOME_SLICES);
-            for (float elevation : {high, low}) {
-                const Vector3 p = dome.point(turns, elevation);
-                const Vector2 uv = Hemisphere::texCoord(turns, elevation);
+    domeList = compileDome(0.0f, DOME_STACKS);
+    capList = compileDome(CAP_FROM, CAP_STACKS);
+}
+
+unsigned int TunnelExit::compileDome(float fromElevation, int stacks) const
+{
+    // The hemisphere's quads from the elevation up, as plain triangles: the driver never frees
+    // all of a list that holds quad strips. The caller turns culling off.
+    const unsigned int list = glGenLists(1);
+    glNewList(list, GL_COMPILE);
+    glBegin(GL_TRIANGLES);
+    for (int stack = 0; stack < stacks; ++stack) {
+        const float low = fromElevation + (90.0f - fromElevation) * static_cast<float>(stack) / stacks;
+        const float high = fromElevation + (90.0f - fromElevation) * static_cast<float>(stack + 1) / stacks;
+        for (int slice = 0; slice < DOME_SLICES; ++slice) {
+            const float left = static_cast<float>(slice) / static_cast<float>(DOME_SLICES);
+            const float right = static_cast<float>(slice + 1) / static_cast<float>(DOME_SLICES);
+            const float corners[6][2] = {{left, low}, {right, low},  {right, high},
+                                         {left, low}, {right, high}, {left, high}};
+            for (const auto& c : corners) {
+                const Vector3 p = dome.point(c[0], c[1]);
+                const Vector2 uv = Hemisphere::texCoord(c[0], c[1]);
                 glTexCoord2f(uv.x, uv.y);
                 glVertex3f(p.x, p.y, p.z);
             }
         }
-        glEnd();
     }
-    glPopAttrib();
+    glEnd();
     glEndList();
+    return list;
 }
 
 void TunnelExit::loadShip()
@@ -408,8 +414,10 @@ void TunnelExit::drawLight(const Camera& camera)
         lightMaterial->bind();
     // The rim's row must not be blended with the middle's across the picture's edge.
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    // Until the walls start to crack, only the mouth lets the light in.
+    // Until the walls start to crack, only the mouth lets the light in. Seen from inside.
+    glDisable(GL_CULL_FACE);
     glCallList(getTime() < static_cast<float>(HIT) - TREMBLE ? capList : domeList);
+    glEnable(GL_CULL_FACE);
     if (lightMaterial)
         lightMaterial->unbind();
     glPopMatrix();

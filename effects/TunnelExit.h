@@ -70,6 +70,7 @@ private:
     void loadMaterials();
     void compileLeaves(const OctreeNode* node);
     void compileLists();
+    unsigned int compileDome(float fromElevation, int stacks) const;
     void drawLight(const Camera& camera);
     void drawTunnel(const Camera& camera);
     void drawSlabs(const Camera& camera);
