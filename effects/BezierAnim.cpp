@@ -190,6 +190,10 @@ bool BezierAnim::create(const BezierMesh& mesh, int gridSize)
     buildTables();
     buildIndices();
     const size_t vertices = patches.size() * static_cast<size_t>(perPatch);
+    order.resize(patches.size());
+    for (size_t i = 0; i < order.size(); ++i)
+        order[i] = static_cast<int>(i);
+    distances.assign(patches.size(), 0.0f);
     positions.assign(vertices * 3, 0.0f);
     normals.assign(vertices * 3, 0.0f);
     uvs.assign(vertices * 2, 0.0f);
@@ -402,10 +406,19 @@ void BezierAnim::draw(const Camera* camera)
     glNormalPointer(GL_FLOAT, 0, normals.data());
     glTexCoordPointer(2, GL_FLOAT, 0, uvs.data());
     const int perPatch = 6 * grid * grid;
-    for (size_t p = 0; p < patches.size(); ++p) {
-        if (camera && !camera->getFrustum().isBoxInside(BoundingBox(patches[p].boxLow, patches[p].boxHigh)))
+    if (camera) {
+        // Nearest first, so the depth test turns away the ground behind the hills before it is shaded.
+        const Vector3& eye = camera->getPosition();
+        for (size_t p = 0; p < patches.size(); ++p)
+            distances[p] = ((patches[p].boxLow + patches[p].boxHigh) * 0.5f - eye).length();
+        std::sort(order.begin(), order.end(), [this](int a, int b) { return distances[a] < distances[b]; });
+    }
+    for (int p : order) {
+        const Patch& patch = patches[static_cast<size_t>(p)];
+        if (camera && !camera->getFrustum().isBoxInside(BoundingBox(patch.boxLow, patch.boxHigh)))
             continue;
-        glDrawElements(GL_TRIANGLES, perPatch, GL_UNSIGNED_SHORT, indices.data() + p * static_cast<size_t>(perPatch));
+        glDrawElements(GL_TRIANGLES, perPatch, GL_UNSIGNED_SHORT,
+                       indices.data() + static_cast<size_t>(p) * static_cast<size_t>(perPatch));
         ++drawnPatches;
     }
     glDisableClientState(GL_TEXTURE_COORD_ARRAY);

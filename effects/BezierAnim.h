@@ -110,6 +110,9 @@ private:
     std::vector<float> normals;
     std::vector<float> uvs;
     std::vector<unsigned short> indices;
+    // The order the patches are drawn in, and each one's distance from the camera.
+    std::vector<int> order;
+    std::vector<float> distances;
     // Which patch covers each cell of the ground, or -1.
     std::vector<int> cells;
     int cellsX;

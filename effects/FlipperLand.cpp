@@ -391,12 +391,13 @@ void FlipperLand::drawGlows(const Camera& camera)
 void FlipperLand::display()
 {
     Camera* camera = CameraMgr::getHandle()->getActiveCamera();
-    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
-    land.draw(camera);
-    drawShadows();
+    // The toys before the land: the ground they hide is never shaded. Shadows after, on it.
     drawBumpers();
     drawPaddles();
     drawBalls();
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    land.draw(camera);
+    drawShadows();
     if (camera) {
         drawSky(*camera);
         drawGlows(*camera);

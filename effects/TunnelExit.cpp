@@ -23,6 +23,7 @@
 
 #include <GL/gl.h>
 #include <GL/glext.h>
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -242,7 +243,7 @@ void TunnelExit::compileLeaves(const OctreeNode* node)
     const VertexArray& vertices = *tunnel->getVertices();
     const FaceArray& faces = *tunnel->getFaces();
     const uint32_t vertexCount = static_cast<uint32_t>(vertices.getNumVertices());
-    const Leaf leaf = {node->getCentre(), node->getRadius(), glGenLists(1)};
+    const Leaf leaf = {node->getCentre(), node->getRadius(), glGenLists(1), 0.0f};
     glNewList(leaf.list, GL_COMPILE);
     glBegin(GL_TRIANGLES);
     for (int i = 0; i < node->getNumFaces(); ++i) {
@@ -427,6 +428,11 @@ void TunnelExit::drawLight(const Camera& camera)
 
 void TunnelExit::drawTunnel(const Camera& camera)
 {
+    // Nearest first, so the depth test turns away the hidden rock before it is textured.
+    const Vector3& eye = camera.getPosition();
+    for (Leaf& leaf : leaves)
+        leaf.distance = (leaf.centre - eye).length();
+    std::sort(leaves.begin(), leaves.end(), [](const Leaf& a, const Leaf& b) { return a.distance < b.distance; });
     const Frustum& frustum = camera.getFrustum();
     for (const Leaf& leaf : leaves)
         if (frustum.isSphereInside(leaf.centre, leaf.radius))
@@ -598,6 +604,9 @@ void TunnelExit::display()
     Camera* camera = CameraMgr::getHandle()->getActiveCamera();
     LightMgr* lights = LightMgr::getHandle();
     if (camera) {
+        // The ship first: the rock it hides is never textured.
+        lights->turnLightingOn();
+        drawShip();
         lights->turnLightingOff();
         // The rock is unlit: its pictures carry their own light and shade.
         glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
@@ -606,9 +615,6 @@ void TunnelExit::display()
         drawTunnel(*camera);
         if (rockMaterial)
             rockMaterial->unbind();
-        lights->turnLightingOn();
-        drawShip();
-        lights->turnLightingOff();
         // After the walls, so the depth test spares the light every pixel the rock covers.
         drawLight(*camera);
         drawMotes(*camera);

@@ -86,6 +86,8 @@ private:
         Vector3 centre;
         float radius;
         unsigned int list;
+        // From the camera, this frame.
+        float distance;
     };
 
     Color fogColour;
