@@ -2,6 +2,7 @@
 #include "runtime/Velmora.h"
 
 #include "config/VariableMgr.h"
+#include "effects/CityStreet.h"
 #include "effects/Credit.h"
 #include "effects/Fader.h"
 #include "effects/FlipperLand.h"
@@ -219,6 +220,7 @@ void Velmora::setupScenes()
     /* 16 */ effects->addEffect(new FlipperLand(0, EffectTimer(150.5f, 168.5f)));
     /* 17 */ effects->addEffect(new Fader(white, 100, EffectTimer(168.0f, 169.0f)));
     /* 19 */ effects->addEffect(new Fader(black, 100, EffectTimer(199.5f, 203.5f)));
+    /* 21 */ effects->addEffect(new CityStreet(0, EffectTimer(214.5f, 247.5f)));
     /* 23 */ effects->addEffect(new Swirl(0, EffectTimer(259.5f, 289.5f)));
     /* 24 */ effects->addEffect(new Greetings(1, EffectTimer(259.5f, 289.5f)));
 
@@ -230,8 +232,8 @@ void Velmora::setupTest()
 {
     delete effects;
     effects = new EffectMgr();
-    // The street scene alone, for half an hour, joins here once it is written:
-    // effects->addEffect(new CityStreet(0, EffectTimer(0.0f, 1800.0f)));
+    // The street scene alone, for half an hour.
+    effects->addEffect(new CityStreet(0, EffectTimer(0.0f, 1800.0f)));
     effects->initiate();
 }
 
