@@ -12,7 +12,6 @@
 #include "scene/OctreeNode.h"
 #include "scene/VertexArray.h"
 #include "texture/Material.h"
-#include "texture/MipMapTexture.h"
 #include "texture/Texture.h"
 #include "texture/TextureMaterial.h"
 
@@ -27,14 +26,58 @@ namespace {
 using namespace CityLayout;
 
 const int ARRAYS = VertexArray::POSITIONS | VertexArray::TEXCOORDS;
+const float SKY_RADIUS = 200.0f;
+const float GROUND_REACH = 2000.0f;
+const Color GROUND(0.025f, 0.022f, 0.03f, 1.0f);
+
+// A node of the tree in walking order: the box and sphere round the faces below it, the index just past its
+// subtree, and its leaf number (or -1).
+struct TreeNode {
+    Vector3 low;
+    Vector3 high;
+    Vector3 centre;
+    float radius;
+    int next;
+    int leaf;
+};
+
+// Where a leaf's faces of one surface lie in the index array.
+struct Run {
+    int start;
+    int count;
+};
+
+Color blend(const Color& a, const Color& b, float t)
+{
+    return Color(a.r + (b.r - a.r) * t, a.g + (b.g - a.g) * t, a.b + (b.b - a.b) * t, 1.0f);
+}
+
+// The surfaces too small to matter far away.
+bool detail(int surface)
+{
+    return surface == METAL || surface == ONE_WAY;
+}
+
+// The picture with its smaller levels made by GL from the cached one, so the facades do not sparkle down
+// the streets; a single level is sampled, which costs less to draw than blending two.
+Texture* mipmapped(Texture* texture)
+{
+    texture->upload();
+    glBindTexture(GL_TEXTURE_2D, texture->getGLName());
+    glTexParameteri(GL_TEXTURE_2D, GL_GENERATE_MIPMAP, GL_TRUE);
+    texture->updateSubTex();
+    glBindTexture(GL_TEXTURE_2D, texture->getGLName());
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST_MIPMAP_NEAREST);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return texture;
+}
 
 // The nodes of a subtree in walking order, each with its leaf number, and where its subtree ends.
-template <typename Node>
-void walk(const OctreeNode* node, std::vector<Node>& nodes, std::vector<const OctreeNode*>& leaves)
+void walk(const OctreeNode* node, std::vector<TreeNode>& nodes, std::vector<const OctreeNode*>& leaves)
 {
     const size_t at = nodes.size();
-    nodes.push_back(
-        Node{Vector3(), Vector3(), Vector3(), -1.0f, 0, node->hasChildren() ? -1 : static_cast<int>(leaves.size())});
+    nodes.push_back(TreeNode{Vector3(), Vector3(), Vector3(), -1.0f, 0,
+                             node->hasChildren() ? -1 : static_cast<int>(leaves.size())});
     if (!node->hasChildren())
         leaves.push_back(node);
     for (int i = 0; node->hasChildren() && i < OctreeNode::NUM_CHILDREN; ++i)
@@ -44,10 +87,30 @@ void walk(const OctreeNode* node, std::vector<Node>& nodes, std::vector<const Oc
 
 }  // namespace
 
-CityBlock::CityBlock()
-    : octree(nullptr), faceCount(0), leafCount(0), drawnFaces(0), visibleCount(0), textures(), materials()
-{
-}
+// The block as loaded once: the tree, its faces indexed by leaf and surface, and the surfaces' looks.
+struct CityBlock::Data {
+    std::unique_ptr<Octree> octree;
+    int faceCount = 0;
+    int leafCount = 0;
+    std::vector<TreeNode> nodes;
+    // Vertex indices of every face, surface by surface and, within a surface, leaf by leaf.
+    std::vector<uint32_t> indices;
+    // The run of each leaf for each surface: runs[leaf * SURFACE_COUNT + surface].
+    std::vector<Run> runs;
+    std::unique_ptr<TextureMaterial> materials[SURFACE_COUNT];
+    // The pictures that could not be read, reported again by each scene that shares the block.
+    std::vector<const char*> missing;
+
+    void index();
+    int surfaceOf(const Face& face) const;
+};
+
+std::weak_ptr<CityBlock::Data> CityBlock::shared;
+
+const Color CityBlock::ZENITH(0.008f, 0.01f, 0.035f, 1.0f);
+const Color CityBlock::HORIZON(0.15f, 0.075f, 0.14f, 1.0f);
+
+CityBlock::CityBlock() : visibleCount(0), drawnFaces(0) {}
 
 CityBlock::~CityBlock()
 {
@@ -57,58 +120,78 @@ CityBlock::~CityBlock()
 bool CityBlock::load(const char* scene)
 {
     release();
-    octree = SceneKit::loadOrReport<Octree>(scene, OCTREE);
-    loadPictures(scene);
-    if (!octree)
+    data = shared.lock();
+    if (data) {
+        for (const char* file : data->missing)
+            std::cerr << SceneKit::missingMessage(scene, file);
+    } else {
+        data = loadData(scene);
+    }
+    if (!data)
         return false;
-    index();
+    visible.assign(static_cast<size_t>(data->leafCount), 0);
     return true;
 }
 
-void CityBlock::loadPictures(const char* scene)
+std::shared_ptr<CityBlock::Data> CityBlock::loadData(const char* scene)
 {
+    std::shared_ptr<Data> loaded = std::make_shared<Data>();
     for (int s = 0; s < SURFACE_COUNT; ++s) {
         const TextureFile& picture = SURFACES[s].picture;
-        const Texture* plain = SceneKit::loadTexture(picture);
-        if (!plain || !plain->getDataPtr()) {
+        Texture* texture = SceneKit::loadTexture(picture);
+        if (!texture || !texture->getDataPtr()) {
             std::cerr << SceneKit::missingMessage(scene, picture.file);
+            loaded->missing.push_back(picture.file);
             continue;
         }
-        // The facades are seen at every distance down the streets: without smaller levels their windows
-        // would sparkle. The cache keeps the plain picture; the levels are the block's own.
-        const long long size = plain->getDataSize();
-        unsigned char* pixels = new unsigned char[static_cast<size_t>(size)];
-        std::memcpy(pixels, plain->getDataPtr(), static_cast<size_t>(size));
-        textures[s] = new MipMapTexture(picture.file, plain->getWidth(), plain->getHeight(), plain->getBitsPerPixel(),
-                                        plain->getFormat(), pixels);
-        textures[s]->upload();
-        // The upload asks for a mipmapping magnification filter, which GL refuses and reports: the
-        // refusal is expected, so it is taken off the error queue here, not reported later as ours.
-        for (int k = 0; k < 4 && glGetError() != GL_NO_ERROR; ++k) {
-        }
-        // One level at a time is enough at the distances the facades are seen, and costs less to draw.
-        glBindTexture(GL_TEXTURE_2D, textures[s]->getGLName());
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_NEAREST);
-        glBindTexture(GL_TEXTURE_2D, 0);
-        materials[s] = new TextureMaterial(SURFACES[s].material);
-        materials[s]->setTexture(textures[s]);
-        materials[s]->setFlags(Material::textured);
-        materials[s]->setBlendMode(Material::blendNone);
+        loaded->materials[s].reset(new TextureMaterial(SURFACES[s].material));
+        loaded->materials[s]->setTexture(mipmapped(texture));
+        loaded->materials[s]->setFlags(Material::textured);
+        loaded->materials[s]->setBlendMode(Material::blendNone);
     }
+    // A block that did not load is not shared: the next scene tries again and says so in its name.
+    loaded->octree.reset(SceneKit::loadOrReport<Octree>(scene, OCTREE));
+    if (!loaded->octree)
+        return nullptr;
+    loaded->index();
+    shared = loaded;
+    return loaded;
 }
 
-int CityBlock::surfaceOf(uint32_t face) const
+void CityBlock::release()
 {
-    const Face& f = (*octree->getFaces())[static_cast<int>(face)];
-    if (!f.material || !f.material->getName())
+    data.reset();
+    visible.clear();
+    visibleCount = 0;
+    drawnFaces = 0;
+}
+
+const Octree* CityBlock::getOctree() const
+{
+    return data ? data->octree.get() : nullptr;
+}
+
+int CityBlock::getFaceCount() const
+{
+    return data ? data->faceCount : 0;
+}
+
+int CityBlock::getLeafCount() const
+{
+    return data ? data->leafCount : 0;
+}
+
+int CityBlock::Data::surfaceOf(const Face& face) const
+{
+    if (!face.material || !face.material->getName())
         return -1;
     for (int s = 0; s < SURFACE_COUNT; ++s)
-        if (std::strcmp(f.material->getName(), SURFACES[s].material) == 0)
+        if (std::strcmp(face.material->getName(), SURFACES[s].material) == 0)
             return s;
     return -1;
 }
 
-void CityBlock::index()
+void CityBlock::Data::index()
 {
     std::vector<const OctreeNode*> leaves;
     walk(octree->getRoot(), nodes, leaves);
@@ -137,7 +220,7 @@ void CityBlock::index()
             if (face.numIndices < 3 || face.indices[0] >= vertexCount || face.indices[1] >= vertexCount ||
                 face.indices[2] >= vertexCount)
                 continue;
-            const int s = surfaceOf(f);
+            const int s = surfaceOf(face);
             if (s < 0)
                 continue;
             owner[f] = leaf;
@@ -190,40 +273,41 @@ void CityBlock::index()
         nodes[n].centre = (low[n] + high[n]) * 0.5f;
         nodes[n].radius = (high[n] - low[n]).length() * 0.5f;
     }
-    visible.assign(static_cast<size_t>(leafCount), 0);
 }
 
 void CityBlock::draw(const Camera& camera, const Color& tint)
 {
     drawnFaces = 0;
     visibleCount = 0;
-    if (!octree)
+    if (!data)
         return;
     const Frustum& frustum = camera.getFrustum();
     const Vector3& eye = camera.getPosition();
+    const std::vector<TreeNode>& nodes = data->nodes;
     for (size_t n = 0; n < nodes.size();) {
-        const Node& node = nodes[n];
+        const TreeNode& node = nodes[n];
         if (node.radius < 0.0f || !frustum.isSphereInside(node.centre, node.radius) ||
             behindStreetWall(eye, node.low, node.high)) {
             n = static_cast<size_t>(node.next);
             continue;
         }
         if (node.leaf >= 0)
-            visible[static_cast<size_t>(visibleCount++)] = node.leaf;
+            visible[static_cast<size_t>(visibleCount++)] = static_cast<int>(n);
         ++n;
     }
 
     LightMgr* lights = LightMgr::getHandle();
     lights->turnLightingOff();
-    const VertexArray* vertices = octree->getVertices();
+    const VertexArray* vertices = data->octree->getVertices();
     vertices->upload(ARRAYS);
     for (int s = 0; s < SURFACE_COUNT; ++s) {
         bool bound = false;
         int from = 0;
         int count = 0;
         for (int k = 0; k < visibleCount; ++k) {
-            const Run& run = runs[static_cast<size_t>(visible[static_cast<size_t>(k)] * SURFACE_COUNT + s)];
-            if (run.count == 0)
+            const TreeNode& node = nodes[static_cast<size_t>(visible[static_cast<size_t>(k)])];
+            const Run& run = data->runs[static_cast<size_t>(node.leaf * SURFACE_COUNT + s)];
+            if (run.count == 0 || (detail(s) && (node.centre - eye).length() - node.radius > DETAIL_DISTANCE))
                 continue;
             if (count > 0 && from + count == run.start) {
                 count += run.count;
@@ -234,8 +318,8 @@ void CityBlock::draw(const Camera& camera, const Color& tint)
             count = run.count;
         }
         drawRun(s, from, count, tint, bound);
-        if (bound && materials[s])
-            materials[s]->unbind();
+        if (bound && data->materials[s])
+            data->materials[s]->unbind();
     }
     vertices->unload(ARRAYS);
     lights->turnLightingOn();
@@ -291,9 +375,10 @@ void CityBlock::drawRun(int s, int from, int count, const Color& tint, bool& bou
         return;
     if (!bound) {
         // A surface without its picture is drawn in its plain colour.
+        TextureMaterial* material = data->materials[s].get();
         const float* plain = SURFACES[s].fallback;
-        if (materials[s]) {
-            materials[s]->bind();
+        if (material) {
+            material->bind();
             glColor4f(tint.r, tint.g, tint.b, 1.0f);
         } else {
             glDisable(GL_TEXTURE_2D);
@@ -301,26 +386,81 @@ void CityBlock::drawRun(int s, int from, int count, const Color& tint, bool& bou
         }
         bound = true;
     }
-    glDrawElements(GL_TRIANGLES, count, GL_UNSIGNED_INT, &indices[static_cast<size_t>(from)]);
+    glDrawElements(GL_TRIANGLES, count, GL_UNSIGNED_INT, &data->indices[static_cast<size_t>(from)]);
     drawnFaces += count / 3;
 }
 
-void CityBlock::release()
+void CityBlock::setupNight(float fogStart, float fogEnd)
 {
-    delete octree;
-    octree = nullptr;
-    for (int s = 0; s < SURFACE_COUNT; ++s) {
-        delete materials[s];
-        materials[s] = nullptr;
-        delete textures[s];
-        textures[s] = nullptr;
+    glFogi(GL_FOG_MODE, GL_LINEAR);
+    glFogf(GL_FOG_START, fogStart);
+    glFogf(GL_FOG_END, fogEnd);
+    glHint(GL_FOG_HINT, GL_NICEST);
+    glEnable(GL_FOG);
+    setNightLight(1.0f);
+}
+
+void CityBlock::setNightLight(float light)
+{
+    // The far streets sink into the city's own glow, the colour of the sky at the horizon.
+    const float fog[4] = {HORIZON.r * light, HORIZON.g * light, HORIZON.b * light, 1.0f};
+    glClearColor(ZENITH.r * light, ZENITH.g * light, ZENITH.b * light, 1.0f);
+    glFogfv(GL_FOG_COLOR, fog);
+}
+
+void CityBlock::endNight()
+{
+    glDisable(GL_FOG);
+    glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+}
+
+void CityBlock::drawSurroundings(const Camera& camera, float light)
+{
+    // Behind everything: a band of sky round the eye, the glow low down and deep night above it (higher
+    // up the clear colour is the sky), and dark open ground round the city.
+    static const float ELEVATIONS[] = {-0.5f, 0.0f, 0.1f, 0.25f, 0.5f};
+    static const float SHADES[] = {0.0f, 0.0f, 0.4f, 0.8f, 1.0f};
+    const int bands = sizeof(ELEVATIONS) / sizeof(ELEVATIONS[0]) - 1;
+    const int segments = 24;
+    const Vector3 eye = camera.getPosition();
+    glDisable(GL_FOG);
+    glDisable(GL_DEPTH_TEST);
+    glDepthMask(GL_FALSE);
+    glDisable(GL_CULL_FACE);
+    glDisable(GL_TEXTURE_2D);
+    LightMgr::getHandle()->turnLightingOff();
+    for (int b = 0; b < bands; ++b) {
+        glBegin(GL_TRIANGLE_STRIP);
+        for (int s = 0; s <= segments; ++s) {
+            const float a = 6.2831855f * static_cast<float>(s) / segments;
+            for (int edge = 1; edge >= 0; --edge) {
+                const float e = ELEVATIONS[b + edge];
+                const Color c = blend(HORIZON, ZENITH, SHADES[b + edge]);
+                glColor4f(c.r * light, c.g * light, c.b * light, 1.0f);
+                glVertex3f(eye.x + SKY_RADIUS * std::cos(e) * std::cos(a), eye.y + SKY_RADIUS * std::sin(e),
+                           eye.z + SKY_RADIUS * std::cos(e) * std::sin(a));
+            }
+        }
+        glEnd();
     }
-    nodes.clear();
-    indices.clear();
-    runs.clear();
-    visible.clear();
-    faceCount = 0;
-    leafCount = 0;
-    drawnFaces = 0;
-    visibleCount = 0;
+    glEnable(GL_FOG);
+    // The ground as a frame round the city's sidewalks, which cover the rest.
+    const float low = static_cast<float>(FIRST_BLOCK * PITCH + ROAD_HALF);
+    const float high = static_cast<float>((LAST_BLOCK + 1) * PITCH - ROAD_HALF);
+    const float far = GROUND_REACH;
+    glColor4f(GROUND.r * light, GROUND.g * light, GROUND.b * light, 1.0f);
+    glBegin(GL_QUADS);
+    const float strips[4][4] = {
+        {-far, -far, far, low}, {-far, high, far, far}, {-far, low, low, high}, {high, low, far, high}};
+    for (const auto& r : strips) {
+        glVertex3f(r[0], 0.0f, r[1]);
+        glVertex3f(r[0], 0.0f, r[3]);
+        glVertex3f(r[2], 0.0f, r[3]);
+        glVertex3f(r[2], 0.0f, r[1]);
+    }
+    glEnd();
+    LightMgr::getHandle()->turnLightingOn();
+    glEnable(GL_CULL_FACE);
+    glDepthMask(GL_TRUE);
+    glEnable(GL_DEPTH_TEST);
 }

@@ -1,4 +1,4 @@
-// The forged city block, drawn from its octree: the leaves the camera's frustum can see, surface by surface, unlit.
+// The forged city block, drawn from its octree: the leaves the camera can see, surface by surface, unlit.
 #pragma once
 
 #include "effects/CityLayout.h"
@@ -6,22 +6,31 @@
 #include "math/Vector3.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 class Camera;
-class MipMapTexture;
 class Octree;
+class Texture;
 class TextureMaterial;
 
 class CityBlock {
 public:
+    // The night's colours: the sky straight up, and at the horizon the city's own glow, which the fog takes.
+    static const Color ZENITH;
+    static const Color HORIZON;
+    // Beyond this distance the small things (poles, signs, roof plant) are left out.
+    static constexpr float DETAIL_DISTANCE = 140.0f;
+
     CityBlock();
     ~CityBlock();
     CityBlock(const CityBlock&) = delete;
     CityBlock& operator=(const CityBlock&) = delete;
 
-    // Loads the octree and the pictures of its surfaces. A missing piece is reported once in the scene's
-    // name; without the octree nothing is drawn, without a picture its surface takes a plain colour.
+    // Loads the octree and the pictures of its surfaces, or shares them with a scene that has them
+    // loaded already (the blast follows the street without a second load). A missing piece is reported
+    // in the scene's name; without the octree nothing is drawn, without a picture its surface takes a
+    // plain colour.
     bool load(const char* scene);
     void release();
 
@@ -29,52 +38,40 @@ public:
     // modulated by the tint. Texturing is left off and the depth and colour state as found.
     void draw(const Camera& camera, const Color& tint);
 
+    // The night's clear colour and fog, from the distance where the fog starts to where it hides all;
+    // the night's colours dimmed (1 as they are); and back to black without fog.
+    static void setupNight(float fogStart, float fogEnd);
+    static void setNightLight(float light);
+    static void endNight();
+    // The sky round the eye and the open ground round the city, drawn first, dimmed like the night.
+    static void drawSurroundings(const Camera& camera, float light);
+
     // Whether a box lies wholly behind a wall of the street the eye stands in, below the lowest roof:
     // every block side is a continuous wall at least the lowest building tall, broken only where the
     // cross streets meet it, so what is seen through that wall's plane within one block side is hidden.
     static bool behindStreetWall(const Vector3& eye, const Vector3& low, const Vector3& high);
 
-    const Octree* getOctree() const { return octree; }
+    const Octree* getOctree() const;
     // Faces in the file, and those the last draw sent.
-    int getFaceCount() const { return faceCount; }
+    int getFaceCount() const;
     int getDrawnFaces() const { return drawnFaces; }
     // Leaves with faces, and how many the last draw found in view.
-    int getLeafCount() const { return leafCount; }
+    int getLeafCount() const;
     int getVisibleLeaves() const { return visibleCount; }
 
 private:
-    // A node of the tree in walking order: the box and sphere round the faces below it, the index just
-    // past its subtree, and its leaf number (or -1).
-    struct Node {
-        Vector3 low;
-        Vector3 high;
-        Vector3 centre;
-        float radius;
-        int next;
-        int leaf;
-    };
-    struct Run {
-        int start;
-        int count;
-    };
+    struct Data;
 
-    void index();
-    void loadPictures(const char* scene);
-    int surfaceOf(uint32_t face) const;
+    static std::shared_ptr<Data> loadData(const char* scene);
     // One draw of `count` indices from `from`, binding the surface first if it is not yet.
     void drawRun(int surface, int from, int count, const Color& tint, bool& bound);
 
-    Octree* octree;
-    int faceCount;
-    int leafCount;
-    int drawnFaces;
-    int visibleCount;
-    std::vector<Node> nodes;
-    // Vertex indices of every face, surface by surface and, within a surface, leaf by leaf.
-    std::vector<uint32_t> indices;
-    // The run of each leaf for each surface: runs[leaf * SURFACE_COUNT + surface].
-    std::vector<Run> runs;
+    // The block while some scene holds it.
+    static std::weak_ptr<Data> shared;
+
+    std::shared_ptr<Data> data;
+    // The leaves in view this frame, and the faces drawn.
     std::vector<int> visible;
-    MipMapTexture* textures[CityLayout::SURFACE_COUNT];
-    TextureMaterial* materials[CityLayout::SURFACE_COUNT];
+    int visibleCount;
+    int drawnFaces;
 };

@@ -8,7 +8,6 @@
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
-#include "scene/Lin3Track.h"
 
 #include <GL/gl.h>
 #include <cmath>
@@ -25,7 +24,6 @@ const float FAR_CLIP = 260.0f;
 const float FIELD_OF_VIEW = 64.0f;
 const float FOG_START = 30.0f;
 const float FOG_END = 235.0f;
-const float SKY_RADIUS = 200.0f;
 
 // Cool light from the sky above, and the warm light of the street lamps, for the cars.
 const SceneKit::LightSetup MOON = {Vector3(0.3f, 1.0f, 0.5f),
@@ -39,15 +37,7 @@ const SceneKit::LightSetup STREET = {Vector3(-0.4f, 1.0f, -0.2f),
                                      Color(0.9f, 0.65f, 0.4f, 1.0f),
                                      {1.0f, 0.0f, 0.0f}};
 
-Color blend(const Color& a, const Color& b, float t)
-{
-    return Color(a.r + (b.r - a.r) * t, a.g + (b.g - a.g) * t, a.b + (b.b - a.b) * t, 1.0f);
-}
-
 }  // namespace
-
-const Color CityStreet::ZENITH(0.008f, 0.01f, 0.035f, 1.0f);
-const Color CityStreet::HORIZON(0.15f, 0.075f, 0.14f, 1.0f);
 
 CityStreet::CityStreet(short layer, const EffectTimer& timer) : Effect(layer, timer), lap(0.0), cameraAnimation(nullptr)
 {
@@ -60,7 +50,7 @@ CityStreet::~CityStreet()
 
 void CityStreet::initiate()
 {
-    setupFog();
+    CityBlock::setupNight(FOG_START, FOG_END);
     block.load(SCENE);
     street.load(SCENE);
     loadCamera();
@@ -68,19 +58,6 @@ void CityStreet::initiate()
     SceneKit::directionalLight(STREET_LIGHT, STREET);
     lap = 0.0;
     street.update(lap, Vector3());
-}
-
-void CityStreet::setupFog()
-{
-    // The far streets sink into the city's own glow, the colour of the sky at the horizon.
-    const float fog[4] = {HORIZON.r, HORIZON.g, HORIZON.b, 1.0f};
-    glClearColor(ZENITH.r, ZENITH.g, ZENITH.b, 1.0f);
-    glFogfv(GL_FOG_COLOR, fog);
-    glFogi(GL_FOG_MODE, GL_LINEAR);
-    glFogf(GL_FOG_START, FOG_START);
-    glFogf(GL_FOG_END, FOG_END);
-    glHint(GL_FOG_HINT, GL_NICEST);
-    glEnable(GL_FOG);
 }
 
 void CityStreet::loadCamera()
@@ -107,16 +84,6 @@ void CityStreet::loadCamera()
     cameraAnimation->update(0.0f);
 }
 
-Vector3 CityStreet::cameraAgo(float seconds) const
-{
-    const Camera* camera = CameraMgr::getHandle()->find(CAMERA_NAME);
-    const Lin3Track* path = cameraAnimation ? cameraAnimation->getPositionTrack() : nullptr;
-    if (!path)
-        return camera ? camera->getPosition() : Vector3();
-    const float frame = cameraAnimation->getCurrentFrame() - seconds * cameraAnimation->getFramesPerSec();
-    return path->evaluate(frame < 0.0f ? 0.0f : frame);
-}
-
 void CityStreet::update(float seconds)
 {
     updateTimer(seconds);
@@ -131,44 +98,7 @@ void CityStreet::update(float seconds)
     } else if (cameraAnimation) {
         cameraAnimation->update(seconds);
     }
-    const Vector3 now = cameraAgo(0.0f);
-    street.update(lap, now - cameraAgo(OneWayStreet::TRAIL_SECONDS));
-}
-
-void CityStreet::drawSky(const Camera& camera)
-{
-    // A dome round the eye, drawn behind everything: the city's glow low down, deep night above.
-    // Only the band near the horizon: above it the clear colour is the sky.
-    static const float ELEVATIONS[] = {-0.5f, 0.0f, 0.1f, 0.25f, 0.5f};
-    static const float SHADES[] = {0.0f, 0.0f, 0.4f, 0.8f, 1.0f};
-    const int bands = sizeof(ELEVATIONS) / sizeof(ELEVATIONS[0]) - 1;
-    const int segments = 24;
-    const Vector3 eye = camera.getPosition();
-    glDisable(GL_FOG);
-    glDisable(GL_DEPTH_TEST);
-    glDepthMask(GL_FALSE);
-    glDisable(GL_CULL_FACE);
-    glDisable(GL_TEXTURE_2D);
-    LightMgr::getHandle()->turnLightingOff();
-    for (int b = 0; b < bands; ++b) {
-        glBegin(GL_TRIANGLE_STRIP);
-        for (int s = 0; s <= segments; ++s) {
-            const float a = 6.2831855f * static_cast<float>(s) / segments;
-            for (int edge = 1; edge >= 0; --edge) {
-                const float e = ELEVATIONS[b + edge];
-                const Color c = blend(HORIZON, ZENITH, SHADES[b + edge]);
-                glColor4f(c.r, c.g, c.b, 1.0f);
-                glVertex3f(eye.x + SKY_RADIUS * std::cos(e) * std::cos(a), eye.y + SKY_RADIUS * std::sin(e),
-                           eye.z + SKY_RADIUS * std::cos(e) * std::sin(a));
-            }
-        }
-        glEnd();
-    }
-    LightMgr::getHandle()->turnLightingOn();
-    glEnable(GL_CULL_FACE);
-    glDepthMask(GL_TRUE);
-    glEnable(GL_DEPTH_TEST);
-    glEnable(GL_FOG);
+    street.update(lap, OneWayStreet::cameraTravel(cameraAnimation));
 }
 
 void CityStreet::display()
@@ -176,7 +106,7 @@ void CityStreet::display()
     const Camera* camera = CameraMgr::getHandle()->getActiveCamera();
     if (!camera)
         return;
-    drawSky(*camera);
+    CityBlock::drawSurroundings(*camera, 1.0f);
     block.draw(*camera, Color(1.0f, 1.0f, 1.0f, 1.0f));
     street.drawCars(*camera);
     street.drawLights(*camera);
@@ -189,8 +119,7 @@ void CityStreet::shutdown()
     street.release();
     delete cameraAnimation;
     cameraAnimation = nullptr;
-    glDisable(GL_FOG);
-    glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+    CityBlock::endNight();
     LightMgr::getHandle()->remove(MOON_LIGHT);
     LightMgr::getHandle()->remove(STREET_LIGHT);
 }

@@ -27,16 +27,8 @@ public:
     const OneWayStreet& getStreet() const { return street; }
     const CameraAnimation* getCameraAnimation() const { return cameraAnimation; }
 
-    // The night's colours: the sky straight up, at the horizon (the city's glow, which the fog takes).
-    static const Color ZENITH;
-    static const Color HORIZON;
-
 private:
-    void setupFog();
     void loadCamera();
-    // Where the camera was `seconds` ago along its path (where it is, without a path).
-    Vector3 cameraAgo(float seconds) const;
-    void drawSky(const Camera& camera);
 
     double lap;
     CityBlock block;

@@ -3,14 +3,17 @@
 // light is added to the picture without writing depth, fogged towards black so it fades with distance.
 #include "effects/OneWayStreet.h"
 
+#include "effects/Dice.h"
 #include "effects/SceneKit.h"
 #include "effects/SharedLayout.h"
 
 #include "scene/Camera.h"
+#include "scene/CameraAnimation.h"
 #include "scene/Face.h"
 #include "scene/FaceArray.h"
 #include "scene/Frustum.h"
 #include "scene/LightMgr.h"
+#include "scene/Lin3Track.h"
 #include "scene/Mesh.h"
 #include "texture/Material.h"
 #include "texture/Texture.h"
@@ -59,20 +62,9 @@ const float SIGN_HALO = 2.6f;
 const float REFLECTION_HEIGHT = 0.18f;
 const float REFLECTION_DISTANCE = 90.0f;
 
-uint32_t mix(uint32_t a, uint32_t b, uint32_t seed)
-{
-    uint32_t h = seed ^ (a * 0x9e3779b1u) ^ (b * 0x85ebca77u);
-    h ^= h >> 15;
-    h *= 0x2c1b3c6du;
-    h ^= h >> 12;
-    h *= 0x297a2d39u;
-    h ^= h >> 15;
-    return h;
-}
-
 double chance(int a, int b, uint32_t seed)
 {
-    return (mix(static_cast<uint32_t>(a), static_cast<uint32_t>(b), seed) & 0xffffu) / 65536.0;
+    return Dice::unit(a, b, seed);
 }
 
 Vector3 toVector(double x, double y, double z)
@@ -143,6 +135,16 @@ Vector3 OneWayStreet::carPosition(const Car& car, double t, Vector3* heading)
     return l.alongX ? toVector(a, 0.0, l.across) : toVector(l.across, 0.0, a);
 }
 
+Vector3 OneWayStreet::cameraTravel(const CameraAnimation* path)
+{
+    const Lin3Track* track = path ? path->getPositionTrack() : nullptr;
+    if (!track)
+        return Vector3();
+    const float now = path->getCurrentFrame();
+    const float before = std::max(0.0f, now - TRAIL_SECONDS * path->getFramesPerSec());
+    return track->evaluate(now) - track->evaluate(before);
+}
+
 OneWayStreet::OneWayStreet()
     : time(0.0), darkReach(-1.0f), drawnCars(0), drawnLights(0), car(nullptr), paint(nullptr), glow(nullptr),
       trail(nullptr), pool(nullptr), beam(nullptr), neon(nullptr)
@@ -167,7 +169,7 @@ void OneWayStreet::planTraffic()
             for (int k = 0; k < ROUTE_NODES && clear; ++k)
                 clear = !inTheWay(info, l, slot, k);
             if (clear)
-                cars.push_back(Car{l, slot, static_cast<int>(mix(l, slot, 0x9a17u) % PAINTS)});
+                cars.push_back(Car{l, slot, static_cast<int>(Dice::hash(l, slot, 0x9a17u) % PAINTS)});
         }
     }
 }
@@ -236,14 +238,14 @@ void OneWayStreet::planSigns()
                     sign.behaviour = b < 0.15 ? FAILING : b < 0.55 ? PULSING : STEADY;
                     const Vector3 foot = sides[s].start + sides[s].along * at;
                     if (sign.blade) {
-                        sign.picture = static_cast<int>(mix(block, n, 0x5166u) % BLADE_SIGNS);
+                        sign.picture = static_cast<int>(Dice::hash(block, n, 0x5166u) % BLADE_SIGNS);
                         sign.width = 1.4f;
                         sign.height = 4.2f;
                         const float bottom = 4.9f + 2.5f * static_cast<float>(chance(block, n + 1, 0x5167u));
                         sign.centre = foot + sign.out * (0.2f + sign.width * 0.5f) +
                                       Vector3(0.0f, bottom + sign.height * 0.5f, 0.0f);
                     } else {
-                        sign.picture = static_cast<int>(mix(block, n, 0x5168u) % BANNER_SIGNS);
+                        sign.picture = static_cast<int>(Dice::hash(block, n, 0x5168u) % BANNER_SIGNS);
                         sign.width = 5.6f;
                         sign.height = 0.7f;
                         sign.centre =

@@ -2,6 +2,7 @@
 #include "runtime/Velmora.h"
 
 #include "config/VariableMgr.h"
+#include "effects/BlowUp.h"
 #include "effects/CityStreet.h"
 #include "effects/Credit.h"
 #include "effects/Fader.h"
@@ -221,6 +222,7 @@ void Velmora::setupScenes()
     /* 17 */ effects->addEffect(new Fader(white, 100, EffectTimer(168.0f, 169.0f)));
     /* 19 */ effects->addEffect(new Fader(black, 100, EffectTimer(199.5f, 203.5f)));
     /* 21 */ effects->addEffect(new CityStreet(0, EffectTimer(214.5f, 247.5f)));
+    /* 22 */ effects->addEffect(new BlowUp(0, EffectTimer(247.5f, 259.5f)));
     /* 23 */ effects->addEffect(new Swirl(0, EffectTimer(259.5f, 289.5f)));
     /* 24 */ effects->addEffect(new Greetings(1, EffectTimer(259.5f, 289.5f)));
 

@@ -1,6 +1,7 @@
 // The forge's table of content units: a new scene adds its unit here.
 #include "ContentUnits.h"
 
+#include "scenes/BlowUpContent.h"
 #include "scenes/CityStreetContent.h"
 #include "scenes/CreditsContent.h"
 #include "scenes/FlipperLandContent.h"
@@ -21,6 +22,7 @@ std::vector<std::unique_ptr<ContentUnit>> ContentUnits::all()
     units.emplace_back(new TunnelExitContent());
     units.emplace_back(new FlipperLandContent());
     units.emplace_back(new CityStreetContent());
+    units.emplace_back(new BlowUpContent());
     return units;
 }
 
