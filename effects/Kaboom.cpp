@@ -206,11 +206,12 @@ float Kaboom::landing(size_t i) const
 Vector3 Kaboom::piecePosition(size_t i, float t) const
 {
     const Piece& p = pieces[i];
-    const float flight = std::min(std::max(t, 0.0f), landing(i));
+    const float down = landing(i);
+    const float flight = std::min(std::max(t, 0.0f), down);
     Vector3 at = p.origin + p.velocity * flight;
     at.y -= 0.5f * GRAVITY * flight * flight;
     // It comes to rest on the ground, not below it.
-    at.y = std::max(at.y, 0.0f);
+    at.y = flight < down ? std::max(at.y, 0.0f) : 0.0f;
     return at;
 }
 

@@ -88,6 +88,15 @@ CityBlockMesh::CityBlockMesh()
             planBlock(bx, bz, random);
 }
 
+bool CityBlockMesh::inside(const Vec3& p, double margin) const
+{
+    for (const Building& b : buildings)
+        if (p.x > b.x0 - margin && p.x < b.x1 + margin && p.z > b.z0 - margin && p.z < b.z1 + margin &&
+            p.y < b.height + margin)
+            return true;
+    return false;
+}
+
 void CityBlockMesh::planBlock(int bx, int bz, Random& random)
 {
     const double x0 = bx * PITCH + BLOCK_EDGE;

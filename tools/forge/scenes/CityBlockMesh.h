@@ -31,6 +31,8 @@ public:
     CityBlockMesh();
     void build(MeshBuilder& mesh) const;
     const std::vector<Building>& getBuildings() const { return buildings; }
+    // Whether a point lies inside a building or within the margin of its walls and roof.
+    bool inside(const Vec3& p, double margin) const;
 
     // An axis-aligned wall from (x0, z0) to (x1, z1) between two heights, facing the right-hand side of
     // someone walking from the first point to the second. The picture repeats every tile: u runs along

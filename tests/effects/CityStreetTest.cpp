@@ -1,0 +1,163 @@
+// The city street: what hides behind a street's walls, a start without its data (one line per missing piece) and
+// with it, and the block shared with the blast that follows instead of loaded twice.
+#include "effects/BlowUp.h"
+#include "effects/CityBlock.h"
+#include "effects/CityLayout.h"
+#include "effects/CityStreet.h"
+
+#include "gl/GLEXT.h"
+#include "scene/Camera.h"
+#include "scene/CameraAnimation.h"
+#include "scene/CameraMgr.h"
+#include "scene/LightMgr.h"
+#include "support/GLContext.h"
+#include "texture/TextureMgr.h"
+
+#include <GL/gl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <cstdlib>
+#include <string>
+
+using namespace CityLayout;
+
+namespace {
+
+const EffectTimer SPAN(214.5f, 247.5f);
+// Down the middle of the x street at z = 2 pitches, at the camera's height.
+const Vector3 EYE(100.0f, static_cast<float>(CAMERA_HEIGHT), static_cast<float>(2 * PITCH));
+
+bool hidden(Vector3 low, Vector3 high)
+{
+    return CityBlock::behindStreetWall(EYE, low, high);
+}
+
+}  // namespace
+
+TEST(CityBlockWalls, WhatLiesBehindAStreetsWallsWithinOneBlockSideIsHidden)
+{
+    // A building two streets over, straight across from the eye: behind the wall.
+    EXPECT_TRUE(hidden(Vector3(80.0f, 0.0f, 200.0f), Vector3(110.0f, 40.0f, 230.0f)));
+    EXPECT_TRUE(hidden(Vector3(80.0f, 0.0f, 40.0f), Vector3(110.0f, 40.0f, 60.0f)));
+    // Down a cross street only what lines up with the gap is seen: a car just round the corner is,
+    // a building further up that street, seen through the wall's plane beside the gap, is not.
+    EXPECT_FALSE(hidden(Vector3(128.0f, 0.0f, 140.0f), Vector3(140.0f, 5.0f, 150.0f)));
+    EXPECT_TRUE(hidden(Vector3(120.0f, 0.0f, 200.0f), Vector3(136.0f, 10.0f, 230.0f)));
+    // Far along the street the wall's gaps open: a box whose outline reaches a cross street.
+    EXPECT_FALSE(hidden(Vector3(300.0f, 0.0f, 150.0f), Vector3(340.0f, 5.0f, 170.0f)));
+    // A tower rising over the wall close behind it.
+    EXPECT_FALSE(hidden(Vector3(90.0f, 0.0f, 141.0f), Vector3(100.0f, 120.0f, 150.0f)));
+    // The street's own facades stand in the wall's plane and are never hidden by it.
+    EXPECT_FALSE(hidden(Vector3(80.0f, 0.0f, static_cast<float>(2 * PITCH + BLOCK_EDGE)),
+                        Vector3(110.0f, 4.5f, static_cast<float>(2 * PITCH + BLOCK_EDGE))));
+    // From above the roofs, or from inside a block, no wall hides anything.
+    EXPECT_FALSE(CityBlock::behindStreetWall(Vector3(100.0f, 30.0f, 128.0f), Vector3(80.0f, 0.0f, 200.0f),
+                                             Vector3(110.0f, 40.0f, 230.0f)));
+    EXPECT_FALSE(CityBlock::behindStreetWall(Vector3(100.0f, 2.0f, 100.0f), Vector3(80.0f, 0.0f, 200.0f),
+                                             Vector3(110.0f, 40.0f, 230.0f)));
+}
+
+namespace {
+
+class CityStreetTest : public GLTest {
+protected:
+    void SetUp() override
+    {
+        GLTest::SetUp();
+        GLEXT::bindAll();
+        if (TextureMgr::getHandle()->getLoaderCount() == 0)
+            TextureMgr::getHandle()->registerStandardLoaders();
+    }
+    void TearDown() override
+    {
+        CameraMgr::getHandle()->remove(CAMERA_NAME);
+        CameraMgr::getHandle()->remove(BlowUpLayout::CAMERA_NAME);
+        GLTest::TearDown();
+    }
+};
+
+// Runs the body in an empty directory and returns what it printed on the error stream.
+template <typename Body>
+std::string withoutData(Body body)
+{
+    char dir[] = "/tmp/city-empty-XXXXXX";
+    if (!mkdtemp(dir))
+        return "no directory";
+    char* previous = getcwd(nullptr, 0);
+    if (chdir(dir) != 0)
+        return "no directory";
+    testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
+    body();
+    const std::string out = testing::internal::GetCapturedStdout();
+    std::string errors = testing::internal::GetCapturedStderr();
+    if (chdir(previous) != 0)
+        errors += "cannot return";
+    std::free(previous);
+    rmdir(dir);
+    EXPECT_EQ(out.find("OpenGL ERROR"), std::string::npos) << out;
+    return errors;
+}
+
+size_t count(const std::string& text, const std::string& part)
+{
+    size_t n = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++n;
+    return n;
+}
+
+}  // namespace
+
+TEST_F(CityStreetTest, WithoutItsDataTheStreetSaysOnceWhatIsMissingAndStillRuns)
+{
+    const std::string errors = withoutData([] {
+        CityStreet street(0, SPAN);
+        street.initiate();
+        EXPECT_EQ(street.getBlock().getOctree(), nullptr);
+        EXPECT_EQ(street.getCameraAnimation(), nullptr);
+        for (int i = 0; i < 3; ++i) {
+            street.update(0.1f);
+            street.display();
+        }
+        street.shutdown();
+        EXPECT_FALSE(glIsEnabled(GL_FOG));
+    });
+    for (const char* file : {OCTREE, CAMERA_PATH, CAR_MESH, NEON.file, POOL.file, BEAM.file, TRAIL.file})
+        EXPECT_EQ(count(errors, std::string("CityStreet: couldn't load '") + file + "'\n"), 1u) << file << errors;
+    for (const SurfaceInfo& surface : SURFACES)
+        EXPECT_EQ(count(errors, std::string("CityStreet: couldn't load '") + surface.picture.file + "'\n"), 1u)
+            << surface.picture.file;
+    // Nothing but those lines, and nothing more while it runs.
+    EXPECT_EQ(count(errors, "\n"), 7u + SURFACE_COUNT + 1u) << errors;
+}
+
+TEST_F(CityStreetTest, WithItsDataTheBlockTrafficAndPathLoadAndTheBlastSharesTheBlock)
+{
+    if (access(OCTREE, R_OK) != 0)
+        GTEST_SKIP() << "no forged data tree in the working directory";
+    testing::internal::CaptureStderr();
+    CityStreet street(0, SPAN);
+    street.initiate();
+    ASSERT_NE(street.getBlock().getOctree(), nullptr);
+    EXPECT_GT(street.getBlock().getFaceCount(), 10000);
+    ASSERT_NE(street.getCameraAnimation(), nullptr);
+    EXPECT_EQ(street.getCameraAnimation()->getCamera(), CameraMgr::getHandle()->find(CAMERA_NAME));
+    EXPECT_EQ(CameraMgr::getHandle()->getActiveCamera(), CameraMgr::getHandle()->find(CAMERA_NAME));
+    // Down in the street the walls hide most of the block.
+    street.update(10.0f);
+    CameraMgr::getHandle()->getActiveCamera()->resize(320, 240);
+    street.display();
+    EXPECT_GT(street.getBlock().getDrawnFaces(), 100);
+    EXPECT_LT(street.getBlock().getDrawnFaces(), street.getBlock().getFaceCount() / 2);
+
+    // The blast starts while the street still runs: it takes the same block.
+    BlowUp blast(0, EffectTimer(247.5f, 259.5f));
+    blast.initiate();
+    EXPECT_EQ(blast.getBlock().getOctree(), street.getBlock().getOctree());
+    street.shutdown();
+    EXPECT_EQ(LightMgr::getHandle()->find("CityMoon"), nullptr);
+    EXPECT_NE(blast.getBlock().getOctree(), nullptr);
+    blast.shutdown();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
