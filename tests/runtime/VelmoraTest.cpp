@@ -50,10 +50,10 @@ const Entry TABLE[24] = {
 // Entries whose classes the demo always has: the credits, the fades and the logo (numbered from 0).
 const int ALWAYS[] = {0, 1, 2, 3, 4, 6, 7, 8, 10, 12, 14, 16, 18, 20, 21};
 // The class of each entry, in the table's order.
-const char* const CLASSES[24] = {"Credit",      "Credit", "Credit",      "Credit",     "Fader",  "Islands",
-                                 "Fader",       "Logo",   "Fader",       "SeaBed",     "Fader",  "UnderwaterTunnel",
-                                 "Fader",       "TunnelExit", "Fader",   "FlipperLand", "Fader", "SpaceCraft",
-                                 "Fader",       "Cockpit", "CityStreet", "BlowUp",     "Swirl",  "Greetings"};
+const char* const CLASSES[24] = {"Credit", "Credit",     "Credit",     "Credit",      "Fader", "Islands",
+                                 "Fader",  "Logo",       "Fader",      "SeaBed",      "Fader", "UnderwaterTunnel",
+                                 "Fader",  "TunnelExit", "Fader",      "FlipperLand", "Fader", "SpaceCraft",
+                                 "Fader",  "Cockpit",    "CityStreet", "BlowUp",      "Swirl", "Greetings"};
 
 std::string className(const Effect& effect)
 {
