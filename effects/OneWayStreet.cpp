@@ -46,19 +46,25 @@ const Color LED(0.7f, 0.82f, 1.0f, 1.0f);
 const Color HEADLIGHT(1.0f, 0.93f, 0.78f, 1.0f);
 const Color TAIL_LIGHT(1.0f, 0.08f, 0.04f, 1.0f);
 
-const float LAMP_GLOW = 1.3f;
+const float LAMP_GLOW = 1.1f;
 const float HEAD_GLOW = 0.8f;
 // The wide, faint bloom round a headlight seen head on.
-const float HEAD_BLOOM = 2.6f;
+const float HEAD_BLOOM = 1.8f;
 const float TAIL_GLOW = 0.38f;
-const float POOL_RADIUS = 7.0f;
+const float POOL_RADIUS = 5.5f;
 const float POOL_HEIGHT = 0.17f;
-const float WASH_WIDTH = 7.0f;
-const float WASH_HEIGHT = 5.5f;
+const float WASH_WIDTH = 5.5f;
+const float WASH_HEIGHT = 4.5f;
 const float BEAM_NEAR = 2.0f;
 const float BEAM_FAR = 17.0f;
+// How far each kind of light is drawn: beyond, the fog has all but swallowed it.
 const float SIGN_SEEN = 150.0f;
-const float SIGN_HALO = 2.6f;
+const float POOL_SEEN = 110.0f;
+const float WASH_SEEN = 70.0f;
+const float BEAM_SEEN = 70.0f;
+const float HALO_SEEN = 90.0f;
+const float TRAIL_SEEN = 120.0f;
+const float SIGN_HALO = 1.8f;
 const float REFLECTION_HEIGHT = 0.18f;
 const float REFLECTION_DISTANCE = 90.0f;
 
@@ -411,7 +417,7 @@ void OneWayStreet::drawGround(const Camera& camera)
             const Lamp l = lamp(k);
             const Vector3 head = lampHead(l);
             const Vector3 ground(head.x, POOL_HEIGHT, head.z);
-            if (!lit(head) || (ground - eye).length() > 140.0f || !frustum.isSphereInside(ground, POOL_RADIUS + 3.0f))
+            if (!seen(frustum, eye, ground, POOL_RADIUS + 3.0f, POOL_SEEN))
                 continue;
             const Color& c = lampColour(k);
             // A pool on the ground below, and a wash up the facade behind the pole.
@@ -420,9 +426,12 @@ void OneWayStreet::drawGround(const Camera& camera)
             const Vector3 toward = toVector(l.towardRoadX, 0.0, l.towardRoadZ);
             const Vector3 wall =
                 toVector(l.x, WASH_HEIGHT * 0.8, l.z) - toward * static_cast<float>(BLOCK_EDGE - LAMP_SIDE - 0.03);
+            ++drawnLights;
+            if ((wall - eye).length() > WASH_SEEN)
+                continue;
             colour(c, 0.16f);
             quad(wall, up.cross(toward), up, WASH_WIDTH, WASH_HEIGHT, 0.0f, 0.0f, 1.0f, 1.0f);
-            drawnLights += 2;
+            ++drawnLights;
         }
         glEnd();
         pool->unbind();
@@ -435,7 +444,7 @@ void OneWayStreet::drawGround(const Camera& camera)
         Vector3 heading;
         const Vector3 p = carPosition(c, time, &heading);
         const Vector3 centre = p + heading * (0.5f * (BEAM_NEAR + BEAM_FAR)) + Vector3(0.0f, 0.05f, 0.0f);
-        if ((p - eye).length() > 120.0f || !frustum.isSphereInside(centre, BEAM_FAR))
+        if ((p - eye).length() > BEAM_SEEN || !frustum.isSphereInside(centre, BEAM_FAR))
             continue;
         // The picture has the car at its bottom edge and the light spreading up it.
         const Vector3 side = up.cross(heading) * -1.0f;
@@ -528,8 +537,10 @@ void OneWayStreet::drawGlows(const Camera& camera)
             // Brighter the more it points at the eye.
             const Vector3 look = eye - headlight;
             const float facing = std::max(0.0f, heading.dot(look) / (look.length() + 1e-3f));
-            colour(HEADLIGHT, 0.22f * facing * facing * near(headlight));
-            quad(headlight, right, up, HEAD_BLOOM, HEAD_BLOOM, 0.0f, 0.0f, 1.0f, 1.0f);
+            if (facing > 0.3f && look.length() < HALO_SEEN) {
+                colour(HEADLIGHT, 0.22f * facing * facing * near(headlight));
+                quad(headlight, right, up, HEAD_BLOOM, HEAD_BLOOM, 0.0f, 0.0f, 1.0f, 1.0f);
+            }
             colour(TAIL_LIGHT, near(tail));
             quad(tail, right, up, TAIL_GLOW, TAIL_GLOW, 0.0f, 0.0f, 1.0f, 1.0f);
         }
@@ -538,7 +549,7 @@ void OneWayStreet::drawGlows(const Camera& camera)
     // The air round every neon sign glows in its colour.
     for (size_t k = 0; k < signs.size(); ++k) {
         const Sign& s = signs[k];
-        if (!seen(frustum, eye, s.centre, SIGN_HALO, SIGN_SEEN))
+        if (!seen(frustum, eye, s.centre, SIGN_HALO, HALO_SEEN))
             continue;
         colour(signColour(s), 0.3f * signLevel(k) * near(s.centre));
         quad(s.centre + s.out * 0.5f, right, up, SIGN_HALO, SIGN_HALO, 0.0f, 0.0f, 1.0f, 1.0f);
@@ -622,7 +633,7 @@ void OneWayStreet::drawTrails(const Camera& camera)
     drawReflections(camera);
     for (int k = 0; k < LAMP_COUNT; ++k) {
         const Vector3 head = lampHead(lamp(k));
-        if (!lit(head) || (head - eye).length() > 120.0f || !frustum.isSphereInside(head, travel.length() + 1.0f))
+        if (!seen(frustum, eye, head, travel.length() + 1.0f, TRAIL_SEEN))
             continue;
         streak(head, head, lampColour(k), 0.35f, 0.8f);
     }
@@ -631,7 +642,7 @@ void OneWayStreet::drawTrails(const Camera& camera)
         Vector3 heading;
         Vector3 wasHeading;
         const Vector3 p = carPosition(c, time, &heading);
-        if ((p - eye).length() > 120.0f || !frustum.isSphereInside(p, 6.0f + travel.length()))
+        if ((p - eye).length() > TRAIL_SEEN || !frustum.isSphereInside(p, 6.0f + travel.length()))
             continue;
         const Vector3 q = carPosition(c, before, &wasHeading);
         // A car that came round the end of its lane has no trail this moment.
