@@ -63,6 +63,8 @@ expect damaged "UNABLE TO LOAD data/3d/leaf.msh"
 expect damaged "Couldn't load 'data/3d/camera_islands.cam'"
 expect damaged "TunnelExit: couldn't load 'data/3d/tunnelexit.oct'"
 expect damaged "FlipperLand: couldn't load 'data/banim-1.bez'"
+expect damaged "CityStreet: couldn't load 'data/3d/cityb.oct'"
+expect damaged "BlowUp: couldn't load 'data/3d/camera_blowup.cam'"
 
 if [ "$failures" -ne 0 ]; then
     echo "schedule: $failures failure(s)"
