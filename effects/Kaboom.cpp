@@ -40,6 +40,7 @@ const float SMOKE_DRAG = 0.35f;
 const Vector3 WIND(2.5f, 0.0f, 0.8f);
 const float RING_HEIGHT = 0.6f;
 const int RING_SEGMENTS = 72;
+const float CORE_SECONDS = 1.2f;
 
 const uint32_t FIRE_SEED = 0xf12eu;
 const uint32_t SMOKE_SEED = 0x5303u;
@@ -341,6 +342,14 @@ void Kaboom::drawFire(const Camera& camera, float t)
     flame->bind();
     glBegin(GL_QUADS);
     Sprite s;
+    // The first moment: a white-hot ball over the crossing, higher than the towers round it.
+    if (t < CORE_SECONDS) {
+        const float fade = 1.0f - t / CORE_SECONDS;
+        s.position = centre + Vector3(0.0f, 40.0f + 60.0f * t, 0.0f);
+        s.size = 70.0f + 90.0f * std::sqrt(t);
+        s.colour = Color(fade, 0.92f * fade, 0.7f * fade * fade, 1.0f);
+        sprite(s, right, up);
+    }
     for (size_t i = 0; i < fire.size(); ++i)
         if (firePuff(i, t, s) && frustum.isSphereInside(s.position, s.size))
             sprite(s, right, up);
@@ -348,7 +357,7 @@ void Kaboom::drawFire(const Camera& camera, float t)
     for (size_t i = 0; i < pieces.size(); ++i) {
         const float glow = std::exp(-t / 2.2f);
         s.position = piecePosition(i, t);
-        s.size = 1.6f * pieces[i].scale;
+        s.size = 1.1f * pieces[i].scale;
         s.colour = Color(1.0f * glow, 0.45f * glow, 0.12f * glow, 1.0f);
         if (glow > 0.02f && frustum.isSphereInside(s.position, s.size))
             sprite(s, right, up);
@@ -367,7 +376,7 @@ void Kaboom::drawShock(float t)
     const float width = 8.0f + 26.0f * (1.0f - std::exp(-t));
     const float inner = std::max(0.0f, radius - width);
     const float outer = radius + width * 0.15f;
-    const float wall = 6.0f + 34.0f * (1.0f - std::exp(-t / 0.6f));
+    const float wall = 10.0f + 60.0f * (1.0f - std::exp(-t / 0.6f));
     glDisable(GL_CULL_FACE);
     shock->bind();
     glColor4f(1.0f * strength, 0.72f * strength, 0.45f * strength, 1.0f);
@@ -382,7 +391,7 @@ void Kaboom::drawShock(float t)
         glVertex3f(centre.x + outer * c, RING_HEIGHT, centre.z + outer * sn);
     }
     glEnd();
-    glColor4f(0.6f * strength, 0.45f * strength, 0.3f * strength, 1.0f);
+    glColor4f(0.85f * strength, 0.6f * strength, 0.4f * strength, 1.0f);
     glBegin(GL_QUAD_STRIP);
     for (int k = 0; k <= RING_SEGMENTS; ++k) {
         const float a = 6.2831855f * static_cast<float>(k) / RING_SEGMENTS;
