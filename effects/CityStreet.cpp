@@ -98,7 +98,21 @@ void CityStreet::update(float seconds)
     } else if (cameraAnimation) {
         cameraAnimation->update(seconds);
     }
+    Camera* camera = CameraMgr::getHandle()->find(CAMERA_NAME);
+    if (camera && cameraAnimation) {
+        const Vector3 jolt(0.0f, -bounce(lap), 0.0f);
+        camera->setPosition(camera->getPosition() + jolt);
+        camera->setDirection(camera->getTarget() + jolt);
+    }
     street.update(lap, OneWayStreet::cameraTravel(cameraAnimation));
+}
+
+float CityStreet::bounce(double t)
+{
+    // A small dip on every kick, a deeper one on the crashes every four bars.
+    const double beat = std::fmod(t, BEAT);
+    const double crash = std::fmod(t, 4.0 * BAR);
+    return static_cast<float>(0.06 * std::exp(-12.0 * beat) + 0.3 * std::exp(-5.0 * crash));
 }
 
 void CityStreet::display()

@@ -27,6 +27,9 @@ public:
     const OneWayStreet& getStreet() const { return street; }
     const CameraAnimation* getCameraAnimation() const { return cameraAnimation; }
 
+    // How far the camera dips t seconds into the race, riding the song's kicks and crashes.
+    static float bounce(double t);
+
 private:
     void loadCamera();
 

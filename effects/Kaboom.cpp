@@ -247,7 +247,7 @@ bool Kaboom::smokePuff(size_t i, float t, Sprite& s) const
     s.position = p.origin + p.velocity * rise + WIND * age;
     s.size = p.size * (0.35f + 0.65f * (1.0f - std::exp(-0.8f * age)));
     // Lit orange from below by the fire while young, a dull brown-grey once it has cooled.
-    s.colour = mixed(Color(0.17f, 0.15f, 0.15f, 1.0f), Color(0.5f, 0.17f, 0.07f, 1.0f), std::exp(-age / 2.0f));
+    s.colour = mixed(Color(0.22f, 0.19f, 0.19f, 1.0f), Color(0.5f, 0.17f, 0.07f, 1.0f), std::exp(-age / 2.0f));
     s.colour.a = 0.6f * smoothstep(0.0f, 0.6f, age) * (1.0f - smoothstep(p.life * 0.4f, p.life, age));
     return true;
 }

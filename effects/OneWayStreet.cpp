@@ -338,12 +338,14 @@ float OneWayStreet::pulse() const
 float OneWayStreet::signLevel(size_t k) const
 {
     const Sign& s = signs[k];
+    // Every sign flares on the crash that opens each four bars.
+    const float flare = 1.0f + 0.5f * static_cast<float>(std::exp(-3.0 * std::fmod(time, 4.0 * BAR)));
     if (s.behaviour == PULSING)
-        return s.brightness * (0.65f + 0.35f * pulse());
+        return s.brightness * flare * (0.65f + 0.35f * pulse());
     const int sixteenth = static_cast<int>(time * 8.0);
     if (s.behaviour == FAILING && chance(sixteenth, static_cast<int>(k), 0xf1c4u) < 0.3)
         return s.brightness * 0.12f;
-    return s.brightness;
+    return s.brightness * flare;
 }
 
 Color OneWayStreet::signColour(const Sign& s)
