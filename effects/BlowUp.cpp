@@ -2,6 +2,7 @@
 // the crash a white flash, the blast, the power failing as the shock passes, and the smoke thinning to the quiet.
 #include "effects/BlowUp.h"
 
+#include "effects/CityCamera.h"
 #include "effects/Dice.h"
 #include "effects/SceneKit.h"
 #include "effects/SharedLayout.h"
@@ -42,6 +43,7 @@ const Vector3 ZERO(static_cast<float>(ZERO_X), 0.0f, static_cast<float>(ZERO_Z))
 // Without its path the camera looks at ground zero from above the city's edge.
 const Vector3 REST_EYE(-40.0f, 260.0f, ZERO.z + 8.0f);
 const Vector3 REST_TARGET = ZERO + Vector3(0.0f, 15.0f, 0.0f);
+const CityCamera::Setup CAMERA = {CAMERA_NAME, CAMERA_PATH, REST_EYE, REST_TARGET, NEAR_CLIP, FAR_CLIP, FIELD_OF_VIEW};
 const Color FIRE_LIT(1.0f, 0.6f, 0.4f, 1.0f);
 const Color EMBERS(0.07f, 0.04f, 0.035f, 1.0f);
 
@@ -136,30 +138,11 @@ void BlowUp::initiate()
     glow = SceneKit::findOrMakeMaterial("CityGlow", SharedLayout::PARTICLE, Material::overlay, Material::blendAdd);
     if (!glow->getTexture())
         glow = nullptr;
-    loadCamera();
+    delete cameraAnimation;
+    cameraAnimation = CityCamera::start(SCENE, CAMERA);
     SceneKit::directionalLight(SKY_LIGHT, SKY);
     SceneKit::directionalLight(FIRE_LIGHT, FIRE_GLOW)->turnOff();
     street.update(CITY_SECONDS, Vector3());
-}
-
-void BlowUp::loadCamera()
-{
-    CameraMgr* cameras = CameraMgr::getHandle();
-    if (!cameras->find(CAMERA_NAME))
-        cameras->add(new Camera(CAMERA_NAME));
-    Camera* camera = cameras->find(CAMERA_NAME);
-    camera->lookAt(REST_EYE, REST_TARGET);
-    camera->setClipPlanes(NEAR_CLIP, FAR_CLIP);
-    camera->setFOV(FIELD_OF_VIEW);
-    cameras->setActiveCamera(CAMERA_NAME);
-
-    delete cameraAnimation;
-    cameraAnimation = SceneKit::loadOrReport<CameraAnimation>(SCENE, CAMERA_PATH);
-    if (!cameraAnimation)
-        return;
-    cameraAnimation->setup();
-    cameraAnimation->setCamera(CAMERA_NAME);
-    cameraAnimation->update(0.0f);
 }
 
 void BlowUp::update(float seconds)
@@ -176,7 +159,7 @@ void BlowUp::update(float seconds)
         camera->setPosition(camera->getPosition() + offset);
         camera->setDirection(camera->getTarget() + offset * 0.5f);
     }
-    street.update(CITY_SECONDS + t, OneWayStreet::cameraTravel(cameraAnimation));
+    street.update(CITY_SECONDS + t, CityCamera::travel(cameraAnimation, OneWayStreet::TRAIL_SECONDS));
     const float since = t - static_cast<float>(CRASH);
     street.setDarkness(ZERO, since < 0.0f ? -1.0f : Kaboom::shockRadius(since));
     // The fire lights the flying pieces from ground zero's side.

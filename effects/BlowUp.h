@@ -43,7 +43,6 @@ public:
     static float charge(float t);
 
 private:
-    void loadCamera();
     void drawCharge(const Camera& camera);
     void drawFlash();
 

@@ -1,6 +1,7 @@
 // The city street: the block and its street life under a night sky, seen from the camera racing along the route.
 #include "effects/CityStreet.h"
 
+#include "effects/CityCamera.h"
 #include "effects/SceneKit.h"
 
 #include "gl/GLF_checkError.h"
@@ -22,6 +23,14 @@ const char* const STREET_LIGHT = "CityStreetGlow";
 const float NEAR_CLIP = 0.3f;
 const float FAR_CLIP = 260.0f;
 const float FIELD_OF_VIEW = 64.0f;
+// Without its path the camera stands at the start of the route, looking down the first street.
+const CityCamera::Setup CAMERA = {CAMERA_NAME,
+                                  CAMERA_PATH,
+                                  Vector3(0.0f, static_cast<float>(CAMERA_HEIGHT), static_cast<float>(2 * PITCH)),
+                                  Vector3(40.0f, static_cast<float>(CAMERA_HEIGHT), static_cast<float>(2 * PITCH)),
+                                  NEAR_CLIP,
+                                  FAR_CLIP,
+                                  FIELD_OF_VIEW};
 const float FOG_START = 30.0f;
 const float FOG_END = 235.0f;
 
@@ -53,35 +62,12 @@ void CityStreet::initiate()
     CityBlock::setupNight(FOG_START, FOG_END);
     block.load(SCENE);
     street.load(SCENE);
-    loadCamera();
+    delete cameraAnimation;
+    cameraAnimation = CityCamera::start(SCENE, CAMERA);
     SceneKit::directionalLight(MOON_LIGHT, MOON);
     SceneKit::directionalLight(STREET_LIGHT, STREET);
     lap = 0.0;
     street.update(lap, Vector3());
-}
-
-void CityStreet::loadCamera()
-{
-    CameraMgr* cameras = CameraMgr::getHandle();
-    if (!cameras->find(CAMERA_NAME)) {
-        Camera* camera = new Camera(CAMERA_NAME);
-        cameras->add(camera);
-    }
-    Camera* camera = cameras->find(CAMERA_NAME);
-    // Without its path the camera stands at the start of the route, looking down the first street.
-    camera->lookAt(Vector3(0.0f, static_cast<float>(CAMERA_HEIGHT), static_cast<float>(2 * PITCH)),
-                   Vector3(40.0f, static_cast<float>(CAMERA_HEIGHT), static_cast<float>(2 * PITCH)));
-    camera->setClipPlanes(NEAR_CLIP, FAR_CLIP);
-    camera->setFOV(FIELD_OF_VIEW);
-    cameras->setActiveCamera(CAMERA_NAME);
-
-    delete cameraAnimation;
-    cameraAnimation = SceneKit::loadOrReport<CameraAnimation>(SCENE, CAMERA_PATH);
-    if (!cameraAnimation)
-        return;
-    cameraAnimation->setup();
-    cameraAnimation->setCamera(CAMERA_NAME);
-    cameraAnimation->update(0.0f);
 }
 
 void CityStreet::update(float seconds)
@@ -104,7 +90,7 @@ void CityStreet::update(float seconds)
         camera->setPosition(camera->getPosition() + jolt);
         camera->setDirection(camera->getTarget() + jolt);
     }
-    street.update(lap, OneWayStreet::cameraTravel(cameraAnimation));
+    street.update(lap, CityCamera::travel(cameraAnimation, OneWayStreet::TRAIL_SECONDS));
 }
 
 float CityStreet::bounce(double t)

@@ -31,8 +31,6 @@ public:
     static float bounce(double t);
 
 private:
-    void loadCamera();
-
     double lap;
     CityBlock block;
     OneWayStreet street;

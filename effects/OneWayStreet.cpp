@@ -8,12 +8,10 @@
 #include "effects/SharedLayout.h"
 
 #include "scene/Camera.h"
-#include "scene/CameraAnimation.h"
 #include "scene/Face.h"
 #include "scene/FaceArray.h"
 #include "scene/Frustum.h"
 #include "scene/LightMgr.h"
-#include "scene/Lin3Track.h"
 #include "scene/Mesh.h"
 #include "texture/Material.h"
 #include "texture/Texture.h"
@@ -139,16 +137,6 @@ Vector3 OneWayStreet::carPosition(const Car& car, double t, Vector3* heading)
         *heading = l.alongX ? Vector3(static_cast<float>(l.direction), 0.0f, 0.0f)
                             : Vector3(0.0f, 0.0f, static_cast<float>(l.direction));
     return l.alongX ? toVector(a, 0.0, l.across) : toVector(l.across, 0.0, a);
-}
-
-Vector3 OneWayStreet::cameraTravel(const CameraAnimation* path)
-{
-    const Lin3Track* track = path ? path->getPositionTrack() : nullptr;
-    if (!track)
-        return Vector3();
-    const float now = path->getCurrentFrame();
-    const float before = std::max(0.0f, now - TRAIL_SECONDS * path->getFramesPerSec());
-    return track->evaluate(now) - track->evaluate(before);
 }
 
 OneWayStreet::OneWayStreet()

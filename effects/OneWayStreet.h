@@ -9,7 +9,6 @@
 #include <vector>
 
 class Camera;
-class CameraAnimation;
 class Frustum;
 class Mesh;
 class Material;
@@ -60,9 +59,6 @@ public:
     static double along(int lane, int slot, double t);
     // The car's centre on the road t seconds into the city, and the unit way it faces.
     static Vector3 carPosition(const Car& car, double t, Vector3* heading = nullptr);
-
-    // How far a camera flown along the path has come over the last trail time (nothing without a path).
-    static Vector3 cameraTravel(const CameraAnimation* path);
 
     // Plans the traffic and the signs; nothing of GL.
     OneWayStreet();

@@ -1,5 +1,5 @@
-// The city street: what hides behind a street's walls, a start without its data (one line per missing piece) and
-// with it, and the block shared with the blast that follows instead of loaded twice.
+// The city street and the blast on it: what hides behind a street's walls, starts without their data (one line per
+// missing piece) and with it, and the block the blast shares with the street instead of loading it twice.
 #include "effects/BlowUp.h"
 #include "effects/CityBlock.h"
 #include "effects/CityLayout.h"
@@ -130,6 +130,29 @@ TEST_F(CityStreetTest, WithoutItsDataTheStreetSaysOnceWhatIsMissingAndStillRuns)
             << surface.picture.file;
     // Nothing but those lines, and nothing more while it runs.
     EXPECT_EQ(count(errors, "\n"), 7u + SURFACE_COUNT + 1u) << errors;
+}
+
+TEST_F(CityStreetTest, WithoutItsDataTheBlastSaysOnceWhatIsMissingAndStillRuns)
+{
+    const std::string errors = withoutData([] {
+        BlowUp blast(0, EffectTimer(247.5f, 259.5f));
+        blast.initiate();
+        EXPECT_EQ(blast.getCameraAnimation(), nullptr);
+        // Through the crash, so the fire, shock and smoke are drawn too.
+        for (int i = 0; i < 12; ++i) {
+            blast.update(0.5f);
+            blast.display();
+        }
+        blast.shutdown();
+        EXPECT_FALSE(glIsEnabled(GL_FOG));
+        EXPECT_EQ(LightMgr::getHandle()->find("BlowUpFire"), nullptr);
+    });
+    for (const char* file :
+         {BlowUpLayout::CAMERA_PATH, BlowUpLayout::DEBRIS_MESHES[0], BlowUpLayout::DEBRIS_MESHES[1],
+          BlowUpLayout::FIRE.file, BlowUpLayout::SMOKE.file, BlowUpLayout::SHOCK.file, OCTREE, CAR_MESH})
+        EXPECT_EQ(count(errors, std::string("BlowUp: couldn't load '") + file + "'\n"), 1u) << file << errors;
+    // One line each: the blast's own pieces, the block's and the street's, nothing per frame.
+    EXPECT_EQ(count(errors, "\n"), 6u + 1u + SURFACE_COUNT + 6u) << errors;
 }
 
 TEST_F(CityStreetTest, WithItsDataTheBlockTrafficAndPathLoadAndTheBlastSharesTheBlock)

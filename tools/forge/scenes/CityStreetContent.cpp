@@ -37,55 +37,38 @@ Vec3 direction(int from, int to)
 
 }  // namespace
 
-CityStreetContent::CityStreetContent()
+CityStreetContent::CityStreetContent() : route(nodePoint(0))
 {
     // Corners are cut by a quarter circle; the node's moment is the middle of that arc.
-    samples.push_back(nodePoint(0));
-    arc.push_back(0.0);
     nodes.push_back(0.0);
-    const auto add = [this](const Vec3& p) {
-        arc.push_back(arc.back() + (p - samples.back()).length());
-        samples.push_back(p);
-    };
     for (int k = 1; k < ROUTE_NODES; ++k) {
         const Vec3 in = direction(k - 1, k);
         const Vec3 out = k + 1 < ROUTE_NODES ? direction(k, k + 1) : in;
         const Vec3 p = nodePoint(k);
         if (in.dot(out) > 0.5) {
-            add(p);
-            nodes.push_back(arc.back());
+            route.add(p);
+            nodes.push_back(route.length());
             continue;
         }
         const Vec3 centre = p - in * CORNER_RADIUS + out * CORNER_RADIUS;
         for (int a = 0; a <= ARC_SAMPLES; ++a) {
             const double phi = 0.5 * Maths::pi * a / ARC_SAMPLES;
-            add(centre - out * (CORNER_RADIUS * Maths::cos(phi)) + in * (CORNER_RADIUS * Maths::sin(phi)));
+            route.add(centre - out * (CORNER_RADIUS * Maths::cos(phi)) + in * (CORNER_RADIUS * Maths::sin(phi)));
             if (a == ARC_SAMPLES / 2)
-                nodes.push_back(arc.back());
+                nodes.push_back(route.length());
         }
     }
     const Vec3 last = direction(ROUTE_NODES - 2, ROUTE_NODES - 1);
-    add(nodePoint(ROUTE_NODES - 1) + last * (PITCH * 0.5));
+    route.add(nodePoint(ROUTE_NODES - 1) + last * (PITCH * 0.5));
 }
 
 Vec3 CityStreetContent::routePoint(double s) const
 {
     if (s <= 0.0)
-        return samples.front() + direction(0, 1) * s;
+        return route.front() + direction(0, 1) * s;
     if (s >= length())
-        return samples.back() + direction(ROUTE_NODES - 2, ROUTE_NODES - 1) * (s - length());
-    size_t lo = 0;
-    size_t hi = arc.size() - 1;
-    while (hi - lo > 1) {
-        const size_t mid = (lo + hi) / 2;
-        if (arc[mid] <= s)
-            lo = mid;
-        else
-            hi = mid;
-    }
-    const double span = arc[hi] - arc[lo];
-    const double t = span > 0.0 ? (s - arc[lo]) / span : 0.0;
-    return samples[lo] + (samples[hi] - samples[lo]) * t;
+        return route.back() + direction(ROUTE_NODES - 2, ROUTE_NODES - 1) * (s - length());
+    return route.at(s);
 }
 
 double CityStreetContent::distanceAt(double t) const

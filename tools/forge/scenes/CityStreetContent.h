@@ -3,6 +3,7 @@
 
 #include "ContentUnit.h"
 #include "MeshBuilder.h"
+#include "Polyline.h"
 
 #include "effects/CityLayout.h"
 
@@ -28,7 +29,7 @@ public:
     // The route on the ground, by distance along it: straight down the streets' middles, rounded at the
     // turns, carried on straight before its start and past its end.
     Vec3 routePoint(double s) const;
-    double length() const { return arc.back(); }
+    double length() const { return route.length(); }
     // The distance at which the route passes route node k (the middle of the arc where it turns).
     double nodeDistance(int k) const { return nodes[static_cast<size_t>(k)]; }
     // Distance along the route t seconds into the scene: node k is passed at k bars.
@@ -42,7 +43,6 @@ private:
     bool writeCar(Forge& forge) const;
     bool pictures(Forge& forge) const;
 
-    std::vector<Vec3> samples;
-    std::vector<double> arc;
+    Polyline route;
     std::vector<double> nodes;
 };
