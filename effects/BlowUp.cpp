@@ -4,6 +4,7 @@
 
 #include "effects/CityCamera.h"
 #include "effects/Dice.h"
+#include "effects/OwnLights.h"
 #include "effects/SceneKit.h"
 #include "effects/SharedLayout.h"
 
@@ -249,7 +250,12 @@ void BlowUp::display()
     CityBlock::setNightLight(night);
     CityBlock::drawSurroundings(*camera, night);
     block.draw(*camera, cityTint(t));
-    street.drawCars(*camera);
+    static const char* const ours[] = {SKY_LIGHT, FIRE_LIGHT, nullptr};
+    {
+        const OwnLights only(ours);
+        street.drawCars(*camera);
+        kaboom.drawPieces(*camera, t - static_cast<float>(CRASH));
+    }
     street.drawLights(*camera);
     drawCharge(*camera);
     kaboom.draw(*camera, t - static_cast<float>(CRASH));

@@ -2,6 +2,7 @@
 #include "effects/CityStreet.h"
 
 #include "effects/CityCamera.h"
+#include "effects/OwnLights.h"
 #include "effects/SceneKit.h"
 
 #include "gl/GLF_checkError.h"
@@ -108,7 +109,11 @@ void CityStreet::display()
         return;
     CityBlock::drawSurroundings(*camera, 1.0f);
     block.draw(*camera, Color(1.0f, 1.0f, 1.0f, 1.0f));
-    street.drawCars(*camera);
+    {
+        static const char* const ours[] = {MOON_LIGHT, STREET_LIGHT, nullptr};
+        const OwnLights only(ours);
+        street.drawCars(*camera);
+    }
     street.drawLights(*camera);
     GLF_checkError("CityStreet:display()");
 }

@@ -292,7 +292,6 @@ void Kaboom::draw(const Camera& camera, float t)
 {
     if (t <= 0.0f)
         return;
-    drawPieces(camera, t);
     GLfloat fog[4];
     glGetFloatv(GL_FOG_COLOR, fog);
     static const GLfloat black[4] = {0.0f, 0.0f, 0.0f, 0.0f};
@@ -309,6 +308,8 @@ void Kaboom::draw(const Camera& camera, float t)
 
 void Kaboom::drawPieces(const Camera& camera, float t)
 {
+    if (t <= 0.0f)
+        return;
     const Frustum& frustum = camera.getFrustum();
     // The pieces are scaled: their normals must be made unit length again for the lights.
     glEnable(GL_NORMALIZE);

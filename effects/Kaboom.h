@@ -77,14 +77,15 @@ public:
     // The debris meshes and the pictures; each missing piece is reported once in the scene's name.
     void load(const char* scene);
     void release();
-    // The blast t seconds after it: pieces, smoke, then the fire and the shock shining through.
+    // The flying pieces t seconds after the blast, lit; then the rest over everything lit: smoke, and the
+    // fire and the shock shining through it.
+    void drawPieces(const Camera& camera, float t);
     void draw(const Camera& camera, float t);
 
 private:
     void planFire();
     void planSmoke();
     void planPieces();
-    void drawPieces(const Camera& camera, float t);
     void drawFire(const Camera& camera, float t);
     void drawShock(float t);
     void drawSmoke(const Camera& camera, float t);

@@ -34,10 +34,11 @@ const double CLEAR_REACH = 12.0;
 const double CLEAR_SECONDS = 0.6;
 
 const int PAINTS = 8;
+// Night takes the colour out of paint: dark tones, a few bright ones, taxis.
 const Color PAINT_COLOURS[PAINTS] = {
-    Color(0.75f, 0.75f, 0.78f, 1.0f), Color(0.45f, 0.46f, 0.5f, 1.0f),  Color(0.05f, 0.05f, 0.06f, 1.0f),
-    Color(0.6f, 0.06f, 0.05f, 1.0f),  Color(0.08f, 0.18f, 0.55f, 1.0f), Color(0.9f, 0.68f, 0.08f, 1.0f),
-    Color(0.1f, 0.3f, 0.18f, 1.0f),   Color(0.9f, 0.68f, 0.08f, 1.0f),
+    Color(0.42f, 0.42f, 0.45f, 1.0f), Color(0.22f, 0.23f, 0.26f, 1.0f), Color(0.05f, 0.05f, 0.06f, 1.0f),
+    Color(0.45f, 0.04f, 0.04f, 1.0f), Color(0.06f, 0.12f, 0.4f, 1.0f),  Color(0.75f, 0.55f, 0.06f, 1.0f),
+    Color(0.07f, 0.22f, 0.13f, 1.0f), Color(0.12f, 0.12f, 0.14f, 1.0f),
 };
 const Color SODIUM(1.0f, 0.6f, 0.26f, 1.0f);
 const Color LED(0.7f, 0.82f, 1.0f, 1.0f);

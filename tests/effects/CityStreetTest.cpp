@@ -1,14 +1,18 @@
-// The city street and the blast on it: what hides behind a street's walls, starts without their data (one line per
-// missing piece) and with it, and the block the blast shares with the street instead of loading it twice.
+// The city street and the blast on it: what hides behind a street's walls, only their own lights on their cars,
+// starts without their data (one line per missing piece) and with it, and the block the blast shares with the
+// street instead of loading it twice.
 #include "effects/BlowUp.h"
 #include "effects/CityBlock.h"
 #include "effects/CityLayout.h"
 #include "effects/CityStreet.h"
+#include "effects/OwnLights.h"
+#include "effects/SceneKit.h"
 
 #include "gl/GLEXT.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
+#include "scene/Light.h"
 #include "scene/LightMgr.h"
 #include "support/GLContext.h"
 #include "texture/TextureMgr.h"
@@ -108,6 +112,28 @@ size_t count(const std::string& text, const std::string& part)
 }
 
 }  // namespace
+
+TEST_F(CityStreetTest, OnlyTheScenesOwnLightsShineWhileItDrawsItsCars)
+{
+    const SceneKit::LightSetup setup = {Vector3(0.0f, 1.0f, 0.0f),
+                                        Color(0.1f, 0.1f, 0.1f, 1.0f),
+                                        Color(1.0f, 1.0f, 1.0f, 1.0f),
+                                        Color(1.0f, 1.0f, 1.0f, 1.0f),
+                                        {1.0f, 0.0f, 0.0f}};
+    Light* ours = SceneKit::directionalLight("OwnLightsOurs", setup);
+    Light* left = SceneKit::directionalLight("OwnLightsLeftOn", setup);
+    {
+        static const char* const names[] = {"OwnLightsOurs", nullptr};
+        const OwnLights only(names);
+        EXPECT_TRUE(ours->isOn());
+        EXPECT_FALSE(left->isOn());
+        EXPECT_FALSE(glIsEnabled(static_cast<GLenum>(left->getUnit())));
+    }
+    EXPECT_TRUE(ours->isOn() && left->isOn());
+    EXPECT_TRUE(glIsEnabled(static_cast<GLenum>(left->getUnit())));
+    LightMgr::getHandle()->remove("OwnLightsOurs");
+    LightMgr::getHandle()->remove("OwnLightsLeftOn");
+}
 
 TEST_F(CityStreetTest, WithoutItsDataTheStreetSaysOnceWhatIsMissingAndStillRuns)
 {
