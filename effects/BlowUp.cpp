@@ -248,8 +248,8 @@ void BlowUp::display()
     const float t = getTime();
     const float night = nightLight(t);
     CityBlock::setNightLight(night);
-    CityBlock::drawSurroundings(*camera, night);
     block.draw(*camera, cityTint(t));
+    CityBlock::drawSurroundings(*camera, night);
     static const char* const ours[] = {SKY_LIGHT, FIRE_LIGHT, nullptr};
     {
         const OwnLights only(ours);

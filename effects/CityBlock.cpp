@@ -28,6 +28,7 @@ using namespace CityLayout;
 const int ARRAYS = VertexArray::POSITIONS | VertexArray::TEXCOORDS;
 const float SKY_RADIUS = 200.0f;
 const float GROUND_REACH = 2000.0f;
+const float GROUND_DEPTH = -0.05f;
 const Color GROUND(0.025f, 0.022f, 0.03f, 1.0f);
 
 // A node of the tree in walking order: the box and sphere round the faces below it, the index just past its
@@ -416,19 +417,21 @@ void CityBlock::endNight()
 
 void CityBlock::drawSurroundings(const Camera& camera, float light)
 {
-    // Behind everything: a band of sky round the eye, the glow low down and deep night above it (higher
-    // up the clear colour is the sky), and dark open ground round the city.
-    static const float ELEVATIONS[] = {-0.5f, 0.0f, 0.1f, 0.25f, 0.5f};
-    static const float SHADES[] = {0.0f, 0.0f, 0.4f, 0.8f, 1.0f};
+    // Drawn after the block, where nothing nearer stands: a band of sky round the eye, the glow low down and
+    // deep night above it (higher up the clear colour is the sky), and dark open ground round the city.
+    static const float ELEVATIONS[] = {0.0f, 0.1f, 0.25f, 0.5f};
+    static const float SHADES[] = {0.0f, 0.4f, 0.8f, 1.0f};
     const int bands = sizeof(ELEVATIONS) / sizeof(ELEVATIONS[0]) - 1;
     const int segments = 24;
     const Vector3 eye = camera.getPosition();
-    glDisable(GL_FOG);
-    glDisable(GL_DEPTH_TEST);
-    glDepthMask(GL_FALSE);
     glDisable(GL_CULL_FACE);
     glDisable(GL_TEXTURE_2D);
+    glDepthMask(GL_FALSE);
     LightMgr::getHandle()->turnLightingOff();
+    // The sky at the far plane, in the clear depth the block left.
+    glDisable(GL_FOG);
+    glDepthRange(1.0, 1.0);
+    glDepthFunc(GL_LEQUAL);
     for (int b = 0; b < bands; ++b) {
         glBegin(GL_TRIANGLE_STRIP);
         for (int s = 0; s <= segments; ++s) {
@@ -443,8 +446,10 @@ void CityBlock::drawSurroundings(const Camera& camera, float light)
         }
         glEnd();
     }
+    glDepthFunc(GL_LESS);
+    glDepthRange(0.0, 1.0);
     glEnable(GL_FOG);
-    // The ground as a frame round the city's sidewalks, which cover the rest.
+    // The ground as a frame round the city's sidewalks, just below the roads that run on out over it.
     const float low = static_cast<float>(FIRST_BLOCK * PITCH + ROAD_HALF);
     const float high = static_cast<float>((LAST_BLOCK + 1) * PITCH - ROAD_HALF);
     const float far = GROUND_REACH;
@@ -453,14 +458,13 @@ void CityBlock::drawSurroundings(const Camera& camera, float light)
     const float strips[4][4] = {
         {-far, -far, far, low}, {-far, high, far, far}, {-far, low, low, high}, {high, low, far, high}};
     for (const auto& r : strips) {
-        glVertex3f(r[0], 0.0f, r[1]);
-        glVertex3f(r[0], 0.0f, r[3]);
-        glVertex3f(r[2], 0.0f, r[3]);
-        glVertex3f(r[2], 0.0f, r[1]);
+        glVertex3f(r[0], GROUND_DEPTH, r[1]);
+        glVertex3f(r[0], GROUND_DEPTH, r[3]);
+        glVertex3f(r[2], GROUND_DEPTH, r[3]);
+        glVertex3f(r[2], GROUND_DEPTH, r[1]);
     }
     glEnd();
     LightMgr::getHandle()->turnLightingOn();
-    glEnable(GL_CULL_FACE);
     glDepthMask(GL_TRUE);
-    glEnable(GL_DEPTH_TEST);
+    glEnable(GL_CULL_FACE);
 }

@@ -43,7 +43,8 @@ public:
     static void setupNight(float fogStart, float fogEnd);
     static void setNightLight(float light);
     static void endNight();
-    // The sky round the eye and the open ground round the city, drawn first, dimmed like the night.
+    // The sky round the eye and the open ground round the city, dimmed like the night: drawn after the
+    // block, only where it leaves them showing.
     static void drawSurroundings(const Camera& camera, float light);
 
     // Whether a box lies wholly behind a wall of the street the eye stands in, below the lowest roof:

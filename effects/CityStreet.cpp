@@ -107,8 +107,8 @@ void CityStreet::display()
     const Camera* camera = CameraMgr::getHandle()->getActiveCamera();
     if (!camera)
         return;
-    CityBlock::drawSurroundings(*camera, 1.0f);
     block.draw(*camera, Color(1.0f, 1.0f, 1.0f, 1.0f));
+    CityBlock::drawSurroundings(*camera, 1.0f);
     {
         static const char* const ours[] = {MOON_LIGHT, STREET_LIGHT, nullptr};
         const OwnLights only(ours);

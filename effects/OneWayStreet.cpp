@@ -66,6 +66,7 @@ const float TRAIL_SEEN = 120.0f;
 const float SIGN_HALO = 1.8f;
 const float REFLECTION_HEIGHT = 0.18f;
 const float REFLECTION_DISTANCE = 90.0f;
+const float REFLECTION_EYE = 6.0f;
 
 double chance(int a, int b, uint32_t seed)
 {
@@ -556,6 +557,10 @@ void OneWayStreet::drawReflections(const Camera& camera)
     // towards the eye.
     const Frustum& frustum = camera.getFrustum();
     const Vector3 eye = camera.getPosition();
+    // Seen from high up the road no longer mirrors the lights.
+    const float low = 1.0f - std::min(1.0f, std::max(0.0f, (eye.y - REFLECTION_EYE) / REFLECTION_EYE));
+    if (low <= 0.0f)
+        return;
     const auto reflect = [&](const Vector3& light, const Color& c, float width, float k) {
         const Vector3 base(light.x, REFLECTION_HEIGHT, light.z);
         Vector3 toward(eye.x - base.x, 0.0f, eye.z - base.z);
@@ -566,7 +571,7 @@ void OneWayStreet::drawReflections(const Camera& camera)
         const float length = std::min(light.y * 1.8f, distance * 0.8f);
         const Vector3 side(-toward.z * width, 0.0f, toward.x * width);
         const Vector3 end = base + toward * length;
-        colour(c, k);
+        colour(c, k * low);
         glTexCoord2f(0.0f, 1.0f);
         glVertex3f(base.x - side.x, base.y, base.z - side.z);
         glTexCoord2f(1.0f, 1.0f);
