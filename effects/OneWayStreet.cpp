@@ -218,7 +218,8 @@ void OneWayStreet::planSigns()
             for (int s = 0; s < 4; ++s) {
                 if (sides[s].street < 0 || sides[s].street >= STREETS)
                     continue;
-                const int block = (bx + 8) * 64 + (bz + 8) * 4 + s;
+                // A number of its own for every block side, to draw its chances with.
+                const int block = ((bx - FIRST_BLOCK) * BLOCKS + bz - FIRST_BLOCK) * 4 + s;
                 const double r = chance(block, 0, 0x5161u);
                 const int count = r < 0.25 ? 0 : r < 0.7 ? 1 : 2;
                 for (int n = 0; n < count; ++n) {
@@ -436,7 +437,7 @@ void OneWayStreet::drawGround(const Camera& camera)
         Vector3 heading;
         const Vector3 p = carPosition(c, time, &heading);
         const Vector3 centre = p + heading * (0.5f * (BEAM_NEAR + BEAM_FAR)) + Vector3(0.0f, 0.05f, 0.0f);
-        if ((p - eye).length() > BEAM_SEEN || !frustum.isSphereInside(centre, BEAM_FAR))
+        if (!lit(p) || (p - eye).length() > BEAM_SEEN || !frustum.isSphereInside(centre, BEAM_FAR))
             continue;
         // The picture has the car at its bottom edge and the light spreading up it.
         const Vector3 side = up.cross(heading) * -1.0f;
@@ -515,7 +516,7 @@ void OneWayStreet::drawGlows(const Camera& camera)
     for (const Car& c : cars) {
         Vector3 heading;
         const Vector3 p = carPosition(c, time, &heading);
-        if ((p - eye).length() > LIGHT_DISTANCE || !frustum.isSphereInside(p, 3.0f))
+        if (!seen(frustum, eye, p, 3.0f, LIGHT_DISTANCE))
             continue;
         const Vector3 side = Vector3(0.0f, 1.0f, 0.0f).cross(heading) * static_cast<float>(LIGHT_SPREAD);
         const Vector3 lift(0.0f, static_cast<float>(LIGHT_HEIGHT), 0.0f);
@@ -638,7 +639,7 @@ void OneWayStreet::drawTrails(const Camera& camera)
         Vector3 heading;
         Vector3 wasHeading;
         const Vector3 p = carPosition(c, time, &heading);
-        if ((p - eye).length() > TRAIL_SEEN || !frustum.isSphereInside(p, 6.0f + travel.length()))
+        if (!seen(frustum, eye, p, 6.0f + travel.length(), TRAIL_SEEN))
             continue;
         const Vector3 q = carPosition(c, before, &wasHeading);
         // A car that came round the end of its lane has no trail this moment.

@@ -75,8 +75,8 @@ public:
 
     // The street's clock (seconds into the city) and how far the camera moved over the last trail time.
     void update(double time, const Vector3& cameraTravel);
-    // Lamps and signs dim to nothing inside this distance from a point (the blast's shock): a negative
-    // reach leaves them all lit.
+    // Lamps, signs and car lights go out inside this distance from a point (the blast's shock): a
+    // negative reach leaves them all lit.
     void setDarkness(const Vector3& centre, float reach);
     void drawCars(const Camera& camera);
     // The lights over the block: pools and washes, beams, neon, glows and trails, added to the picture.
