@@ -44,7 +44,9 @@ public:
 
 private:
     void drawCharge(const Camera& camera);
-    void drawFlash();
+    void drawFlash(float white);
+    // Draws the blast's pieces once, unseen, as the scene starts.
+    void rehearse();
 
     CityBlock block;
     OneWayStreet street;
