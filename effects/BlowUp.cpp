@@ -30,10 +30,10 @@ const char* const SCENE = "BlowUp";
 const char* const SKY_LIGHT = "BlowUpSky";
 const char* const FIRE_LIGHT = "BlowUpFire";
 const float NEAR_CLIP = 0.5f;
-const float FAR_CLIP = 500.0f;
+const float FAR_CLIP = 440.0f;
 const float FIELD_OF_VIEW = 50.0f;
-const float FOG_START = 180.0f;
-const float FOG_END = 490.0f;
+const float FOG_START = 240.0f;
+const float FOG_END = 430.0f;
 // The light gathers from here to the crash, in a pillar this tall.
 const float CHARGE_FROM = 1.5f;
 const float PILLAR = 220.0f;

@@ -122,7 +122,7 @@ void Kaboom::planFire()
         p.velocity = direction(k, FIRE_SEED, 0.15f) * Dice::range(k, 6, FIRE_SEED, 40.0f, 120.0f);
         p.start = Dice::range(k, 7, FIRE_SEED, 0.0f, 0.25f);
         p.life = Dice::range(k, 8, FIRE_SEED, 2.4f, 4.4f);
-        p.size = Dice::range(k, 9, FIRE_SEED, 18.0f, 34.0f);
+        p.size = Dice::range(k, 9, FIRE_SEED, 16.0f, 29.0f);
         p.lift = Dice::range(k, 10, FIRE_SEED, 8.0f, 18.0f);
         fire.push_back(p);
         clusters.push_back(0);
@@ -162,7 +162,7 @@ void Kaboom::planSmoke()
                              Dice::range(k, 8, SMOKE_SEED, -6.0f, 6.0f));
         p.start = 0.5f + 4.0f * static_cast<float>(k) / SMOKE_PUFFS;
         p.life = std::min(Dice::range(k, 9, SMOKE_SEED, 4.0f, 6.5f), SMOKE_GONE - p.start);
-        p.size = Dice::range(k, 10, SMOKE_SEED, 22.0f, 36.0f);
+        p.size = Dice::range(k, 10, SMOKE_SEED, 19.0f, 31.0f);
         p.lift = 0.0f;
         smoke.push_back(p);
     }
