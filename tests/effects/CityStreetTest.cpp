@@ -8,6 +8,8 @@
 #include "effects/OwnLights.h"
 #include "effects/SceneKit.h"
 
+#include "MissingData.h"
+
 #include "gl/GLEXT.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
@@ -20,7 +22,6 @@
 #include <GL/gl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
-#include <cstdlib>
 #include <string>
 
 using namespace CityLayout;
@@ -80,27 +81,17 @@ protected:
     }
 };
 
-// Runs the body in an empty directory and returns what it printed on the error stream.
+// The lines a scene printed on the error stream where none of its files are; its output must hold no GL error.
 template <typename Body>
 std::string withoutData(Body body)
 {
-    char dir[] = "/tmp/city-empty-XXXXXX";
-    if (!mkdtemp(dir))
-        return "no directory";
-    char* previous = getcwd(nullptr, 0);
-    if (chdir(dir) != 0)
-        return "no directory";
-    testing::internal::CaptureStderr();
-    testing::internal::CaptureStdout();
+    MissingData nothing;
+    if (!nothing.entered())
+        return "no empty directory";
     body();
-    const std::string out = testing::internal::GetCapturedStdout();
-    std::string errors = testing::internal::GetCapturedStderr();
-    if (chdir(previous) != 0)
-        errors += "cannot return";
-    std::free(previous);
-    rmdir(dir);
-    EXPECT_EQ(out.find("OpenGL ERROR"), std::string::npos) << out;
-    return errors;
+    nothing.finish();
+    EXPECT_EQ(nothing.getOutput().find("OpenGL ERROR"), std::string::npos) << nothing.getOutput();
+    return nothing.getErrors();
 }
 
 size_t count(const std::string& text, const std::string& part)
