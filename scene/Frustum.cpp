@@ -17,6 +17,11 @@ void Frustum::update()
     float m[16];
     glGetFloatv(GL_PROJECTION_MATRIX, p);
     glGetFloatv(GL_MODELVIEW_MATRIX, m);
+    extract(p, m);
+}
+
+void Frustum::extract(const float p[16], const float m[16])
+{
     // In OpenGL's column-major arrays this product is projection x model-view.
     float c[16];
     for (int i = 0; i < 4; ++i) {

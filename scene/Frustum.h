@@ -22,6 +22,9 @@ public:
     // Both read the GL matrices too; the arguments only say when to do it.
     void update(const Camera& camera);
     void update(const Vector3& position, const Vector3& u, const Vector3& v, const Vector3& n);
+    // The same planes from matrices given as OpenGL keeps them (column-major), so culling can be
+    // worked out with no GL context.
+    void extract(const float projection[16], const float modelView[16]);
 
     // With the far test off only the first five planes count.
     void setFarTest(bool on) { farTest = on ? 1 : 0; }
