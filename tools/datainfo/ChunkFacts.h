@@ -16,7 +16,8 @@ struct ChunkFacts {
         CAMERA_SET,        // CMGR
         LIGHT_SET,         // LMGR
         TEXTURE_SET,       // TMGR
-        BEZIER_MESH        // BMSH
+        BEZIER_MESH,       // BMSH
+        TERRAIN            // TERA
     };
 
     Kind kind = UNKNOWN;
@@ -38,6 +39,7 @@ struct ChunkFacts {
         case LIGHT_SET: return "light set (LMGR)";
         case TEXTURE_SET: return "texture list (TMGR)";
         case BEZIER_MESH: return "Bezier mesh (BMSH)";
+        case TERRAIN: return "height-map terrain (TERA)";
         default: return "chunk file";
         }
     }

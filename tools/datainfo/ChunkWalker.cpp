@@ -5,6 +5,11 @@
 #include "GeometryWalker.h"
 #include "Printing.h"
 
+#include "scene/Terrain.h"
+
+#include <cmath>
+#include <vector>
+
 #include <sstream>
 
 namespace {
@@ -54,6 +59,8 @@ bool ChunkWalker::walk()
         ok = walkTextureList();
     } else if (first == "BMSH") {
         ok = walkBezier();
+    } else if (first == "TERA") {
+        ok = walkTerrain();
     } else {
         return reader.fail("no engine chunk starts with " + first);
     }
@@ -278,6 +285,46 @@ bool ChunkWalker::walkBezier()
     if (count > 0)
         reader.line() << "  control points from " << Printing::numbers(low, 3) << " to "
                       << Printing::numbers(high, 3) << "\n";
+    reader.leave();
+    return true;
+}
+
+bool ChunkWalker::walkTerrain()
+{
+    facts.kind = ChunkFacts::TERRAIN;
+    reader.enter("TERA");
+    std::string name;
+    int32_t columns = 0;
+    int32_t rows = 0;
+    float shape[6];
+    if (!reader.tag("TERA") || !reader.readName(name, "terrain name") || !reader.readInt(columns, "columns") ||
+        !reader.readInt(rows, "rows") || !reader.readFloats(shape, 6, "origin, spacing and texture scale"))
+        return false;
+    reader.line() << "TERA \"" << name << "\" grid " << columns << " x " << rows << " origin "
+                  << Printing::numbers(shape, 3) << " spacing " << Printing::numbers(shape + 3, 2) << " texture scale "
+                  << Printing::real(shape[5]) << "\n";
+    if (columns < 2 || rows < 2 || columns > Terrain::MAX_SIDE || rows > Terrain::MAX_SIDE)
+        return reader.fail("a grid of " + std::to_string(columns) + " x " + std::to_string(rows) +
+                           " points: each side must be 2 to " + std::to_string(Terrain::MAX_SIDE));
+    if (!(shape[3] > 0.0f) || !(shape[4] > 0.0f) || !std::isfinite(shape[3]) || !std::isfinite(shape[4]))
+        return reader.fail("the grid spacing must be finite and above 0");
+    // Row by row: a grid whose heights the file cannot hold is cut short at its first missing row.
+    std::vector<float> row(static_cast<size_t>(columns));
+    float low = 0.0f;
+    float high = 0.0f;
+    for (int32_t r = 0; r < rows; ++r) {
+        if (!reader.readFloats(row.data(), columns, "heights"))
+            return false;
+        for (int32_t c = 0; c < columns; ++c) {
+            const float h = row[static_cast<size_t>(c)];
+            if (!std::isfinite(h))
+                return reader.fail("the height at column " + std::to_string(c) + ", row " + std::to_string(r) +
+                                   " is not a finite number");
+            low = (r == 0 && c == 0) || h < low ? h : low;
+            high = (r == 0 && c == 0) || h > high ? h : high;
+        }
+    }
+    reader.line() << "  heights from " << Printing::real(low) << " to " << Printing::real(high) << "\n";
     reader.leave();
     return true;
 }

@@ -1,4 +1,4 @@
-// Walks a whole chunk file, printing its tree: which top-level chunks, the materials, cameras, lights and texture lists.
+// Walks a whole chunk file, printing its tree: which top-level chunks, the materials, cameras, lights, texture lists and terrain grids.
 #pragma once
 
 #include "ChunkFacts.h"
@@ -23,6 +23,7 @@ private:
     bool walkLight(const std::string& tag);
     bool walkTextureList();
     bool walkBezier();
+    bool walkTerrain();
     bool checkEnd();
 
     ChunkReader& reader;

@@ -12,6 +12,7 @@
 #include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
 #include "scene/Octree.h"
+#include "scene/Terrain.h"
 #include "scene/VertexArray.h"
 #include "texture/MaterialMgr.h"
 #include "texture/MipMapTexture.h"
@@ -96,6 +97,7 @@ bool EngineCheck::checkChunks(const std::string& file, const ChunkFacts& facts)
     case ChunkFacts::CAMERA_ANIMATION: ok = checkCameraAnimation(file); break;
     case ChunkFacts::MESH_ANIMATION: ok = checkMeshAnimation(file); break;
     case ChunkFacts::BEZIER_MESH: ok = checkBezier(file); break;
+    case ChunkFacts::TERRAIN: ok = checkTerrain(file); break;
     default: ok = checkSets(file, facts.kind); break;
     }
     clearRegistries();
@@ -169,6 +171,21 @@ bool EngineCheck::checkBezier(const std::string& file)
         return fail("the engine's BezierMesh::load refuses it");
     out << "engine: BezierMesh::load reads " << mesh.getNumPatches() << " patches of material \""
         << mesh.getMaterialName() << "\"" << (mesh.getMaterial() ? "" : " (the scene registers it)") << "\n";
+    return true;
+}
+
+bool EngineCheck::checkTerrain(const std::string& file)
+{
+    Terrain terrain;
+    if (!terrain.load(file.c_str()))
+        return fail("the engine's Terrain::load refuses it");
+    terrain.buildPatches();
+    const BoundingBox& limits = terrain.getLimits();
+    const float low[3] = {limits.getMin().x, limits.getMin().y, limits.getMin().z};
+    const float high[3] = {limits.getMax().x, limits.getMax().y, limits.getMax().z};
+    out << "engine: Terrain::load reads " << terrain.getColumns() << " x " << terrain.getRows() << " points; limits "
+        << Printing::numbers(low, 3) << " to " << Printing::numbers(high, 3) << "; " << terrain.getPatchCount()
+        << " patches of at most " << Terrain::DEFAULT_PATCH_CELLS << " cells a side\n";
     return true;
 }
 

@@ -31,6 +31,7 @@ private:
     bool checkCameraAnimation(const std::string& file);
     bool checkMeshAnimation(const std::string& file);
     bool checkBezier(const std::string& file);
+    bool checkTerrain(const std::string& file);
     bool checkSets(const std::string& file, ChunkFacts::Kind kind);
     // Mipmapped textures and lights call GL while loading.
     bool needsGL(const ChunkFacts& facts) const;

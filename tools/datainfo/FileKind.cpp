@@ -28,7 +28,7 @@ FileKind::Kind FileKind::detect(const unsigned char* head, size_t length, const 
 {
     if (length == 0)
         return EMPTY;
-    static const char* const chunkTags[] = {"MMGR", "CANI", "CMGR", "LMGR", "TMGR", "BMSH"};
+    static const char* const chunkTags[] = {"MMGR", "CANI", "CMGR", "LMGR", "TMGR", "BMSH", "TERA"};
     for (const char* tag : chunkTags) {
         if (startsWith(head, length, tag, 4))
             return CHUNKS;

@@ -6,6 +6,7 @@
 #include "ProgramRun.h"
 #include "scene/FaceArray.h"
 #include "scene/Octree.h"
+#include "scene/Terrain.h"
 #include "scene/VertexArray.h"
 #include "scene/object/Chunk.h"
 #include "texture/MaterialMgr.h"
@@ -85,6 +86,20 @@ std::string octreeHead()
     return head.str();
 }
 
+// A 3 x 2 terrain named "T", with the bytes after its header replaced by tail when given.
+std::string terrainFile(const std::string& tail = std::string())
+{
+    Terrain terrain("T");
+    terrain.create(3, 2, Vector3(1, 2, 3), 0.5f, 2.0f, 0.25f);
+    terrain.setHeight(2, 1, -7.5f);
+    std::ostringstream out;
+    terrain.save(out);
+    const std::string whole = out.str();
+    // Tag, name record, two counts and six floats come before the heights.
+    const size_t header = 4 + 3 + 8 + 24;
+    return tail.empty() ? whole : whole.substr(0, header) + tail;
+}
+
 } // namespace
 
 class ChunkWalk : public ::testing::Test {
@@ -119,4 +134,27 @@ TEST_F(ChunkWalk, AnOctreeFaceInNoLeafIsRefusedByTheWalkAndTheEngineCheck)
     EngineCheck engine(printout);
     EXPECT_FALSE(engine.checkChunks(dir.file("half.oct"), facts));
     EXPECT_EQ(engine.error(), "1 faces lie in no leaf of the loaded tree");
+}
+
+TEST_F(ChunkWalk, TerrainGridsArePrintedAndTheirBadSizesSpacingsAndHeightsNamed)
+{
+    ChunkFacts facts;
+    std::istringstream in(terrainFile());
+    std::ostringstream printout;
+    ChunkReader reader(in, printout);
+    ASSERT_TRUE(ChunkWalker(reader, facts).walk()) << reader.error();
+    EXPECT_EQ(facts.kind, ChunkFacts::TERRAIN);
+    EXPECT_NE(printout.str().find("TERA \"T\" grid 3 x 2"), std::string::npos) << printout.str();
+    EXPECT_NE(printout.str().find("heights from -7.5 to 0"), std::string::npos) << printout.str();
+
+    const std::string good = terrainFile();
+    std::string wide = good;
+    wide.replace(7, 4, int32(Terrain::MAX_SIDE + 1));
+    EXPECT_NE(walkError(wide).find("each side must be 2 to"), std::string::npos);
+    std::string flat = good;
+    flat.replace(27, 4, std::string(4, '\0'));
+    EXPECT_EQ(walkError(flat), "TERA: the grid spacing must be finite and above 0");
+    EXPECT_EQ(walkError(terrainFile(std::string(20, '\0') + std::string("\x00\x00\xc0\x7f", 4))),
+              "TERA: the height at column 2, row 1 is not a finite number");
+    EXPECT_NE(walkError(good.substr(0, good.size() - 1)).find("heights cut short"), std::string::npos);
 }

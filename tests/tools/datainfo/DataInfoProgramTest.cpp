@@ -33,7 +33,7 @@ std::vector<size_t> tagPositions(const std::vector<unsigned char>& bytes)
 {
     std::vector<size_t> found;
     for (const char* tag : {"MMGR", "CMAT", "TMAT", "MMAT", "MESH", "VARR", "FARR", "OCTT", "OCTN", "CANI", "LIN3",
-                            "TCB0", "BMSH", "CMGR", "LMGR", "TMGR"}) {
+                            "TCB0", "BMSH", "TERA", "CMGR", "LMGR", "TMGR"}) {
         auto at = std::search(bytes.begin(), bytes.end(), tag, tag + 4);
         if (at != bytes.end())
             found.push_back(static_cast<size_t>(at - bytes.begin()));
@@ -54,7 +54,7 @@ TEST(DataInfoGeneratedFiles, InfoOnEveryFileExitsZeroWithAPrintout)
         EXPECT_EQ(run.out.rfind(file + ": ", 0), 0u) << file << "\n" << run.out;
         // Chunk files are loaded by the engine's own classes too, octree leaves checked for every face.
         const std::string ext = std::filesystem::path(file).extension().string();
-        if (ext == ".msh" || ext == ".oct" || ext == ".cam" || ext == ".bez") {
+        if (ext == ".msh" || ext == ".oct" || ext == ".cam" || ext == ".bez" || ext == ".ter") {
             EXPECT_NE(run.out.find("::load reads"), std::string::npos) << file << "\n" << run.out;
         }
     }
