@@ -7,6 +7,7 @@
 #include "math/Matrix4.h"
 #include "scene/BezierMesh.h"
 #include "scene/Camera.h"
+#include "scene/Frustum.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
@@ -14,6 +15,7 @@
 #include "scene/MeshAnimation.h"
 #include "scene/Octree.h"
 #include "scene/SphericalUV.h"
+#include "scene/Terrain.h"
 #include "scene/loadMeshMSH.h"
 #include "texture/MaterialMgr.h"
 #include "texture/Texture.h"
@@ -196,6 +198,34 @@ Outcome bezierFile(const uint8_t* data, size_t size)
     mesh.moveMesh(Vector3(1.0f, 2.0f, 3.0f));
     for (int i = 0; i < mesh.getNumPatches(); ++i)
         BezierMesh::normalAt(mesh.getPatch(i), 0.5f, 0.25f);
+    return FuzzReaders::LOADED;
+}
+
+// A terrain file: one TERA chunk. It saves what it read bit for bit, builds its patches and
+// answers lookups anywhere, inside the grid or far outside it.
+Outcome terrainFile(const uint8_t* data, size_t size)
+{
+    std::istringstream in = streamOf(data, size);
+    Terrain terrain;
+    if (!terrain.load(in))
+        return FuzzReaders::REJECTED;
+    const std::string first = savedBytes(terrain);
+    Terrain again;
+    std::istringstream copy(first, std::ios::binary);
+    if (!again.load(copy) || savedBytes(again) != first || !terrain.buildPatches(3))
+        return FuzzReaders::INCONSISTENT;
+    const BoundingBox& limits = terrain.getLimits();
+    float sum = 0.0f;
+    for (const Vector3& p : {limits.getMin(), limits.getMax(), limits.getCentre(), Vector3(-1e30f, 0.0f, 1e30f)})
+        sum += terrain.heightAt(p.x, p.z) + terrain.normalAt(p.x, p.z).y;
+    (void)sum;
+    // Seen from far above the middle every patch is in view.
+    const float projection[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -1, -1, 0, 0, -0.2f, 0};
+    const float lookingDown[16] = {1, 0, 0, 0, 0, 0, 1, 0, 0, -1, 0, 0, 0, 0, -1e6f, 1};
+    Frustum frustum;
+    frustum.extract(projection, lookingDown);
+    frustum.setFarTest(false);
+    terrain.cull(frustum, Vector3(), 1.0f);
     return FuzzReaders::LOADED;
 }
 
@@ -429,6 +459,7 @@ const FuzzReaders::Reader readers[] = {
     {"textures", textureList},
     {"octree", octreeFile},
     {"bezier", bezierFile},
+    {"terrain", terrainFile},
     {"animation", animationFile},
     {"png", pngFile},
     {"jpeg", jpegFile},

@@ -22,7 +22,7 @@ fi
 
 dictionary() {
   case $1 in
-    mesh|plainmesh|materials|lights|cameras|textures|octree|bezier|animation) echo "$src/dict/chunks.dict" ;;
+    mesh|plainmesh|materials|lights|cameras|textures|octree|bezier|terrain|animation) echo "$src/dict/chunks.dict" ;;
     *) [[ -f $src/dict/$1.dict ]] && echo "$src/dict/$1.dict" ;;
   esac
 }
@@ -34,6 +34,7 @@ forgeSeeds() {
     mesh) pattern='*.msh' ;;
     octree) pattern='*.oct' ;;
     bezier) pattern='*.bez' ;;
+    terrain) pattern='*.ter' ;;
     animation) pattern='*.cam' ;;
     png) pattern='*.png' ;;
     config) [[ -f $repo/velmora.cfg ]] && echo "$repo/velmora.cfg"; return ;;
