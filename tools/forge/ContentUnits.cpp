@@ -7,6 +7,7 @@
 #include "scenes/FlipperLandContent.h"
 #include "scenes/IslandsContent.h"
 #include "scenes/LogoContent.h"
+#include "scenes/SeaBedContent.h"
 #include "scenes/SharedContent.h"
 #include "scenes/TunnelContent.h"
 #include "scenes/TunnelExitContent.h"
@@ -18,6 +19,7 @@ std::vector<std::unique_ptr<ContentUnit>> ContentUnits::all()
     units.emplace_back(new CreditsContent());
     units.emplace_back(new IslandsContent());
     units.emplace_back(new LogoContent());
+    units.emplace_back(new SeaBedContent());
     units.emplace_back(new TunnelContent());
     units.emplace_back(new TunnelExitContent());
     units.emplace_back(new FlipperLandContent());
