@@ -56,6 +56,21 @@ TextureMaterial* SceneKit::findOrMakeMaterial(const char* scene, const char* nam
     return makeMaterial(name, preloadOrReport(scene, picture), blendMode, flags);
 }
 
+TextureMaterial* SceneKit::materialOrReport(const char* scene, const char* name, const TextureFile& picture,
+                                            unsigned long flags, int blendMode)
+{
+    return wear(name, preloadOrReport(scene, picture), flags, blendMode);
+}
+
+TextureMaterial* SceneKit::wear(const char* name, Texture* texture, unsigned long flags, int blendMode)
+{
+    TextureMaterial* existing = dynamic_cast<TextureMaterial*>(MaterialMgr::getHandle()->find(name));
+    if (!existing)
+        return makeMaterial(name, texture, blendMode, flags);
+    existing->setTexture(texture);
+    return existing;
+}
+
 void SceneKit::giveMaterial(Mesh* mesh, Material* material)
 {
     FaceArray* faces = mesh ? mesh->getFaces() : nullptr;

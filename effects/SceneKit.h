@@ -41,6 +41,14 @@ public:
     // The same, a missing picture reported for the scene with preloadOrReport.
     static TextureMaterial* findOrMakeMaterial(const char* scene, const char* name, const TextureFile& picture,
                                                unsigned long flags, int blendMode);
+    // The registered textured material of that name, or one made with these values and registered;
+    // either way it wears this texture (none: drawn untextured).
+    static TextureMaterial* wear(const char* name, Texture* texture, unsigned long flags, int blendMode);
+    // The same, wearing the picture preloaded now or reported missing with preloadOrReport: unlike
+    // findOrMakeMaterial, a material already registered is dressed again and its picture reported
+    // at every start.
+    static TextureMaterial* materialOrReport(const char* scene, const char* name, const TextureFile& picture,
+                                             unsigned long flags, int blendMode);
     // Every face of the mesh drawn with this material.
     static void giveMaterial(Mesh* mesh, Material* material);
 

@@ -10,6 +10,7 @@
 #include "effects/Greetings.h"
 #include "effects/Islands.h"
 #include "effects/Logo.h"
+#include "effects/SeaBed.h"
 #include "effects/Swirl.h"
 #include "effects/TunnelExit.h"
 #include "effects/UnderwaterTunnel.h"
@@ -213,6 +214,7 @@ void Velmora::setupScenes()
     /* 7 */ effects->addEffect(new Fader(white, 100, EffectTimer(68.0f, 69.0f)));
     /* 8 */ effects->addEffect(new Logo(0, EffectTimer(68.5f, 76.0f)));
     /* 9 */ effects->addEffect(new Fader(black, 100, EffectTimer(75.5f, 76.5f)));
+    /* 10 */ effects->addEffect(new SeaBed(0, EffectTimer(76.0f, 109.0f)));
     /* 11 */ effects->addEffect(new Fader(black, 100, EffectTimer(108.5f, 109.5f)));
     /* 12 */ effects->addEffect(new UnderwaterTunnel(0, EffectTimer(109.0f, 142.5f)));
     /* 13 */ effects->addEffect(new Fader(black, 100, EffectTimer(141.5f, 143.5f)));
