@@ -19,6 +19,11 @@ namespace {
 const char* const BALL_MATERIAL = "SeaBedEyeball";
 const char* const LID_MATERIAL = "SeaBedEyelid";
 const char* const GLINT_MATERIAL = "SeaBedEyeGlint";
+// The socket's dark disc, in units of the ball's radius, and how dark it is.
+const float SOCKET_RADIUS = 1.35f;
+const float SOCKET_DEPTH = 0.1f;
+const int SOCKET_STEPS = 24;
+const float SOCKET_SHADE = 0.05f;
 
 float smooth(float edge0, float edge1, float x)
 {
@@ -118,12 +123,13 @@ void Eye::load(const char* scene)
     ballMaterial->setAmbient(Color(0.3f, 0.3f, 0.3f, 1.0f));
     ballMaterial->setDiffuse(Color(0.75f, 0.72f, 0.62f, 1.0f));
     ballMaterial->setSpecular(Color(1.0f, 1.0f, 1.0f, 1.0f));
-    ballMaterial->setEmission(Color(0.16f, 0.18f, 0.12f, 1.0f));
+    ballMaterial->setEmission(Color(0.14f, 0.16f, 0.08f, 1.0f));
     ballMaterial->setShininess(90.0f);
     // The lids are of the scene's rock; the scene reports that picture if it is missing.
     lidMaterial = SceneKit::wear(LID_MATERIAL, SceneKit::preloadTexture(SeaBedLayout::ROCK), Material::textured,
                                  Material::blendNone);
-    lidMaterial->setDiffuse(Color(0.55f, 0.45f, 0.42f, 1.0f));
+    lidMaterial->setAmbient(Color(0.25f, 0.18f, 0.16f, 1.0f));
+    lidMaterial->setDiffuse(Color(0.5f, 0.36f, 0.32f, 1.0f));
     lidMaterial->setSpecular(Color(0.2f, 0.2f, 0.2f, 1.0f));
     lidMaterial->setShininess(20.0f);
     glintMaterial = SceneKit::materialOrReport(scene, GLINT_MATERIAL, SharedLayout::PARTICLE, Material::overlay,
@@ -150,6 +156,7 @@ void Eye::draw(const Camera& camera, const Vector3& light)
     // The ball is scaled with the rest, so its normals are made unit again.
     glEnable(GL_NORMALIZE);
 
+    drawSocket();
     glPushMatrix();
     glRotatef(yaw, 0.0f, 1.0f, 0.0f);
     glRotatef(-pitch, 1.0f, 0.0f, 0.0f);
@@ -174,6 +181,21 @@ void Eye::draw(const Camera& camera, const Vector3& light)
     glPopMatrix();
     if (open > 0.3f)
         drawGlint(camera, light);
+}
+
+void Eye::drawSocket() const
+{
+    // The hollow the ball sits in: a dark disc behind its middle, seen round its edge inside the rim.
+    LightMgr::getHandle()->turnLightingOff();
+    glColor4f(SOCKET_SHADE, SOCKET_SHADE * 1.1f, SOCKET_SHADE, 1.0f);
+    glBegin(GL_TRIANGLE_FAN);
+    glVertex3f(0.0f, 0.0f, -SOCKET_DEPTH);
+    for (int i = 0; i <= SOCKET_STEPS; ++i) {
+        const float a = MathConstants::TWO_PI * i / SOCKET_STEPS;
+        glVertex3f(SOCKET_RADIUS * std::cos(a), SOCKET_RADIUS * std::sin(a), -SOCKET_DEPTH);
+    }
+    glEnd();
+    LightMgr::getHandle()->turnLightingOn();
 }
 
 void Eye::drawGlint(const Camera& camera, const Vector3& light) const

@@ -58,6 +58,7 @@ public:
     void release();
 
 private:
+    void drawSocket() const;
     void drawGlint(const Camera& camera, const Vector3& light) const;
 
     Vector3 centre;

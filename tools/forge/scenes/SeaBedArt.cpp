@@ -112,14 +112,14 @@ Image SeaBedArt::rock() const
     const Rgba coralline = rgb(0.66, 0.40, 0.48);
     const Rgba moss = rgb(0.28, 0.42, 0.20);
     return Image::square(256, [&](double u, double v, int x, int y) {
-        // Bent layers of stone, lumps and pits, a few deep cracks.
-        const double bend = 0.12 * noise.fbm(u * 2.0, v * 2.0, 2, 4);
-        const double layers = 0.5 + 0.5 * Maths::sin(2.0 * Maths::pi * (v + bend) * 7.0);
-        const double lumps = noise.ridged(u * 5.0, v * 5.0, 5, 5);
+        // Lumps of stone with dark crevices between them, pitted, and a few deep cracks.
+        const double bend = 0.15 * noise.fbm(u * 2.0, v * 2.0, 2, 4);
+        const double lumps = noise.ridged(u * 5.0 + bend, v * 5.0, 5, 5);
+        const double crevices = Maths::smoothstep(0.25, 0.65, noise.ridged(u * 3.0, v * 3.0 + bend, 3, 4));
         const double pits = noise.fbm(u * 24.0, v * 24.0, 24, 2);
         const Noise::Cells blocks = noise.cellular(u * 3.0 + bend, v * 3.0, 3);
         const double crack = Maths::smoothstep(0.0, 0.04, blocks.f2 - blocks.f1);
-        const double k = clamp01(0.2 + 0.45 * lumps + 0.2 * layers + 0.15 * pits) * (0.82 + 0.18 * crack);
+        const double k = clamp01(0.15 + 0.55 * lumps + 0.15 * pits) * (0.35 + 0.65 * crevices) * (0.8 + 0.2 * crack);
         Rgba c = ColourMath::mix(dark, stone, k);
         const double crust = noise.fbm(u * 4.0 + 11.0, v * 4.0, 4, 5);
         c = ColourMath::mix(c, coralline, 0.55 * Maths::smoothstep(0.35, 0.6, crust) * (0.5 + 0.5 * pits));
@@ -215,10 +215,10 @@ Image SeaBedArt::fish() const
 Image SeaBedArt::iris() const
 {
     const Noise noise(0x1815u);
-    const Rgba gold = rgb(1.0, 0.80, 0.22);
-    const Rgba green = rgb(0.30, 0.62, 0.22);
+    const Rgba gold = rgb(1.0, 0.86, 0.3);
+    const Rgba green = rgb(0.36, 0.75, 0.26);
     const Rgba limbus = rgb(0.08, 0.12, 0.06);
-    const Rgba white = rgb(0.88, 0.84, 0.72);
+    const Rgba white = rgb(0.78, 0.72, 0.55);
     const Rgba vein = rgb(0.65, 0.12, 0.10);
     return Image::square(256, [&](double u, double v, int x, int y) {
         const double dx = (u - 0.5) * 2.0;
@@ -231,7 +231,7 @@ Image SeaBedArt::iris() const
             Maths::smoothstep(0.55, 0.9, Maths::sin(angle * 23.0 + 4.0 * wiggle / 0.03) * 0.5 + 0.5) *
             (1.0 - Maths::smoothstep(0.004, 0.02, std::fabs(noise.gradient(angle * 4.0, r * 5.0, 8) + wiggle)));
         Rgba c = ColourMath::mix(white, vein, 0.85 * veinNet * Maths::smoothstep(0.45, 0.85, r));
-        c = ColourMath::shade(c, 1.0 - 0.55 * Maths::smoothstep(0.75, 1.0, r));
+        c = ColourMath::shade(c, 1.0 - 0.6 * Maths::smoothstep(0.6, 1.0, r));
         // The iris: fibres running out from the pupil, gold inside and green towards the dark ring.
         const double fibres = 0.5 + 0.5 * noise.fbm(Maths::wrap(angle / TAU, 1.0) * 64.0, r * 3.0, 64, 3);
         Rgba iris = ColourMath::mix(gold, green, clamp01(Maths::smoothstep(0.1, 0.4, r) * 0.8 + 0.3 * (fibres - 0.5)));

@@ -45,9 +45,9 @@ Vec3 outerEdge(double a)
 }
 
 // The eye's rim stands a little in front of the ball's middle.
-const double RIM_RADIUS = EYE_RADIUS * 1.12;
-const double RIM_THICKNESS = 0.85;
-const double RIM_FORWARD = 0.2;
+const double RIM_RADIUS = EYE_RADIUS * 1.25;
+const double RIM_THICKNESS = 1.5;
+const double RIM_FORWARD = -0.5;
 // Steps round the cave's mouth, shared by the rock face and the cave so their edges meet.
 const int MOUTH_STEPS = 56;
 
@@ -219,9 +219,10 @@ void SeaBedMeshes::rock(MeshBuilder& mesh, int kind)
 double SeaBedMeshes::cliffRelief(double x, double y)
 {
     static const Noise noise(0xC11Fu);
-    // Boulders and ledges, the face leaning back as it rises.
-    double relief = 2.4 * noise.fbm(x / 14.0 + 32.0, y / 14.0 + 32.0, 64, 4) +
-                    1.4 * noise.ridged(x / 8.0 + 32.0, y / 8.0 + 32.0, 64, 3) - 0.1 * std::fmax(y, 0.0);
+    // Buttresses, boulders and ledges, the face leaning back as it rises.
+    const double buttresses = 1.6 * Maths::sin(x / 9.0 + 1.3 * noise.fbm(y / 20.0 + 7.0, x / 30.0, 64, 2));
+    double relief = buttresses + 3.2 * noise.fbm(x / 14.0 + 32.0, y / 14.0 + 32.0, 64, 4) +
+                    2.2 * noise.ridged(x / 8.0 + 32.0, y / 8.0 + 32.0, 64, 3) - 0.1 * std::fmax(y, 0.0);
     // A lip of rock overhangs the cave's mouth.
     const double mx = (x - CAVE_MOUTH.x) / CAVE_WIDTH;
     const double my = (y - CAVE_MOUTH.y) / CAVE_HEIGHT;
@@ -237,7 +238,7 @@ double SeaBedMeshes::cliffRelief(double x, double y)
 
 void SeaBedMeshes::cliff(MeshBuilder& mesh)
 {
-    const int rings = 26;
+    const int rings = 30;
     auto wallPoint = [&](int r, int c) {
         const double a = -TAU * c / MOUTH_STEPS;
         const double s = Maths::pow((double)r / (rings - 1), 1.5);
@@ -249,8 +250,8 @@ void SeaBedMeshes::cliff(MeshBuilder& mesh)
     };
     auto planar = [&](int r, int c, double& u, double& v) {
         const Vec3 p = wallPoint(r, c);
-        u = p.x / 14.0;
-        v = -p.y / 14.0;
+        u = p.x / 9.0;
+        v = -p.y / 9.0;
     };
     grid(mesh, rings, MOUTH_STEPS, true, wallPoint, planar);
 
@@ -264,7 +265,7 @@ void SeaBedMeshes::cliff(MeshBuilder& mesh)
             const double phi = TAU * (r % segments) / segments;
             const double psi = -TAU * c / sides;
             const double thick =
-                RIM_THICKNESS * (1.0 + 0.2 * noise.fbm(4.0 * (r % segments) / segments, c / 3.0, 4, 2));
+                RIM_THICKNESS * (1.0 + 0.45 * noise.fbm(4.0 * (r % segments) / segments, 4.0 * c / sides, 4, 2));
             const double reach = RIM_RADIUS + thick * Maths::cos(psi);
             return Vec3{EYE_CENTRE.x + reach * Maths::cos(phi), EYE_CENTRE.y + reach * Maths::sin(phi),
                         EYE_CENTRE.z + RIM_FORWARD + thick * Maths::sin(psi)};
