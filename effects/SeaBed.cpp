@@ -38,7 +38,7 @@ const float COARSE_DISTANCE = 36.0f;
 const int BUBBLES_PER_VENT = 40;
 const float FIELD_OF_VIEW = 58.0f;
 const float NEAR_CLIP = 0.3f;
-const float FAR_CLIP = 100.0f;
+const float FAR_CLIP = 85.0f;
 // The sun stands high and a little behind the way down; the shafts slant along it.
 const Vector3 SUN(0.3f, 1.0f, 0.45f);
 const SceneKit::LightSetup SUN_SETUP = {SUN,
@@ -71,6 +71,8 @@ const float SURFACE_RADII[SURFACE_RINGS] = {0.0f, 6.0f, 15.0f, 35.0f, 75.0f, 150
 const int SURFACE_STEPS = 20;
 // Steps of the backdrop's gradient from the bottom of the screen to the top.
 const int BACKDROP_STEPS = 12;
+// Just in front of the cleared depth, so it fills only where nothing was drawn.
+const float BACKDROP_DEPTH = 0.99999f;
 // Darkening starts a little in front of the rock face and is complete this far into the cave.
 const float CAVE_DARKENS = 12.0f;
 // The cave's own fog, seen from outside: its far end fades to nearly black.
@@ -152,7 +154,7 @@ Color SeaBed::waterColour(float height, float depth)
 float SeaBed::fogDensity(float height, float depth)
 {
     const float up = smooth(0.0f, SURFACE_HEIGHT, height);
-    const float open = 0.027f + (0.018f - 0.027f) * up;
+    const float open = 0.027f + (0.022f - 0.027f) * up;
     return open + (0.08f - open) * smooth(0.0f, CAVE_DARKENS, depth);
 }
 
@@ -363,14 +365,14 @@ void SeaBed::setWater(const Camera& camera)
 
 void SeaBed::drawBackdrop(const Camera& camera) const
 {
-    // The water behind everything: brighter towards the surface, darker into the deep, the fog's
-    // colour straight out, row by row up the screen by the height each row looks at.
+    // The water behind everything: brighter towards the surface, the fog's colour straight out and
+    // below, row by row up the screen by the height each row looks at. It is drawn after the solid
+    // things at the far end of the depth range, so only what they leave uncovered is filled.
     const float brightening = 1.0f - smooth(0.0f, CAVE_DARKENS, caveDepth(camera.getPosition()));
     const Color above = towardsSurface(water);
     const float halfHeight = std::tan(0.5f * camera.getFOV() * MathConstants::DEGREES_TO_RADIANS);
     LightMgr::getHandle()->turnLightingOff();
     glDisable(GL_FOG);
-    glDisable(GL_DEPTH_TEST);
     glDepthMask(GL_FALSE);
     glMatrixMode(GL_PROJECTION);
     glPushMatrix();
@@ -386,8 +388,8 @@ void SeaBed::drawBackdrop(const Camera& camera) const
         const float rise = std::asin(std::clamp(ray.y, -1.0f, 1.0f));
         const Color c = rise > 0.0f ? mix(water, above, brightening * smooth(0.2f, 1.4f, rise)) : water;
         glColor4f(c.r, c.g, c.b, 1.0f);
-        glVertex2f(-1.0f, y);
-        glVertex2f(1.0f, y);
+        glVertex3f(-1.0f, y, BACKDROP_DEPTH);
+        glVertex3f(1.0f, y, BACKDROP_DEPTH);
     }
     glEnd();
     glPopMatrix();
@@ -395,7 +397,6 @@ void SeaBed::drawBackdrop(const Camera& camera) const
     glPopMatrix();
     glMatrixMode(GL_MODELVIEW);
     glDepthMask(GL_TRUE);
-    glEnable(GL_DEPTH_TEST);
     glEnable(GL_FOG);
     LightMgr::getHandle()->turnLightingOn();
 }
@@ -615,7 +616,6 @@ void SeaBed::display()
     if (!camera)
         return;
     setWater(*camera);
-    drawBackdrop(*camera);
     drawSurface(*camera);
     drawFloor(*camera);
     drawRocks(*camera);
@@ -625,6 +625,7 @@ void SeaBed::display()
     eye.draw(*camera, sun);
     drawSchool(*camera);
     drawPlants(*camera);
+    drawBackdrop(*camera);
     drawShafts(*camera);
     drawBubbles(*camera);
     GLF_checkError("SeaBed::display()");
