@@ -65,6 +65,8 @@ expect damaged "TunnelExit: couldn't load 'data/3d/tunnelexit.oct'"
 expect damaged "FlipperLand: couldn't load 'data/banim-1.bez'"
 expect damaged "CityStreet: couldn't load 'data/3d/cityb.oct'"
 expect damaged "BlowUp: couldn't load 'data/3d/camera_blowup.cam'"
+expect damaged "SeaBed: couldn't load 'data/3d/seabed.ter'"
+expect damaged "SeaBed: couldn't load 'data/3d/fish_seabed.cam'"
 
 if [ "$failures" -ne 0 ]; then
     echo "schedule: $failures failure(s)"
