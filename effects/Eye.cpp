@@ -4,6 +4,7 @@
 #include "effects/SceneKit.h"
 #include "effects/SeaBedLayout.h"
 #include "effects/SharedLayout.h"
+#include "math/Easing.h"
 #include "math/MathConstants.h"
 #include "scene/Camera.h"
 #include "scene/LightMgr.h"
@@ -24,12 +25,6 @@ const float SOCKET_RADIUS = 1.35f;
 const float SOCKET_DEPTH = 0.1f;
 const int SOCKET_STEPS = 24;
 const float SOCKET_SHADE = 0.05f;
-
-float smooth(float edge0, float edge1, float x)
-{
-    const float t = std::clamp((x - edge0) / (edge1 - edge0), 0.0f, 1.0f);
-    return t * t * (3.0f - 2.0f * t);
-}
 
 // Moves from towards to by at most step.
 float approach(float from, float to, float step)
@@ -69,14 +64,15 @@ void Eye::setSchedule(float opening, const float* blinkTimes, int count)
 
 float Eye::openness(float t, float opening, const float* blinkTimes, int count)
 {
-    float amount = smooth(opening, opening + OPENING, t);
+    float amount = Easing::smoothstep(opening, opening + OPENING, t);
     for (int i = 0; i < count; ++i) {
         const float b = blinkTimes[i];
         const float shut = b + BLINK_CLOSING;
         const float reopen = shut + BLINK_SHUT;
         if (t < b || t > reopen + BLINK_OPENING)
             continue;
-        const float lids = t < shut ? 1.0f - smooth(b, shut, t) : smooth(reopen, reopen + BLINK_OPENING, t);
+        const float lids =
+            t < shut ? 1.0f - Easing::smoothstep(b, shut, t) : Easing::smoothstep(reopen, reopen + BLINK_OPENING, t);
         amount = std::min(amount, lids);
     }
     return amount;

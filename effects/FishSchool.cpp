@@ -4,6 +4,7 @@
 #include "effects/IndexedMesh.h"
 #include "effects/InstanceBatch.h"
 #include "effects/SeaBedLayout.h"
+#include "math/Easing.h"
 #include "math/MathConstants.h"
 #include "scene/Frustum.h"
 #include "scene/Lin3Track.h"
@@ -27,12 +28,6 @@ const float TAIL_LENGTH = 1.03f;
 float fraction(float v)
 {
     return v - std::floor(v);
-}
-
-float smooth(float edge0, float edge1, float x)
-{
-    const float t = std::fmin(std::fmax((x - edge0) / (edge1 - edge0), 0.0f), 1.0f);
-    return t * t * (3.0f - 2.0f * t);
 }
 
 }  // namespace
@@ -77,7 +72,8 @@ float FishSchool::kicksBy(float t)
         return 0.0f;
     const float bars = std::floor(t / BAR_SECONDS);
     const float inBar = t - BAR_SECONDS * bars;
-    return 2.0f * bars + smooth(0.0f, KICK_STROKE, inBar) + smooth(SECOND_KICK, SECOND_KICK + KICK_STROKE, inBar);
+    return 2.0f * bars + Easing::smoothstep(0.0f, KICK_STROKE, inBar) +
+           Easing::smoothstep(SECOND_KICK, SECOND_KICK + KICK_STROKE, inBar);
 }
 
 float FishSchool::strokeAt(float t, float phase)

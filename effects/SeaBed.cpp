@@ -3,6 +3,7 @@
 
 #include "effects/SceneKit.h"
 #include "gl/GLF_checkError.h"
+#include "math/Easing.h"
 #include "math/MathConstants.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
@@ -78,12 +79,6 @@ const float CAVE_DARKENS = 12.0f;
 // The cave's own fog, seen from outside: its far end fades to nearly black.
 const Color CAVE_DEPTHS(0.01f, 0.035f, 0.05f, 1.0f);
 
-float smooth(float edge0, float edge1, float x)
-{
-    const float t = std::clamp((x - edge0) / (edge1 - edge0), 0.0f, 1.0f);
-    return t * t * (3.0f - 2.0f * t);
-}
-
 Color mix(const Color& a, const Color& b, float t)
 {
     return Color(a.r + (b.r - a.r) * t, a.g + (b.g - a.g) * t, a.b + (b.b - a.b) * t, 1.0f);
@@ -147,15 +142,15 @@ SeaBed::~SeaBed()
 
 Color SeaBed::waterColour(float height, float depth)
 {
-    const float up = smooth(0.0f, SURFACE_HEIGHT, height);
-    return mix(mix(FLOOR_WATER, SURFACE_WATER, up), CAVE_WATER, smooth(0.0f, CAVE_DARKENS, depth));
+    const float up = Easing::smoothstep(0.0f, SURFACE_HEIGHT, height);
+    return mix(mix(FLOOR_WATER, SURFACE_WATER, up), CAVE_WATER, Easing::smoothstep(0.0f, CAVE_DARKENS, depth));
 }
 
 float SeaBed::fogDensity(float height, float depth)
 {
-    const float up = smooth(0.0f, SURFACE_HEIGHT, height);
+    const float up = Easing::smoothstep(0.0f, SURFACE_HEIGHT, height);
     const float open = 0.027f + (0.022f - 0.027f) * up;
-    return open + (0.08f - open) * smooth(0.0f, CAVE_DARKENS, depth);
+    return open + (0.08f - open) * Easing::smoothstep(0.0f, CAVE_DARKENS, depth);
 }
 
 int SeaBed::causticFrame(float t)
@@ -368,7 +363,7 @@ void SeaBed::drawBackdrop(const Camera& camera) const
     // The water behind everything: brighter towards the surface, the fog's colour straight out and
     // below, row by row up the screen by the height each row looks at. It is drawn after the solid
     // things at the far end of the depth range, so only what they leave uncovered is filled.
-    const float brightening = 1.0f - smooth(0.0f, CAVE_DARKENS, caveDepth(camera.getPosition()));
+    const float brightening = 1.0f - Easing::smoothstep(0.0f, CAVE_DARKENS, caveDepth(camera.getPosition()));
     const Color above = towardsSurface(water);
     const float halfHeight = std::tan(0.5f * camera.getFOV() * MathConstants::DEGREES_TO_RADIANS);
     LightMgr::getHandle()->turnLightingOff();
@@ -386,7 +381,7 @@ void SeaBed::drawBackdrop(const Camera& camera) const
         Vector3 ray = camera.getN() + camera.getV() * (y * halfHeight);
         ray.normalize();
         const float rise = std::asin(std::clamp(ray.y, -1.0f, 1.0f));
-        const Color c = rise > 0.0f ? mix(water, above, brightening * smooth(0.2f, 1.4f, rise)) : water;
+        const Color c = rise > 0.0f ? mix(water, above, brightening * Easing::smoothstep(0.2f, 1.4f, rise)) : water;
         glColor4f(c.r, c.g, c.b, 1.0f);
         glVertex3f(-1.0f, y, BACKDROP_DEPTH);
         glVertex3f(1.0f, y, BACKDROP_DEPTH);
@@ -505,8 +500,8 @@ void SeaBed::drawCave(const Camera& camera) const
     // Looked into from near the mouth the cave fades to the dark (from far off, lost in the water
     // like the rock round it); once inside, to the dark teal ahead.
     const Vector3& p = camera.getPosition();
-    const Color dark = mix(water, CAVE_DEPTHS, smooth(70.0f, 30.0f, p.distance(CAVE_MOUTH)));
-    const Color ahead = mix(dark, CAVE_WATER, smooth(0.0f, CAVE_DARKENS, caveDepth(p)));
+    const Color dark = mix(water, CAVE_DEPTHS, Easing::smoothstep(70.0f, 30.0f, p.distance(CAVE_MOUTH)));
+    const Color ahead = mix(dark, CAVE_WATER, Easing::smoothstep(0.0f, CAVE_DARKENS, caveDepth(p)));
     const float fog[4] = {ahead.r, ahead.g, ahead.b, 1.0f};
     const float restore[4] = {water.r, water.g, water.b, 1.0f};
     glFogfv(GL_FOG_COLOR, fog);
@@ -549,7 +544,7 @@ void SeaBed::drawShafts(const Camera& camera) const
 {
     const float t = getTime();
     const Vector3& eyePoint = camera.getPosition();
-    const float outside = 1.0f - smooth(0.0f, CAVE_DARKENS * 0.5f, caveDepth(eyePoint));
+    const float outside = 1.0f - Easing::smoothstep(0.0f, CAVE_DARKENS * 0.5f, caveDepth(eyePoint));
     if (outside <= 0.0f)
         return;
     static const float black[4] = {0.0f, 0.0f, 0.0f, 0.0f};
@@ -572,7 +567,7 @@ void SeaBed::drawShafts(const Camera& camera) const
         Vector3 across = axis.cross(eyePoint - (foot + top) * 0.5f);
         const float distance = across.length();
         across.normalize();
-        const float near = smooth(2.0f, 9.0f, distance);
+        const float near = Easing::smoothstep(2.0f, 9.0f, distance);
         const float glow =
             (0.55f + 0.25f * std::sin(0.7f * t + 1.7f * i) + 0.15f * std::sin(1.9f * t + i)) * near * outside;
         const Vector3 topSide = across * (0.4f * shaft.width);

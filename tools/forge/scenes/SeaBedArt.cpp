@@ -7,6 +7,7 @@
 #include "Random.h"
 
 #include <cmath>
+#include <functional>
 #include <vector>
 
 namespace {
@@ -81,6 +82,16 @@ private:
     uint32_t seed;
 };
 
+// A width x height picture whose pixel is pixel(u, v), u and v the pixel centre in [0, 1], rows top first.
+Image paint(int width, int height, const std::function<Rgba(double, double)>& pixel)
+{
+    Image image(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            image.at(x, y) = pixel((x + 0.5) / width, (y + 0.5) / height);
+    return image;
+}
+
 }  // namespace
 
 Image SeaBedArt::sand() const
@@ -135,26 +146,20 @@ Image SeaBedArt::kelp() const
     const Rgba olive = rgb(0.38, 0.48, 0.16);
     const Rgba brown = rgb(0.30, 0.28, 0.10);
     const Rgba rib = rgb(0.52, 0.54, 0.26);
-    Image image(64, 256);
-    for (int y = 0; y < 256; ++y) {
-        for (int x = 0; x < 64; ++x) {
-            const double u = (x + 0.5) / 64.0;
-            const double v = (y + 0.5) / 256.0;
-            const double across = std::fabs(u - 0.5) * 2.0;
-            // Wide in the middle, narrow at the base and the tip, ruffled along both edges.
-            const double width = 0.92 * Maths::pow(Maths::sin(Maths::pi * v), 0.5) *
-                                 (0.9 + 0.1 * Maths::sin(v * 38.0 + (u > 0.5 ? 1.3 : 0.0)));
-            const double inside = 1.0 - Maths::smoothstep(width - 0.06, width, across);
-            const double midrib = 1.0 - Maths::smoothstep(0.06, 0.12, across);
-            const double veins = 0.5 + 0.5 * Maths::sin(TAU * (v * 18.0 - across * 1.5));
-            const double tone = 0.5 + 0.5 * noise.fbm(u * 2.0, v * 8.0, 2, 3);
-            Rgba c = ColourMath::mix(brown, olive, clamp01(0.3 + 0.5 * tone + 0.2 * veins * (1.0 - across)));
-            c = ColourMath::mix(c, rib, midrib * 0.8);
-            c.a = (float)Maths::clamp(inside + midrib, 0.0, 1.0);
-            image.at(x, y) = c;
-        }
-    }
-    return image;
+    return paint(64, 256, [&](double u, double v) {
+        const double across = std::fabs(u - 0.5) * 2.0;
+        // Wide in the middle, narrow at the base and the tip, ruffled along both edges.
+        const double width = 0.92 * Maths::pow(Maths::sin(Maths::pi * v), 0.5) *
+                             (0.9 + 0.1 * Maths::sin(v * 38.0 + (u > 0.5 ? 1.3 : 0.0)));
+        const double inside = 1.0 - Maths::smoothstep(width - 0.06, width, across);
+        const double midrib = 1.0 - Maths::smoothstep(0.06, 0.12, across);
+        const double veins = 0.5 + 0.5 * Maths::sin(TAU * (v * 18.0 - across * 1.5));
+        const double tone = 0.5 + 0.5 * noise.fbm(u * 2.0, v * 8.0, 2, 3);
+        Rgba c = ColourMath::mix(brown, olive, clamp01(0.3 + 0.5 * tone + 0.2 * veins * (1.0 - across)));
+        c = ColourMath::mix(c, rib, midrib * 0.8);
+        c.a = (float)Maths::clamp(inside + midrib, 0.0, 1.0);
+        return c;
+    });
 }
 
 Image SeaBedArt::fan() const
@@ -188,28 +193,21 @@ Image SeaBedArt::fish() const
     const Rgba belly = rgb(0.85, 0.86, 0.82);
     const Rgba stripe = rgb(0.95, 0.78, 0.25);
     const Rgba bar = rgb(0.15, 0.20, 0.28);
-    Image image(128, 64);
-    for (int y = 0; y < 64; ++y) {
-        for (int x = 0; x < 128; ++x) {
-            const double u = (x + 0.5) / 128.0;
-            const double v = (y + 0.5) / 64.0;
-            Rgba c = ColourMath::mix(back, silver, Maths::smoothstep(0.22, 0.42, v));
-            c = ColourMath::mix(c, belly, Maths::smoothstep(0.7, 0.9, v));
-            // A yellow line along the flank and dark bars across the back half.
-            c = ColourMath::mix(c, stripe, 0.85 * (1.0 - Maths::smoothstep(0.02, 0.05, std::fabs(v - 0.5))));
-            const double bars =
-                Maths::smoothstep(0.55, 0.8, Maths::sin(TAU * u * 6.0)) * (1.0 - Maths::smoothstep(0.35, 0.6, v));
-            c = ColourMath::mix(c, bar, 0.6 * bars * Maths::smoothstep(0.15, 0.3, u));
-            // The eye near the nose, on both flanks (the skin is wrapped round, so v mirrors).
-            const double eye = std::sqrt((u - 0.1) * (u - 0.1) * 4.0 + (v - 0.42) * (v - 0.42));
-            c = ColourMath::mix(c, belly, 1.0 - Maths::smoothstep(0.06, 0.075, eye));
-            c = ColourMath::mix(c, rgb(0.02, 0.02, 0.03), 1.0 - Maths::smoothstep(0.035, 0.05, eye));
-            // The tail darkens towards its edge.
-            c = ColourMath::shade(c, 1.0 - 0.45 * Maths::smoothstep(0.8, 1.0, u));
-            image.at(x, y) = c;
-        }
-    }
-    return image;
+    return paint(128, 64, [&](double u, double v) {
+        Rgba c = ColourMath::mix(back, silver, Maths::smoothstep(0.22, 0.42, v));
+        c = ColourMath::mix(c, belly, Maths::smoothstep(0.7, 0.9, v));
+        // A yellow line along the flank and dark bars across the back half.
+        c = ColourMath::mix(c, stripe, 0.85 * (1.0 - Maths::smoothstep(0.02, 0.05, std::fabs(v - 0.5))));
+        const double bars =
+            Maths::smoothstep(0.55, 0.8, Maths::sin(TAU * u * 6.0)) * (1.0 - Maths::smoothstep(0.35, 0.6, v));
+        c = ColourMath::mix(c, bar, 0.6 * bars * Maths::smoothstep(0.15, 0.3, u));
+        // The eye near the nose, on both flanks (the skin is wrapped round, so v mirrors).
+        const double eye = std::sqrt((u - 0.1) * (u - 0.1) * 4.0 + (v - 0.42) * (v - 0.42));
+        c = ColourMath::mix(c, belly, 1.0 - Maths::smoothstep(0.06, 0.075, eye));
+        c = ColourMath::mix(c, rgb(0.02, 0.02, 0.03), 1.0 - Maths::smoothstep(0.035, 0.05, eye));
+        // The tail darkens towards its edge.
+        return ColourMath::shade(c, 1.0 - 0.45 * Maths::smoothstep(0.8, 1.0, u));
+    });
 }
 
 Image SeaBedArt::iris() const
@@ -248,20 +246,14 @@ Image SeaBedArt::iris() const
 Image SeaBedArt::shaft() const
 {
     const Noise noise(0x5AF7u);
-    Image image(64, 256);
-    for (int y = 0; y < 256; ++y) {
-        for (int x = 0; x < 64; ++x) {
-            const double u = (x + 0.5) / 64.0;
-            const double v = (y + 0.5) / 256.0;
-            const double across = (u - 0.5) / 0.22;
-            // Streaks along the shaft, as rays through a moving surface.
-            const double streaks = 0.65 + 0.35 * noise.fbm(u * 8.0, v * 0.5, 8, 3);
-            const double fade = Maths::pow(1.0 - v, 1.6) * Maths::smoothstep(0.0, 0.04, v);
-            const double i = 0.75 * Maths::exp(-across * across) * streaks * fade;
-            image.at(x, y) = rgb(i * 0.85, i, i * 0.95);
-        }
-    }
-    return image;
+    return paint(64, 256, [&](double u, double v) {
+        const double across = (u - 0.5) / 0.22;
+        // Streaks along the shaft, as rays through a moving surface.
+        const double streaks = 0.65 + 0.35 * noise.fbm(u * 8.0, v * 0.5, 8, 3);
+        const double fade = Maths::pow(1.0 - v, 1.6) * Maths::smoothstep(0.0, 0.04, v);
+        const double i = 0.75 * Maths::exp(-across * across) * streaks * fade;
+        return rgb(i * 0.85, i, i * 0.95);
+    });
 }
 
 Image SeaBedArt::bubble() const
