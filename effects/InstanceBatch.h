@@ -28,6 +28,8 @@ public:
     int getCapacity() const { return capacity; }
     // Vertices in one copy.
     int getStride() const { return stride; }
+    // The copies' vertices, one copy after another.
+    const Vertex* getVertices() const { return vertices.data(); }
 
 private:
     std::vector<Vertex> vertices;

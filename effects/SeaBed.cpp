@@ -70,6 +70,8 @@ const float SURFACE_SEEN_FROM = 28.0f;
 const int SURFACE_RINGS = 7;
 const float SURFACE_RADII[SURFACE_RINGS] = {0.0f, 6.0f, 15.0f, 35.0f, 75.0f, 150.0f, SURFACE_REACH};
 const int SURFACE_STEPS = 20;
+// How far off a light shaft is still seen through the water.
+const float SHAFT_REACH = 70.0f;
 // Steps of the backdrop's gradient from the bottom of the screen to the top.
 const int BACKDROP_STEPS = 12;
 // Just in front of the cleared depth, so it fills only where nothing was drawn.
@@ -277,6 +279,7 @@ void SeaBed::plantKelp()
                       MathConstants::TWO_PI * scatter(k, j, 5)});
         }
     }
+    kelp.prepare(kelpMesh);
     kelpBatch.create(kelpMesh, kelp.getCount());
 }
 
@@ -288,6 +291,7 @@ void SeaBed::plantFans()
         const float ground = terrain ? terrain->heightAt(fan.x, fan.z) : 0.0f;
         fans.add({Vector3(fan.x, ground - 0.1f, fan.z), fan.yaw, fan.scale, 1.3f * i});
     }
+    fans.prepare(fanMesh);
     fanBatch.create(fanMesh, fans.getCount());
 }
 
@@ -566,6 +570,9 @@ void SeaBed::drawShafts(const Camera& camera) const
         // Turned about its own axis to face the camera; faded when the camera swims into it.
         Vector3 across = axis.cross(eyePoint - (foot + top) * 0.5f);
         const float distance = across.length();
+        // Further off, the fog has taken it.
+        if (distance > SHAFT_REACH)
+            continue;
         across.normalize();
         const float near = Easing::smoothstep(2.0f, 9.0f, distance);
         const float glow =

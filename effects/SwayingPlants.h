@@ -31,11 +31,23 @@ public:
     // Horizontal lean of a point at that height of the mesh at time t: most at the top, none at the root,
     // a wave running up the stem.
     Vector3 lean(float height, float t, float phase) const;
+    // Works out once what each vertex of the mesh needs of the lean, so that filling takes no more
+    // than a few products a vertex; without it fill works out the lean in full.
+    void prepare(const IndexedMesh& mesh);
     // Fills the batch with the plants the frustum may see.
     void fill(InstanceBatch& batch, const IndexedMesh& mesh, float t, const Frustum& frustum) const;
 
 private:
+    // A vertex's share of the lean by its height, and its height's angles in the two waves.
+    struct Bend {
+        float weight;
+        float withCos, withSin;
+        float sideCos, sideSin;
+    };
+    float weight(float height) const;
+
     std::vector<Plant> plants;
+    std::vector<Bend> bends;
     size_t room;
     float height;
     float reach;

@@ -9,6 +9,7 @@
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
+#include "scene/Frustum.h"
 #include "scene/LightMgr.h"
 #include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
@@ -80,6 +81,26 @@ TEST(SeaBedPlants, RootsStayPutAndTopsLeanNoFurtherThanTheirReach)
         ASSERT_EQ(top.y, 0.0f);
         ASSERT_LE(kelp.lean(7.0f, t, 1.0f).length(), top.length() + 1.0f) << t;
     }
+    // Filling worked out once a vertex ahead bends the copies as the full lean does.
+    Mesh* mesh = square();
+    IndexedMesh stem;
+    ASSERT_TRUE(stem.build(*mesh));
+    delete mesh;
+    SwayingPlants quick(1.0f, 0.5f, Vector3(1.0f, 0.0f, 0.0f));
+    quick.reserve(2);
+    quick.add({Vector3(3.0f, 1.0f, 2.0f), 30.0f, 2.0f, 0.7f});
+    quick.add({Vector3(-3.0f, 0.0f, 5.0f), 200.0f, 0.5f, 2.1f});
+    InstanceBatch full, prepared;
+    ASSERT_TRUE(full.create(stem, 2));
+    ASSERT_TRUE(prepared.create(stem, 2));
+    const Frustum everywhere;
+    quick.fill(full, stem, 4.2f, everywhere);
+    quick.prepare(stem);
+    quick.fill(prepared, stem, 4.2f, everywhere);
+    ASSERT_EQ(prepared.getCount(), 2);
+    for (int v = 0; v < 2 * stem.getVertexCount(); ++v)
+        EXPECT_LT(prepared.getVertices()[v].position.distance(full.getVertices()[v].position), 1e-4f) << v;
+
     // Room is made once; beyond it plants are refused.
     SwayingPlants fans(2.0f, 0.2f, Vector3(0.0f, 0.0f, 1.0f));
     fans.reserve(2);
