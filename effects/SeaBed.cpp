@@ -385,7 +385,7 @@ void SeaBed::drawBackdrop(const Camera& camera) const
         Vector3 ray = camera.getN() + camera.getV() * (y * halfHeight);
         ray.normalize();
         const float rise = std::asin(std::clamp(ray.y, -1.0f, 1.0f));
-        const Color c = rise > 0.0f ? mix(water, above, brightening * Easing::smoothstep(0.2f, 1.4f, rise)) : water;
+        const Color c = rise > 0.0f ? mix(water, above, brightening * Easing::smoothstep(0.55f, 1.5f, rise)) : water;
         glColor4f(c.r, c.g, c.b, 1.0f);
         glVertex3f(-1.0f, y, BACKDROP_DEPTH);
         glVertex3f(1.0f, y, BACKDROP_DEPTH);

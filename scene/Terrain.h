@@ -89,8 +89,8 @@ public:
     // The same, patches lying wholly beyond coarseBeyond from the eye listed coarse.
     int cull(const Frustum& frustum, const Vector3& eye, float coarseBeyond);
     const TerrainQuadPVS& getVisible() const { return visible; }
-    // How far off patches are drawn at every other grid point; never, unless set. Far in fog the
-    // small cracks where a coarse patch meets a fine one do not show.
+    // How far off patches are drawn at every other grid point; never, unless set. A coarse patch
+    // hangs a curtain from its edges, so the slivers where it meets a fine one show ground, not water.
     void setCoarseDistance(float distance) { coarseDistance = distance; }
     float getCoarseDistance() const { return coarseDistance; }
     // Culls against the camera's frustum and draws the visible patches with whatever material is bound.

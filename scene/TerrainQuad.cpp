@@ -7,6 +7,9 @@
 
 namespace {
 
+// How far the curtains under coarse patches hang below their edges.
+const float SKIRT_DEPTH = 1.0f;
+
 // Grid lines a level keeps between first and last: every one, or every other one and the last.
 std::vector<int> lines(int first, int last, int step)
 {
@@ -91,7 +94,54 @@ void TerrainQuad::buildLeaf(const Terrain& terrain, int column0, int row0, int c
                 out.insert(out.end(), cell, cell + 6);
             }
         }
+        if (level == COARSE)
+            addSkirts(block, stride, column0, row0, xs, zs, vertices, out);
         ranges[level].count = static_cast<uint32_t>(out.size()) - ranges[level].first;
+    }
+}
+
+void TerrainQuad::addSkirts(uint32_t block, uint32_t stride, int column0, int row0, const std::vector<int>& xs,
+                            const std::vector<int>& zs, std::vector<Vertex>& vertices, std::vector<uint32_t>& out)
+{
+    // Where a coarse patch meets a fine one, the fine edge's extra points leave slivers open; a
+    // curtain hanging from each coarse edge fills what shows through them.
+    const int lastX = xs.back() - column0;
+    const int lastZ = zs.back() - row0;
+    const struct {
+        bool alongX;
+        int fixed;
+        Vector3 outward;
+    } edges[4] = {{true, 0, Vector3(0.0f, 0.0f, -1.0f)},
+                  {true, lastZ, Vector3(0.0f, 0.0f, 1.0f)},
+                  {false, 0, Vector3(-1.0f, 0.0f, 0.0f)},
+                  {false, lastX, Vector3(1.0f, 0.0f, 0.0f)}};
+    for (const auto& edge : edges) {
+        const std::vector<int>& along = edge.alongX ? xs : zs;
+        const int first = edge.alongX ? column0 : row0;
+        // The block's index of the edge point on grid line `line`.
+        auto top = [&](int line) {
+            const int at = line - first;
+            return block + static_cast<uint32_t>(edge.alongX ? edge.fixed * static_cast<int>(stride) + at
+                                                             : at * static_cast<int>(stride) + edge.fixed);
+        };
+        const uint32_t hung = static_cast<uint32_t>(vertices.size());
+        for (int line : along) {
+            Vertex low = vertices[top(line)];
+            low.position.y -= SKIRT_DEPTH;
+            vertices.push_back(low);
+        }
+        for (size_t i = 0; i + 1 < along.size(); ++i) {
+            const uint32_t a = top(along[i]);
+            const uint32_t b = top(along[i + 1]);
+            const uint32_t c = hung + static_cast<uint32_t>(i);
+            const uint32_t d = c + 1;
+            // Wound to face out of the patch, towards the neighbour it borders.
+            const Vector3 normal =
+                (vertices[b].position - vertices[a].position).cross(vertices[c].position - vertices[a].position);
+            const bool outwards = normal.dot(edge.outward) > 0.0f;
+            const uint32_t quad[6] = {a, outwards ? b : c, outwards ? c : b, b, outwards ? d : c, outwards ? c : d};
+            out.insert(out.end(), quad, quad + 6);
+        }
     }
 }
 

@@ -53,6 +53,9 @@ public:
 private:
     void buildLeaf(const Terrain& terrain, int column0, int row0, int column1, int row1, std::vector<Vertex>& vertices,
                    std::vector<uint32_t> (&indices)[LEVELS]);
+    // Curtains hanging from a coarse patch's four edges: lowered copies of its edge points join the block.
+    static void addSkirts(uint32_t block, uint32_t stride, int column0, int row0, const std::vector<int>& xs,
+                          const std::vector<int>& zs, std::vector<Vertex>& vertices, std::vector<uint32_t>& out);
 
     BoundingBox box;
     TerrainQuad* children[CHILD_COUNT];

@@ -240,15 +240,16 @@ TEST(TerrainChunk, EveryTruncationAndEveryBadFieldIsRefusedAndLeavesItEmpty)
 
 TEST(TerrainPatches, EveryCellIsInExactlyOneLeafAtEachLevelAndLeavesFollowOneAnother)
 {
-    // Each patch has its own block of grid points, its edges shared with no neighbour; coarse, it
-    // keeps every other grid line and its last one.
+    // Each patch has its own block of grid points, its edges shared with no neighbour, and lowered
+    // copies of its coarse edge points for the curtain under its coarse edges; coarse, it keeps every
+    // other grid line and its last one, and adds a curtain quad under each coarse edge segment.
     const struct {
-        int columns, rows, patchCells, patches, vertices, coarseCells;
-    } cases[] = {{65, 65, 16, 16, 16 * 17 * 17, 16 * 8 * 8},
-                 {65, 65, 8, 64, 64 * 9 * 9, 64 * 4 * 4},
-                 {33, 9, 8, 4, 4 * 9 * 9, 4 * 4 * 4},
-                 {5, 4, 16, 1, 5 * 4, 2 * 2},
-                 {21, 3, 4, 8, 4 * 3 * 3 + 4 * 4 * 3, 4 * 1 * 1 + 4 * 2 * 1}};
+        int columns, rows, patchCells, patches, vertices, coarseQuads;
+    } cases[] = {{65, 65, 16, 16, 16 * (17 * 17 + 4 * 9), 16 * (8 * 8 + 4 * 8)},
+                 {65, 65, 8, 64, 64 * (9 * 9 + 4 * 5), 64 * (4 * 4 + 4 * 4)},
+                 {33, 9, 8, 4, 4 * (9 * 9 + 4 * 5), 4 * (4 * 4 + 4 * 4)},
+                 {5, 4, 16, 1, 5 * 4 + 4 * 3, 2 * 2 + 4 * 2},
+                 {21, 3, 4, 8, 4 * (3 * 3 + 4 * 2) + 4 * (4 * 3 + 2 * 3 + 2 * 2), 4 * (1 + 4) + 4 * (2 + 6)}};
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.columns << " x " << c.rows << " by " << c.patchCells);
         Terrain terrain;
@@ -258,7 +259,7 @@ TEST(TerrainPatches, EveryCellIsInExactlyOneLeafAtEachLevelAndLeavesFollowOneAno
         EXPECT_EQ(terrain.getVertices().getNumVertices(), c.vertices);
         const std::vector<uint32_t>& indices = terrain.getIndices();
         const size_t fine = static_cast<size_t>((c.columns - 1) * (c.rows - 1) * 6);
-        ASSERT_EQ(indices.size(), fine + c.coarseCells * 6);
+        ASSERT_EQ(indices.size(), fine + c.coarseQuads * 6);
         // Every fine cell once: the cells' first corners, found back in the grid, are all different;
         // and every index names a vertex of the blocks.
         std::set<std::pair<float, float>> corners;
@@ -336,8 +337,8 @@ TEST(TerrainPatches, PatchesWhollyBeyondTheCoarseDistanceAreListedCoarse)
         const BoundingBox& box = visible.get(i).patch->getBox();
         EXPECT_EQ(visible.get(i).level == TerrainQuad::COARSE, eye.distance(box.getCentre()) - box.getRadius() > 40.0f);
     }
-    // A coarse patch of 8 x 8 cells is drawn as 4 x 4.
-    EXPECT_EQ(visible.getTriangleCount(), (seen - coarse) * 128LL + coarse * 32LL);
+    // A coarse patch of 8 x 8 cells is drawn as 4 x 4, with a curtain of four quads under each edge.
+    EXPECT_EQ(visible.getTriangleCount(), (seen - coarse) * 128LL + coarse * 64LL);
     // The same view without a coarse distance lists the same patches, all fine.
     EXPECT_EQ(terrain.cull(frustum), seen);
     EXPECT_EQ(terrain.getVisible().getCount(TerrainQuad::COARSE), 0);

@@ -35,7 +35,8 @@ Vec3 outerEdge(double a)
     const double dy = Maths::sin(a);
     const double halfWidth = 78.0;
     const double low = -8.0;
-    const double high = 50.0;
+    // A ragged top, so that the face has no straight edge against the water.
+    const double high = 50.0 + 6.0 * Maths::sin(a * 5.0) + 4.0 * Maths::sin(a * 11.0 + 1.0);
     double reach = 1e9;
     if (std::fabs(dx) > 1e-9)
         reach = std::fmin(reach, (dx > 0.0 ? halfWidth - CAVE_MOUTH.x : -halfWidth - CAVE_MOUTH.x) / dx);
