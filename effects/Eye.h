@@ -24,7 +24,7 @@ public:
     static constexpr float LID_SHUT = 4.0f;
     static constexpr float UPPER_OPEN = -74.0f;
     static constexpr float LOWER_OPEN = -58.0f;
-    static const int MAX_BLINKS = 8;
+    static constexpr int MAX_BLINKS = 8;
 
     Eye();
     ~Eye();

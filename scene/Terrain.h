@@ -27,11 +27,11 @@ class Frustum;
 class Terrain : public DrawableObject {
 public:
     // A million grid points at most: more than any scene needs, and a bound on what a file can make us build.
-    static const int MAX_SIDE = 1025;
+    static constexpr int MAX_SIDE = 1025;
     // Cells per side of a drawn patch unless buildPatches is told otherwise.
-    static const int DEFAULT_PATCH_CELLS = 16;
+    static constexpr int DEFAULT_PATCH_CELLS = 16;
     // The client arrays the terrain is drawn with: positions, normals, texture coordinates on both units.
-    static const int DRAW_ARRAYS =
+    static constexpr int DRAW_ARRAYS =
         VertexArray::POSITIONS | VertexArray::NORMALS | VertexArray::TEXCOORDS | VertexArray::TEXCOORDS_UNIT1;
 
     Terrain();

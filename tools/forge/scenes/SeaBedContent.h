@@ -15,7 +15,7 @@ public:
     static constexpr double SECONDS = SeaBedLayout::SECONDS;
     static constexpr double FRAMES_PER_SECOND = SeaBedLayout::FRAMES_PER_SECOND;
     // Frames between two path keys.
-    static const int KEY_STEP = 6;
+    static constexpr int KEY_STEP = 6;
     // How high the camera keeps above the sand until it enters the cave.
     static constexpr double CAMERA_CLEARANCE = 2.5;
 
