@@ -47,13 +47,13 @@ const SceneKit::LightSetup SUN_SETUP = {SUN,
                                         Color(0.8f, 0.95f, 0.9f, 1.0f),
                                         Color(0.9f, 1.0f, 1.0f, 1.0f),
                                         {1.0f, 0.0f, 0.0f}};
-// Light thrown back up from the sand, faint and green.
-const SceneKit::LightSetup DEEP_SETUP = {Vector3(-0.3f, -1.0f, -0.4f),
+// Light thrown back off the sand, green, from low in front of the way on: it picks out the rock face.
+const SceneKit::LightSetup DEEP_SETUP = {Vector3(-0.25f, -0.35f, 1.0f),
                                          Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                         Color(0.1f, 0.22f, 0.2f, 1.0f),
+                                         Color(0.16f, 0.3f, 0.26f, 1.0f),
                                          Color(0.0f, 0.0f, 0.0f, 1.0f),
                                          {1.0f, 0.0f, 0.0f}};
-// The caustics repeat every eight units of sand, and drift with the swell.
+// The caustic net repeats every five units of sand, and drifts with the swell.
 const float CAUSTIC_TILE = 5.0f;
 const float CAUSTIC_DRIFT_U = 0.021f;
 const float CAUSTIC_DRIFT_V = 0.013f;
