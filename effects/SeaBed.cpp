@@ -71,7 +71,7 @@ const int SURFACE_RINGS = 7;
 const float SURFACE_RADII[SURFACE_RINGS] = {0.0f, 6.0f, 15.0f, 35.0f, 75.0f, 150.0f, SURFACE_REACH};
 const int SURFACE_STEPS = 20;
 // How far off a light shaft is still seen through the water.
-const float SHAFT_REACH = 70.0f;
+const float SHAFT_REACH = 60.0f;
 // Steps of the backdrop's gradient from the bottom of the screen to the top.
 const int BACKDROP_STEPS = 12;
 // Just in front of the cleared depth, so it fills only where nothing was drawn.
@@ -107,6 +107,17 @@ Color towardsSurface(const Color& water)
 {
     return Color(std::min(1.0f, water.r * 1.9f + 0.12f), std::min(1.0f, water.g * 1.7f + 0.12f),
                  std::min(1.0f, water.b * 1.6f + 0.1f), 1.0f);
+}
+
+// Far off, where a texel covers less than a pixel, the nearest texel is taken rather than four
+// blended: the sand, the rock and the plants fill most of the screen, and in the fog the difference
+// does not show.
+void sampleNearestFarOff(const Texture* texture)
+{
+    if (!texture || texture->getGLName() == Texture::noName)
+        return;
+    glBindTexture(GL_TEXTURE_2D, texture->getGLName());
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
 }
 
 // Single sheets (leaves, blades, fins) drawn from both sides, each side lit as facing the viewer.
@@ -229,6 +240,9 @@ void SeaBed::loadFloor()
     sandMaterial->setTexture(SceneKit::preloadOrReport(SCENE, SAND));
     for (int i = 0; i < CAUSTIC_FRAMES; ++i)
         caustics[i] = SceneKit::preloadOrReport(SCENE, CAUSTICS[i]);
+    sampleNearestFarOff(sandMaterial->getTexture());
+    for (Texture* frame : caustics)
+        sampleNearestFarOff(frame);
 }
 
 void SeaBed::loadRocks()
@@ -242,6 +256,7 @@ void SeaBed::loadRocks()
     rockMaterial->setDiffuse(Color(0.8f, 0.82f, 0.78f, 1.0f));
     rockMaterial->setSpecular(Color(0.1f, 0.12f, 0.12f, 1.0f));
     rockMaterial->setShininess(12.0f);
+    sampleNearestFarOff(rockMaterial->getTexture());
     // The same rock in the cave, where little of the light from above reaches.
     caveMaterial = SceneKit::wear("SeaBedCave", rockMaterial->getTexture(), Material::textured, Material::blendNone);
     caveMaterial->setAmbient(Color(0.12f, 0.14f, 0.15f, 1.0f));
@@ -257,6 +272,8 @@ void SeaBed::loadPlants()
     kelpMaterial->setSpecular(Color(0.15f, 0.15f, 0.1f, 1.0f));
     fanMaterial = SceneKit::materialOrReport(SCENE, "SeaBedFan", FAN, Material::textured, Material::blendAlphaTest);
     fanMaterial->setSpecular(Color(0.0f, 0.0f, 0.0f, 1.0f));
+    sampleNearestFarOff(kelpMaterial->getTexture());
+    sampleNearestFarOff(fanMaterial->getTexture());
     plantKelp();
     plantFans();
 }
@@ -577,8 +594,8 @@ void SeaBed::drawShafts(const Camera& camera) const
         const float near = Easing::smoothstep(2.0f, 9.0f, distance);
         const float glow =
             (0.55f + 0.25f * std::sin(0.7f * t + 1.7f * i) + 0.15f * std::sin(1.9f * t + i)) * near * outside;
-        const Vector3 topSide = across * (0.4f * shaft.width);
-        const Vector3 footSide = across * (0.6f * shaft.width);
+        const Vector3 topSide = across * (0.28f * shaft.width);
+        const Vector3 footSide = across * (0.42f * shaft.width);
         glColor4f(0.7f * glow, 0.95f * glow, 0.9f * glow, 1.0f);
         glTexCoord2f(0.0f, 0.0f);
         glVertex3f(top.x - topSide.x, top.y - topSide.y, top.z - topSide.z);

@@ -247,7 +247,7 @@ Image SeaBedArt::shaft() const
 {
     const Noise noise(0x5AF7u);
     return paint(64, 256, [&](double u, double v) {
-        const double across = (u - 0.5) / 0.22;
+        const double across = (u - 0.5) / 0.3;
         // Streaks along the shaft, as rays through a moving surface.
         const double streaks = 0.65 + 0.35 * noise.fbm(u * 8.0, v * 0.5, 8, 3);
         const double fade = Maths::pow(1.0 - v, 1.6) * Maths::smoothstep(0.0, 0.04, v);
