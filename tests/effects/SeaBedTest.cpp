@@ -1,8 +1,10 @@
 // The sea bed: water deepening to the tunnel's colour, the caustic loop, plants leaning within their reach, instance batches, and a start with and without its data.
 #include "effects/SeaBed.h"
 
+#include "MissingData.h"
 #include "effects/IndexedMesh.h"
 #include "effects/InstanceBatch.h"
+#include "effects/SceneKit.h"
 #include "effects/SharedLayout.h"
 #include "effects/SwayingPlants.h"
 #include "gl/GLEXT.h"
@@ -21,7 +23,6 @@
 #include <GL/gl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
-#include <cstdlib>
 #include <iterator>
 #include <sstream>
 #include <string>
@@ -171,12 +172,8 @@ protected:
 
 TEST_F(SeaBedTest, WithoutItsDataTheScenePrintsOneLinePerMissingPieceAndStillRuns)
 {
-    char dir[] = "/tmp/seabed-empty-XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    char* previous = getcwd(nullptr, 0);
-    ASSERT_EQ(chdir(dir), 0);
-    testing::internal::CaptureStderr();
-    testing::internal::CaptureStdout();
+    MissingData nothing;
+    ASSERT_TRUE(nothing.entered());
     {
         SeaBed scene(0, SPAN);
         scene.initiate();
@@ -189,11 +186,7 @@ TEST_F(SeaBedTest, WithoutItsDataTheScenePrintsOneLinePerMissingPieceAndStillRun
         EXPECT_FALSE(glIsEnabled(GL_FOG));
         EXPECT_EQ(LightMgr::getHandle()->find("SeaBedSun"), nullptr);
     }
-    const std::string out = testing::internal::GetCapturedStdout();
-    const std::string errors = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(chdir(previous), 0);
-    std::free(previous);
-    rmdir(dir);
+    nothing.finish();
     // Every file of the scene's own named once, and nothing else said (the shared glow may already
     // be in the texture cache from another test).
     std::vector<std::string> files = {SeaBedLayout::TERRAIN,    SeaBedLayout::CAMERA_PATH, SeaBedLayout::FISH_PATH,
@@ -207,17 +200,15 @@ TEST_F(SeaBedTest, WithoutItsDataTheScenePrintsOneLinePerMissingPieceAndStillRun
         files.push_back(picture.file);
     for (const TextureFile& frame : SeaBedLayout::CAUSTICS)
         files.push_back(frame.file);
+    const std::string glow = SceneKit::missingMessage("SeaBed", SharedLayout::PARTICLE.file);
     size_t said = 0;
     for (const std::string& file : files) {
-        const std::string line = "SeaBed: couldn't load '" + file + "'\n";
-        const size_t at = errors.find(line);
-        EXPECT_NE(at, std::string::npos) << file;
-        EXPECT_EQ(errors.find(line, at + 1), std::string::npos) << file;
-        said += at == std::string::npos ? 0 : line.size();
+        EXPECT_TRUE(nothing.saidOnce("SeaBed", file.c_str()));
+        said += SceneKit::missingMessage("SeaBed", file.c_str()).size();
     }
-    const std::string glow = std::string("SeaBed: couldn't load '") + SharedLayout::PARTICLE.file + "'\n";
-    EXPECT_TRUE(errors.size() == said || errors.size() == said + glow.size()) << errors;
-    EXPECT_EQ(out.find("OpenGL ERROR"), std::string::npos) << out;
+    const size_t length = nothing.getErrors().size();
+    EXPECT_TRUE(length == said || length == said + glow.size()) << nothing.getErrors();
+    EXPECT_EQ(nothing.getOutput().find("OpenGL ERROR"), std::string::npos) << nothing.getOutput();
 }
 
 TEST_F(SeaBedTest, WithItsDataEverythingLoadsAndTheEyeOpensOnTime)
