@@ -635,8 +635,8 @@ void SeaBed::display()
     if (!camera)
         return;
     setWater(*camera);
-    drawSurface(*camera);
-    drawFloor(*camera);
+    // Nearer things first, so the sand and the water behind them fail the depth test before
+    // they are shaded: the rock face hides the bank behind it, the plants and rocks the sand.
     drawRocks(*camera);
     drawCave(*camera);
     Vector3 sun = SUN;
@@ -644,6 +644,8 @@ void SeaBed::display()
     eye.draw(*camera, sun);
     drawSchool(*camera);
     drawPlants(*camera);
+    drawSurface(*camera);
+    drawFloor(*camera);
     drawBackdrop(*camera);
     drawShafts(*camera);
     drawBubbles(*camera);
