@@ -10,6 +10,9 @@
 #include "texture/TextureMaterial.h"
 #include "texture/TextureMgr.h"
 
+#include <GL/gl.h>
+#include <GL/glext.h>
+
 Texture* SceneKit::loadTexture(const TextureFile& picture)
 {
     return TextureMgr::getHandle()->loadTexture(picture.file, picture.format);
@@ -28,6 +31,22 @@ Texture* SceneKit::preloadOrReport(const char* scene, const TextureFile& picture
     Texture* texture = preloadTexture(picture);
     if (!texture && scene)
         std::cerr << missingMessage(scene, picture.file);
+    return texture;
+}
+
+Texture* SceneKit::preloadMipmapped(const TextureFile& picture)
+{
+    Texture* texture = loadTexture(picture);
+    if (!texture)
+        return nullptr;
+    texture->upload();
+    // Sending the picture again with generation on fills the smaller levels.
+    texture->bind();
+    glTexParameteri(GL_TEXTURE_2D, GL_GENERATE_MIPMAP, GL_TRUE);
+    texture->updateSubTex();
+    glBindTexture(GL_TEXTURE_2D, texture->getGLName());
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_NEAREST);
+    texture->unbind();
     return texture;
 }
 

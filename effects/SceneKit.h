@@ -32,6 +32,8 @@ public:
     static Texture* preloadTexture(const TextureFile& picture);
     // The same, or null after printing the scenes' common message (below) for the picture; silent without a scene.
     static Texture* preloadOrReport(const char* scene, const TextureFile& picture);
+    // Preloaded with a mipmap chain made by GL, for pictures seen from far away as well as close up.
+    static Texture* preloadMipmapped(const TextureFile& picture);
 
     // A textured material made with these values and registered (whether or not one of that name exists).
     static TextureMaterial* makeMaterial(const char* name, Texture* texture, int blendMode, unsigned long flags);
