@@ -3,6 +3,7 @@
 
 #include "scenes/BlowUpContent.h"
 #include "scenes/CityStreetContent.h"
+#include "scenes/CockpitContent.h"
 #include "scenes/CreditsContent.h"
 #include "scenes/FlipperLandContent.h"
 #include "scenes/IslandsContent.h"
@@ -23,6 +24,7 @@ std::vector<std::unique_ptr<ContentUnit>> ContentUnits::all()
     units.emplace_back(new TunnelContent());
     units.emplace_back(new TunnelExitContent());
     units.emplace_back(new FlipperLandContent());
+    units.emplace_back(new CockpitContent());
     units.emplace_back(new CityStreetContent());
     units.emplace_back(new BlowUpContent());
     return units;
