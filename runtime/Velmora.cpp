@@ -11,6 +11,7 @@
 #include "effects/Islands.h"
 #include "effects/Logo.h"
 #include "effects/SeaBed.h"
+#include "effects/SpaceCraft.h"
 #include "effects/Swirl.h"
 #include "effects/TunnelExit.h"
 #include "effects/UnderwaterTunnel.h"
@@ -222,6 +223,7 @@ void Velmora::setupScenes()
     /* 15 */ effects->addEffect(new Fader(black, 100, EffectTimer(150.0f, 151.0f)));
     /* 16 */ effects->addEffect(new FlipperLand(0, EffectTimer(150.5f, 168.5f)));
     /* 17 */ effects->addEffect(new Fader(white, 100, EffectTimer(168.0f, 169.0f)));
+    /* 18 */ effects->addEffect(new SpaceCraft(0, EffectTimer(168.5f, 201.5f)));
     /* 19 */ effects->addEffect(new Fader(black, 100, EffectTimer(199.5f, 203.5f)));
     /* 21 */ effects->addEffect(new CityStreet(0, EffectTimer(214.5f, 247.5f)));
     /* 22 */ effects->addEffect(new BlowUp(0, EffectTimer(247.5f, 259.5f)));

@@ -10,6 +10,7 @@
 #include "scenes/LogoContent.h"
 #include "scenes/SeaBedContent.h"
 #include "scenes/SharedContent.h"
+#include "scenes/SpaceCraftContent.h"
 #include "scenes/TunnelContent.h"
 #include "scenes/TunnelExitContent.h"
 
@@ -24,6 +25,7 @@ std::vector<std::unique_ptr<ContentUnit>> ContentUnits::all()
     units.emplace_back(new TunnelContent());
     units.emplace_back(new TunnelExitContent());
     units.emplace_back(new FlipperLandContent());
+    units.emplace_back(new SpaceCraftContent());
     units.emplace_back(new CockpitContent());
     units.emplace_back(new CityStreetContent());
     units.emplace_back(new BlowUpContent());
