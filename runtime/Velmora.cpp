@@ -4,6 +4,7 @@
 #include "config/VariableMgr.h"
 #include "effects/BlowUp.h"
 #include "effects/CityStreet.h"
+#include "effects/Cockpit.h"
 #include "effects/Credit.h"
 #include "effects/Fader.h"
 #include "effects/FlipperLand.h"
@@ -23,6 +24,7 @@
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
 #include "sound/MusicPlayerMOD.h"
+#include "sound/SongMeter.h"
 #include "sound/Sound.h"
 #include "text/Console.h"
 #include "texture/MaterialMgr.h"
@@ -157,6 +159,8 @@ void Velmora::startSound()
             sound->addMusic(player);
             sound->setCurrentMusic(player);
             player->initiate();
+            // The displays that follow the music read the song by the playing module's clock.
+            SongMeter::getHandle()->initiate(song->getString(), player);
         }
     }
     sound->update();
@@ -225,6 +229,7 @@ void Velmora::setupScenes()
     /* 17 */ effects->addEffect(new Fader(white, 100, EffectTimer(168.0f, 169.0f)));
     /* 18 */ effects->addEffect(new SpaceCraft(0, EffectTimer(168.5f, 201.5f)));
     /* 19 */ effects->addEffect(new Fader(black, 100, EffectTimer(199.5f, 203.5f)));
+    /* 20 */ effects->addEffect(new Cockpit(0, EffectTimer(201.5f, 214.5f)));
     /* 21 */ effects->addEffect(new CityStreet(0, EffectTimer(214.5f, 247.5f)));
     /* 22 */ effects->addEffect(new BlowUp(0, EffectTimer(247.5f, 259.5f)));
     /* 23 */ effects->addEffect(new Swirl(0, EffectTimer(259.5f, 289.5f)));
@@ -316,6 +321,7 @@ void Velmora::onDeactivate()
 void Velmora::onQuit()
 {
     // The reverse of the start. The timeline itself goes with the destructor, after run has returned.
+    SongMeter::getHandle()->shutdown();
     if (soundEnabled)
         Sound::getHandle()->shutdown();
     Console::getHandle()->shutdown();

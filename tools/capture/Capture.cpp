@@ -12,6 +12,7 @@
 #include "gl/GLF_checkError.h"
 #include "runtime/EffectMgr.h"
 #include "runtime/FixedStepTimer.h"
+#include "sound/SongMeter.h"
 #include "text/Fonter.h"
 
 #include <GL/gl.h>
@@ -257,6 +258,10 @@ bool Capture::checkOutputs()
 bool Capture::work()
 {
     onInit();
+    // With no sound of its own, the displays that follow the music read the song by the scene clock.
+    const Variable* song = VariableMgr::getHandle()->find("Song");
+    if (song)
+        SongMeter::getHandle()->initiate(song->getString());
     // Before the first update every effect is still pending: the whole schedule.
     if (getEffects())
         schedule.read(*getEffects());

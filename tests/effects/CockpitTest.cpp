@@ -1,0 +1,227 @@
+// The cockpit: the planet's approach and the pilot's float, the read-out's text, displays that follow the song
+// (different levels, different bars; the same moment, the same frame), idle displays with no song, and a start
+// with and without its data.
+#include "effects/Cockpit.h"
+
+#include "effects/Harmonix.h"
+#include "gl/GLEXT.h"
+#include "math/MathConstants.h"
+#include "scene/Camera.h"
+#include "scene/CameraMgr.h"
+#include "scene/LightMgr.h"
+#include "sound/SongMeter.h"
+#include "support/GLContext.h"
+#include "texture/MaterialMgr.h"
+#include "texture/TextureMgr.h"
+
+#include <GL/gl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace CockpitLayout;
+
+const EffectTimer SPAN(201.5f, 214.5f);
+const char* const SONG = "data/music/velmora.xm";
+
+std::string cell(unsigned char note, unsigned char instrument)
+{
+    char text[Harmonix::CELL_CHARS];
+    Harmonix::formatCell(note, instrument, text);
+    return std::string(text, Harmonix::CELL_CHARS);
+}
+
+}  // namespace
+
+TEST(CockpitMotion, ThePlanetComesFromAfarToFillTheWindowWithoutTurningBack)
+{
+    EXPECT_FLOAT_EQ(Cockpit::planetDistance(0.0f), PLANET_START_DISTANCE);
+    EXPECT_NEAR(Cockpit::planetDistance(static_cast<float>(SECONDS)), PLANET_END_DISTANCE, 0.01f);
+    float last = Cockpit::planetDistance(0.0f);
+    for (float t = 0.1f; t <= SECONDS; t += 0.1f) {
+        const float d = Cockpit::planetDistance(t);
+        ASSERT_LT(d, last) << t;
+        last = d;
+    }
+    // By the cut the planet's disc is wider than the view is high.
+    const float halfView = 31.0f * MathConstants::DEGREES_TO_RADIANS;
+    EXPECT_GT(std::asin(PLANET_RADIUS / Cockpit::planetDistance(static_cast<float>(SECONDS))), halfView);
+    // The pilot floats a few millimetres at most: no shake.
+    for (float t = 0.0f; t <= SECONDS; t += 0.25f)
+        EXPECT_LT(Cockpit::eyeAt(t).length(), 0.02f);
+}
+
+TEST(HarmonixText, CellsReadAsATrackerWritesThem)
+{
+    EXPECT_EQ(cell(61, 1), "C-5 01");
+    EXPECT_EQ(cell(62, 0x1f), "C#5 1F");
+    EXPECT_EQ(cell(1, 0), "C-0 ..");
+    EXPECT_EQ(cell(120, 16), "B-9 10");
+    EXPECT_EQ(cell(0, 0), "... ..");
+    // Releases of every kind look alike; codes between the notes and the releases show nothing.
+    EXPECT_EQ(cell(255, 0), "=== ..");
+    EXPECT_EQ(cell(253, 0), "=== ..");
+    EXPECT_EQ(cell(121, 3), "... 03");
+}
+
+namespace {
+
+class CockpitTest : public GLTest {
+protected:
+    void SetUp() override
+    {
+        GLTest::SetUp();
+        GLEXT::bindAll();
+        if (TextureMgr::getHandle()->getLoaderCount() == 0)
+            TextureMgr::getHandle()->registerStandardLoaders();
+        CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
+    }
+    // Pictures and materials of earlier tests in this process would stand in for the missing files.
+    static void forgetPictures()
+    {
+        MaterialMgr::getHandle()->shutdown();
+        TextureMgr::getHandle()->shutdown();
+        TextureMgr::getHandle()->registerStandardLoaders();
+    }
+    void TearDown() override
+    {
+        SongMeter::getHandle()->shutdown();
+        CameraMgr::getHandle()->remove(CAMERA_NAME);
+        GLTest::TearDown();
+    }
+    // One frame as the demo draws it, read back.
+    static std::vector<unsigned char> frame(Effect& effect)
+    {
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        Camera* camera = CameraMgr::getHandle()->getActiveCamera();
+        if (camera) {
+            camera->lookAt();
+            LightMgr::getHandle()->reorient(*camera);
+        }
+        effect.display();
+        std::vector<unsigned char> pixels(static_cast<size_t>(GLContext::width() * GLContext::height() * 4));
+        glReadPixels(0, 0, GLContext::width(), GLContext::height(), GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        return pixels;
+    }
+    // The cockpit stepped from its start to `seconds` past it, at thirty frames a second.
+    static std::vector<unsigned char> at(float seconds, SongReading* reading = nullptr)
+    {
+        Cockpit cockpit(0, SPAN);
+        cockpit.initiate();
+        const float step = 1.0f / 30.0f;
+        for (float t = 0.0f; t + step * 0.5f < seconds; t += step)
+            cockpit.update(std::min(step, seconds - t));
+        std::vector<unsigned char> pixels = frame(cockpit);
+        if (reading)
+            *reading = cockpit.getHarmonix().getReading();
+        cockpit.shutdown();
+        return pixels;
+    }
+    static bool haveData() { return access(FRAME, R_OK) == 0 && access(SONG, R_OK) == 0; }
+};
+
+size_t differing(const std::vector<unsigned char>& a, const std::vector<unsigned char>& b)
+{
+    size_t count = 0;
+    for (size_t i = 0; i < a.size() && i < b.size(); ++i)
+        count += a[i] != b[i];
+    return count;
+}
+
+}  // namespace
+
+TEST_F(CockpitTest, TheBarsFollowTheSongsLevelsAndTheSameMomentDrawsTheSameFrame)
+{
+    if (!haveData())
+        GTEST_SKIP() << "no forged data tree in the working directory";
+    ASSERT_TRUE(SongMeter::getHandle()->initiate(SONG));
+    SongReading first, second;
+    // The kick drum strikes on the first row of the section; half a bar later only the pads ring.
+    const std::vector<unsigned char> kick = at(2.0f, &first);
+    const std::vector<unsigned char> pads = at(2.5f, &second);
+    ASSERT_TRUE(first.valid);
+    ASSERT_TRUE(second.valid);
+    float change = 0.0f;
+    for (int ch = 0; ch < first.channels; ++ch)
+        change += std::fabs(first.levels[ch] - second.levels[ch]);
+    ASSERT_GT(change, 0.2f) << "the song's levels differ between the two moments";
+    // Only the displays and the planet's slow approach change in half a second; the bars' screen
+    // is the middle of the dashboard's lower part.
+    const int w = GLContext::width(), h = GLContext::height();
+    size_t barsChanged = 0;
+    for (int y = 0; y < h / 3; ++y)
+        for (int x = w / 3; x < 2 * w / 3; ++x) {
+            const size_t i = static_cast<size_t>((y * w + x) * 4);
+            barsChanged += kick[i] != pads[i] || kick[i + 1] != pads[i + 1];
+        }
+    EXPECT_GT(barsChanged, 10u);
+    EXPECT_EQ(differing(at(2.0f), kick), 0u) << "two captures of one moment differ";
+}
+
+TEST_F(CockpitTest, WithNoSongTheDisplaysIdleQuietly)
+{
+    if (!haveData())
+        GTEST_SKIP() << "no forged data tree in the working directory";
+    SongMeter::getHandle()->shutdown();
+    testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
+    Cockpit cockpit(0, SPAN);
+    cockpit.initiate();
+    for (int i = 0; i < 5; ++i) {
+        cockpit.update(0.1f);
+        frame(cockpit);
+    }
+    EXPECT_TRUE(cockpit.getHarmonix().isIdle());
+    EXPECT_EQ(std::string(cockpit.getHarmonix().getLine(Harmonix::READOUT_ROWS / 2)),
+              std::string(Harmonix::LINE_CHARS, ' '));
+    cockpit.shutdown();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    const std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(out.find("OpenGL ERROR"), std::string::npos) << out;
+}
+
+TEST_F(CockpitTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStillRuns)
+{
+    forgetPictures();
+    char dir[] = "/tmp/cockpit-empty-XXXXXX";
+    ASSERT_NE(mkdtemp(dir), nullptr);
+    char* previous = getcwd(nullptr, 0);
+    ASSERT_EQ(chdir(dir), 0);
+    testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
+    {
+        Cockpit cockpit(0, SPAN);
+        cockpit.initiate();
+        EXPECT_EQ(cockpit.getFrame(), nullptr);
+        for (int i = 0; i < 3; ++i) {
+            cockpit.update(0.1f);
+            frame(cockpit);
+        }
+        cockpit.shutdown();
+    }
+    const std::string out = testing::internal::GetCapturedStdout();
+    const std::string errors = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(chdir(previous), 0);
+    std::free(previous);
+    rmdir(dir);
+    const std::vector<std::string> files = {FRAME,
+                                            FONT.file,
+                                            PLANET_SURFACE.file,
+                                            PLANET_CLOUDS.file,
+                                            PLANET_HALO.file,
+                                            "data/img/nebula_up.png",
+                                            "data/img/nebula_down.png"};
+    std::string expected;
+    for (const std::string& file : files) {
+        const std::string line = "Cockpit: couldn't load '" + file + "'\n";
+        EXPECT_NE(errors.find(line), std::string::npos) << line << errors;
+        expected += line;
+    }
+    EXPECT_EQ(errors.size(), expected.size()) << errors;
+    EXPECT_EQ(out.find("OpenGL ERROR"), std::string::npos) << out;
+}
