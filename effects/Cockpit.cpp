@@ -149,7 +149,6 @@ void Cockpit::loadCamera()
 
 void Cockpit::loadLights()
 {
-    rest.dim(SCENE);
     sun = SceneKit::directionalLight(SUN_LIGHT, SUN);
     for (int i = 0; i < 3; ++i)
         cabin[i] = SceneKit::directionalLight(CABIN_LIGHTS[i], CABIN[i]);
@@ -193,6 +192,9 @@ void Cockpit::display()
     Camera* camera = CameraMgr::getHandle()->getActiveCamera();
     if (!camera)
         return;
+    // Lights left on by earlier scenes rest while the cockpit is lit by its own. Done when drawing,
+    // after the scene before has let go of its own.
+    rest.dim(SCENE);
     // The cabin sees only its own lights, the planet only the star.
     if (sun)
         sun->turnOff();

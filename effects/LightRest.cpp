@@ -6,28 +6,40 @@
 
 #include <cstring>
 
-LightRest::LightRest() : dimmed(), count(0) {}
+bool LightRest::remembers(const char* name) const
+{
+    for (int i = 0; i < count; ++i)
+        if (names[i] == name)
+            return true;
+    return false;
+}
 
 void LightRest::dim(const char* ownPrefix)
 {
-    restore();
     LightMgr* lights = LightMgr::getHandle();
     const size_t length = std::strlen(ownPrefix);
-    for (int i = 0; lights->getLight(i) && count < CAPACITY; ++i) {
+    for (int i = 0; lights->getLight(i); ++i) {
         Light* light = lights->getLight(i);
-        const char* name = light->getName();
-        if (!light->isOn() || (name && std::strncmp(name, ownPrefix, length) == 0))
+        const char* name = light->getName() ? light->getName() : "";
+        if (!light->isOn() || std::strncmp(name, ownPrefix, length) == 0)
             continue;
+        if (!remembers(name)) {
+            if (count == CAPACITY)
+                continue;
+            names[count++] = name;
+        }
         light->turnOff();
-        dimmed[count++] = light;
     }
 }
 
 void LightRest::restore()
 {
+    LightMgr* lights = LightMgr::getHandle();
     for (int i = 0; i < count; ++i) {
-        dimmed[i]->turnOn();
-        dimmed[i] = nullptr;
+        Light* light = lights->find(names[i].c_str());
+        if (light)
+            light->turnOn();
+        names[i].clear();
     }
     count = 0;
 }

@@ -200,8 +200,6 @@ void SpaceCraft::loadCamera()
 
 void SpaceCraft::loadLights()
 {
-    // Lights left on by earlier scenes would light the hull from nowhere: they rest while it flies.
-    rest.dim(SCENE);
     SceneKit::directionalLight(SUN_LIGHT, SUN);
     SceneKit::directionalLight(FILL_LIGHT, FILL);
 }
@@ -318,6 +316,9 @@ void SpaceCraft::display()
     Camera* camera = CameraMgr::getHandle()->getActiveCamera();
     if (!camera)
         return;
+    // Lights left on by earlier scenes would light the planet from nowhere: they rest while the
+    // ship flies. Done when drawing, after the scene before has let go of its own.
+    rest.dim(SCENE);
     drawHull(*camera);
     backdrop.draw(*camera);
     planet.display();
