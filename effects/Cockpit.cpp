@@ -139,7 +139,7 @@ void Cockpit::loadCamera()
     CameraMgr* cameras = CameraMgr::getHandle();
     if (!cameras->find(CAMERA_NAME)) {
         Camera* camera = new Camera(CAMERA_NAME);
-        camera->lookAt(Vector3(0.0f, 0.0f, 0.0f), Vector3(0.0f, -0.14f, -1.0f));
+        camera->lookAt(Vector3(0.0f, 0.0f, 0.0f), Vector3(0.0f, -0.11f, -1.0f));
         camera->setClipPlanes(NEAR_CLIP, FAR_CLIP);
         camera->setFOV(FIELD_OF_VIEW);
         cameras->add(camera);
@@ -173,7 +173,7 @@ void Cockpit::update(float seconds)
     Camera* camera = CameraMgr::getHandle()->find(CAMERA_NAME);
     if (camera) {
         const Vector3 eye = eyeAt(t);
-        const Vector3 look(0.03f * std::sin(t * 0.21f), -0.14f + 0.02f * std::sin(t * 0.3f), -1.0f);
+        const Vector3 look(0.03f * std::sin(t * 0.21f), -0.11f + 0.02f * std::sin(t * 0.3f), -1.0f);
         camera->lookAt(eye, eye + look);
     }
 }

@@ -49,7 +49,7 @@ constexpr float WINDOW_Z = -2.05f;
 // The planet ahead, drawn through the window: its radius and its distance at the start and at the end.
 constexpr float PLANET_RADIUS = 640.0f;
 constexpr float PLANET_START_DISTANCE = 4200.0f;
-constexpr float PLANET_END_DISTANCE = 950.0f;
+constexpr float PLANET_END_DISTANCE = 1000.0f;
 inline const Vector3 PLANET_DIRECTION(-0.08f, 0.06f, -1.0f);
 
 }  // namespace CockpitLayout

@@ -33,6 +33,8 @@ const float GLASS[3] = {0.03f, 0.018f, 0.006f};
 // Content floats this far above the glass, inside the screen's frame.
 const float CONTENT_LIFT = 0.0015f;
 const float MARGIN = 0.03f;
+// A channel's meter reads about half way when it plays at its mixed level: the lamps show it a little hotter.
+const float BAR_GAIN = 1.5f;
 const char* const NOTE_NAMES = "C-C#D-D#E-F-F#G-G#A-A#B-";
 // libopenmpt's codes above the notes: fade, cut and release all end a note.
 const unsigned char LAST_NOTE = 120;
@@ -236,7 +238,7 @@ void Harmonix::drawBars(float width, float height) const
     const float step = (top - bottom) / SEGMENTS;
     glBegin(GL_QUADS);
     for (int ch = 0; ch < channels; ++ch) {
-        const float level = reading.valid ? reading.levels[ch] * SEGMENTS : 0.0f;
+        const float level = reading.valid ? reading.levels[ch] * BAR_GAIN * SEGMENTS : 0.0f;
         const float x0 = MARGIN + slot * (static_cast<float>(ch) + 0.15f);
         const float x1 = x0 + slot * 0.7f;
         for (int s = 0; s < SEGMENTS; ++s) {

@@ -153,7 +153,9 @@ Image CockpitArt::instruments() const
                 paint.rect(x + 8, y + random.below(14), x + 20, y + 6 + random.below(8), PALE_AMBER);
                 continue;
             }
-            button(paint, x, y, 26, 18, pick < 0.75, pick < 0.72 ? AMBER : Rgba{0.3f, 0.85f, 1.0f, 1.0f});
+            // Dimmer than the screens above them: the eye goes to the displays.
+            button(paint, x, y, 26, 18, pick < 0.75,
+                   pick < 0.72 ? ColourMath::shade(AMBER, 0.6) : Rgba{0.18f, 0.5f, 0.62f, 1.0f});
         }
     }
     return image;
@@ -189,6 +191,8 @@ Image CockpitArt::planet() const
             } else {
                 const double desertBelt = Maths::exp(-((latitude - 0.3) / 0.15) * ((latitude - 0.3) / 0.15));
                 c = ColourMath::mix(forest, grass, Maths::clamp(dry * 1.4 - 0.2, 0.0, 1.0));
+                // Mottling: valleys, plains and hills in slightly different shades.
+                c = ColourMath::shade(c, 0.8 + 0.45 * (0.5 + 0.5 * land.fbm(u * 64.0, v * 32.0, 64, 3)));
                 c = ColourMath::mix(c, desert,
                                     Maths::clamp((dry - 0.45) * 3.0 * desertBelt + 0.2 * desertBelt, 0.0, 1.0));
                 c = ColourMath::mix(c, rock, Maths::smoothstep(0.25, 0.45, height));
