@@ -111,7 +111,8 @@ void Cockpit::loadFrame()
         const Material* named = registry->find(FRAME_MATERIALS[part]);
         if (frameMaterials[part] || !named)
             continue;
-        Texture* picture = SceneKit::preloadMipmapped(*FRAME_PICTURES[part]);
+        // Seen from arm's length at about their own size: no smaller levels are needed.
+        Texture* picture = SceneKit::preloadTexture(*FRAME_PICTURES[part]);
         if (!picture)
             std::cerr << SceneKit::missingMessage(SCENE, FRAME_PICTURES[part]->file);
         TextureMaterial* material =

@@ -75,6 +75,8 @@ bool OctreeBatch::build(const Octree& tree, const MaterialChoice& drawWith)
         addLeaf(tree, node->getFaceIndices(), node->getNumFaces(), taken);
     }
     visible.assign(leaves.size(), 0);
+    order.assign(leaves.size(), 0);
+    distances.assign(leaves.size(), 0.0f);
     return true;
 }
 
@@ -184,6 +186,8 @@ void OctreeBatch::release()
     runs.clear();
     leaves.clear();
     visible.clear();
+    order.clear();
+    distances.clear();
     faceCount = visibleLeaves = visibleFaces = 0;
 }
 
@@ -203,6 +207,7 @@ int OctreeBatch::cull(const Plane* planes, int count)
         visible[i] = inside ? 1 : 0;
         if (!inside)
             continue;
+        order[static_cast<size_t>(visibleLeaves)] = static_cast<int>(i);
         ++visibleLeaves;
         for (int r = 0; r < leaf.runCount; ++r)
             visibleFaces += static_cast<int>(runs[static_cast<size_t>(leaf.firstRun + r)].count / 3);
@@ -219,6 +224,26 @@ int OctreeBatch::cull(const Frustum& frustum)
     return cull(planes, count);
 }
 
+void OctreeBatch::sortFrom(const Vector3& eye)
+{
+    for (int k = 0; k < visibleLeaves; ++k) {
+        const Leaf& leaf = leaves[static_cast<size_t>(order[static_cast<size_t>(k)])];
+        distances[static_cast<size_t>(k)] = ((leaf.min + leaf.max) * 0.5f - eye).length();
+    }
+    // Insertion sort: a few hundred leaves at most, already nearly in order from the last frame's view.
+    for (int k = 1; k < visibleLeaves; ++k) {
+        const int leaf = order[static_cast<size_t>(k)];
+        const float d = distances[static_cast<size_t>(k)];
+        int j = k - 1;
+        for (; j >= 0 && distances[static_cast<size_t>(j)] > d; --j) {
+            order[static_cast<size_t>(j + 1)] = order[static_cast<size_t>(j)];
+            distances[static_cast<size_t>(j + 1)] = distances[static_cast<size_t>(j)];
+        }
+        order[static_cast<size_t>(j + 1)] = leaf;
+        distances[static_cast<size_t>(j + 1)] = d;
+    }
+}
+
 void OctreeBatch::draw() const
 {
     if (!listBase)
@@ -230,10 +255,8 @@ void OctreeBatch::draw() const
         Material* material = materials[m];
         if (material)
             material->bind();
-        for (size_t i = 0; i < leaves.size(); ++i) {
-            if (!visible[i])
-                continue;
-            const Leaf& leaf = leaves[i];
+        for (int k = 0; k < visibleLeaves; ++k) {
+            const Leaf& leaf = leaves[static_cast<size_t>(order[static_cast<size_t>(k)])];
             for (int r = leaf.firstRun; r < leaf.firstRun + leaf.runCount; ++r)
                 if (runs[static_cast<size_t>(r)].material == static_cast<int>(m))
                     glCallList(listBase + static_cast<GLuint>(r));

@@ -60,7 +60,10 @@ public:
     // inwards); returns how many. No GL.
     int cull(const Plane* planes, int count);
     int cull(const Frustum& frustum);
-    // Draws the marked leaves, opaque materials first.
+    // Puts the marked leaves in order of distance from the eye, nearest first, so that what lies
+    // behind is mostly rejected by its depth before it is shaded.
+    void sortFrom(const Vector3& eye);
+    // Draws the marked leaves, opaque materials first, each material's leaves in the sorted order.
     void draw() const;
 
     // The planes of a camera's view for a picture of that aspect, without GL.
@@ -94,6 +97,9 @@ private:
     std::vector<Run> runs;
     std::vector<Leaf> leaves;
     std::vector<uint8_t> visible;
+    // The visible leaves' indices, in drawing order, and their distances; sized once by build().
+    std::vector<int> order;
+    std::vector<float> distances;
     unsigned int listBase;
     int faceCount;
     int visibleLeaves;

@@ -151,7 +151,11 @@ void Planet::drawHalo(const Camera& camera) const
 
 void Planet::display()
 {
-    if (indices.empty())
+    const Camera* camera = CameraMgr::getHandle()->getActiveCamera();
+    if (indices.empty() || !camera)
+        return;
+    // The air reaches a quarter of the radius beyond the ground.
+    if (!camera->getFrustum().isSphereInside(centre, radius * 1.25f))
         return;
     glPushAttrib(GL_ENABLE_BIT | GL_LIGHTING_BIT | GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_CURRENT_BIT);
     glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
@@ -180,8 +184,6 @@ void Planet::display()
     }
     glPopClientAttrib();
     glDisable(GL_LIGHTING);
-    const Camera* camera = CameraMgr::getHandle()->getActiveCamera();
-    if (camera)
-        drawHalo(*camera);
+    drawHalo(*camera);
     glPopAttrib();
 }

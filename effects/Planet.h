@@ -29,7 +29,7 @@ public:
     void initiate() override;
     void shutdown() override;
     void update(float seconds) override;
-    // Needs an active camera for the atmosphere, which always faces the viewer.
+    // Through the active camera, which the atmosphere always faces; nothing when out of its view.
     void display() override;
 
     void place(const Vector3& centre, float radius);

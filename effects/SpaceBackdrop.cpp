@@ -101,7 +101,8 @@ void SpaceBackdrop::load()
     release();
     dome = new Hemisphere(DOME_RADIUS);
     for (const TextureFile* picture : {&SpaceCraftLayout::NEBULA_UP, &SpaceCraftLayout::NEBULA_DOWN}) {
-        Texture* texture = SceneKit::preloadMipmapped(*picture);
+        // The sky is always seen larger than its picture: no smaller levels are needed.
+        Texture* texture = SceneKit::preloadTexture(*picture);
         if (!texture)
             std::cerr << SceneKit::missingMessage(scene, picture->file);
         (picture == &SpaceCraftLayout::NEBULA_UP ? upper : lower) = texture;

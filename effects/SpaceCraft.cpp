@@ -51,8 +51,8 @@ const SceneKit::LightSetup FILL = {Vector3(0.5f, -0.45f, -0.3f),
 
 // GL's own ambient light, which the baked light adds like GL would.
 const float GLOBAL_AMBIENT = 0.2f;
-const int NOZZLE_PARTICLES = 24;
-const int SPARK_PARTICLES = 32;
+const int NOZZLE_PARTICLES = 16;
+const int SPARK_PARTICLES = 20;
 // Sparks start this far behind a mouth and stream about twice as far again.
 const float SPARK_LEAD = 6.0f;
 const float SPARK_REACH = 36.0f;
@@ -257,6 +257,7 @@ void SpaceCraft::drawHull(Camera& camera)
     if (!hull)
         return;
     batch.cull(camera.getFrustum());
+    batch.sortFrom(camera.getPosition());
     glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
     batch.draw();
     glPopClientAttrib();

@@ -32,6 +32,10 @@ protected:
 
 TEST_F(LightRestTest, StrangersRestWhileTheSceneRunsAndOnlyThoseStillThereComeBack)
 {
+    // Lights other tests of this process left on are strangers too.
+    int before = 0;
+    for (int i = 0; lights->getLight(i); ++i)
+        before += lights->getLight(i)->isOn() ? 1 : 0;
     Light* stranger = add("Stranger");
     add("Leftover");
     Light* own = add("SceneSun");
@@ -40,12 +44,12 @@ TEST_F(LightRestTest, StrangersRestWhileTheSceneRunsAndOnlyThoseStillThereComeBa
     EXPECT_FALSE(stranger->isOn());
     EXPECT_FALSE(lights->find("Leftover")->isOn());
     EXPECT_TRUE(own->isOn());
-    EXPECT_EQ(rest.getDimmed(), 2);
+    EXPECT_EQ(rest.getDimmed(), before + 2);
     // Every frame may ask again: a light is remembered once.
     stranger->turnOn();
     rest.dim("Scene");
     EXPECT_FALSE(stranger->isOn());
-    EXPECT_EQ(rest.getDimmed(), 2);
+    EXPECT_EQ(rest.getDimmed(), before + 2);
     // A scene that ends takes its light with it: the rest must not reach for it.
     lights->remove("Leftover");
     rest.restore();
