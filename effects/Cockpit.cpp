@@ -9,16 +9,10 @@
 #include "scene/Light.h"
 #include "scene/LightMgr.h"
 #include "scene/Mesh.h"
-#include "texture/Material.h"
-#include "texture/MaterialMgr.h"
-#include "texture/Texture.h"
-#include "texture/TextureMaterial.h"
 
 #include <GL/gl.h>
 #include <algorithm>
 #include <cmath>
-#include <cstring>
-#include <string>
 
 namespace {
 
@@ -58,13 +52,14 @@ const SceneKit::LightSetup CABIN[3] = {
 };
 const Color PLANET_LIGHT = CABIN[0].diffuse;
 
-const TextureFile* FRAME_PICTURES[FRAME_PART_COUNT] = {&PANELS, &PANELS, &INSTRUMENTS};
+// Seen from arm's length at about their own size: no smaller levels are needed.
+const TextureFile* const FRAME_PICTURES[FRAME_PART_COUNT] = {&PANELS, &PANELS, &INSTRUMENTS};
 
 }  // namespace
 
 Cockpit::Cockpit(short layer, const EffectTimer& timer)
-    : Effect(layer, timer), frame(nullptr), frameMaterials(), backdrop(SCENE), planet(layer, timer, SCENE),
-      harmonix(layer, timer), sun(nullptr), cabin()
+    : Effect(layer, timer), frame(nullptr), twins(SCENE, FRAME_MATERIALS, FRAME_PICTURES, FRAME_PART_COUNT, false),
+      backdrop(SCENE), planet(layer, timer, SCENE), harmonix(layer, timer), sun(nullptr), cabin()
 {
 }
 
@@ -104,34 +99,11 @@ void Cockpit::loadFrame()
     if (!frame)
         return;
     // The file's materials hold the colours; each gets a textured twin of its own here.
-    MaterialMgr* registry = MaterialMgr::getHandle();
-    for (int part = 0; part < FRAME_PART_COUNT; ++part) {
-        const std::string name = std::string(SCENE) + "Lit" + FRAME_MATERIALS[part];
-        frameMaterials[part] = dynamic_cast<TextureMaterial*>(registry->find(name.c_str()));
-        const Material* named = registry->find(FRAME_MATERIALS[part]);
-        if (frameMaterials[part] || !named)
-            continue;
-        // Seen from arm's length at about their own size: no smaller levels are needed.
-        Texture* picture = SceneKit::preloadTexture(*FRAME_PICTURES[part]);
-        if (!picture)
-            std::cerr << SceneKit::missingMessage(SCENE, FRAME_PICTURES[part]->file);
-        TextureMaterial* material =
-            SceneKit::makeMaterial(name.c_str(), picture, Material::blendNone, Material::defaultFlags);
-        material->setAmbient(named->getAmbient());
-        material->setDiffuse(named->getDiffuse());
-        material->setSpecular(named->getSpecular());
-        material->setEmission(named->getEmission());
-        material->setShininess(named->getShininess());
-        frameMaterials[part] = material;
-    }
+    twins.make();
     FaceArray* faces = frame->getFaces();
     for (int i = 0; faces && i < faces->getNumFaces(); ++i) {
         Face& face = (*faces)[i];
-        for (int part = 0; part < FRAME_PART_COUNT && face.material; ++part)
-            if (frameMaterials[part] && std::strcmp(face.material->getName(), FRAME_MATERIALS[part]) == 0) {
-                face.setMaterial(frameMaterials[part]);
-                break;
-            }
+        face.setMaterial(twins.twinOf(face.material));
     }
 }
 
@@ -219,9 +191,7 @@ void Cockpit::release()
 {
     delete frame;
     frame = nullptr;
-    // Registered materials belong to the registry.
-    for (TextureMaterial*& material : frameMaterials)
-        material = nullptr;
+    twins.forget();
 }
 
 void Cockpit::shutdown()

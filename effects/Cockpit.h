@@ -6,14 +6,13 @@
 #include "effects/LightRest.h"
 #include "effects/Planet.h"
 #include "effects/SpaceBackdrop.h"
+#include "effects/TextureTwins.h"
 #include "math/Vector3.h"
 #include "runtime/Effect.h"
 
 class Camera;
 class Light;
-class Material;
 class Mesh;
-class TextureMaterial;
 
 class Cockpit : public Effect {
 public:
@@ -44,7 +43,7 @@ private:
     void release();
 
     Mesh* frame;
-    TextureMaterial* frameMaterials[CockpitLayout::FRAME_PART_COUNT];
+    TextureTwins twins;
     SpaceBackdrop backdrop;
     Planet planet;
     Harmonix harmonix;

@@ -19,8 +19,6 @@
 #include <GL/gl.h>
 #include <algorithm>
 #include <cmath>
-#include <cstring>
-#include <string>
 
 namespace {
 
@@ -61,7 +59,7 @@ const float SPARK_REACH = 36.0f;
 
 SpaceCraft::SpaceCraft(short layer, const EffectTimer& timer)
     : Effect(layer, timer), hull(nullptr), cameraAnimation(nullptr), backdrop(SCENE), planet(layer, timer, SCENE),
-      hullMaterials(), glow(nullptr), clusters(), emitters()
+      twins(SCENE, HULL_MATERIALS, HULL_PICTURES, HULL_PART_COUNT, true), glow(nullptr), clusters(), emitters()
 {
 }
 
@@ -133,14 +131,6 @@ void SpaceCraft::initiate()
     loadExhausts();
 }
 
-Material* SpaceCraft::hullMaterial(Material* named)
-{
-    for (int part = 0; part < HULL_PART_COUNT && named; ++part)
-        if (hullMaterials[part] && std::strcmp(named->getName(), HULL_MATERIALS[part]) == 0)
-            return hullMaterials[part];
-    return named;
-}
-
 void SpaceCraft::loadHull()
 {
     delete hull;
@@ -148,29 +138,8 @@ void SpaceCraft::loadHull()
     if (!hull)
         return;
     // The file's materials hold the colours; each gets a textured twin of its own here.
-    MaterialMgr* registry = MaterialMgr::getHandle();
-    for (int part = 0; part < HULL_PART_COUNT; ++part) {
-        const std::string name = std::string(SCENE) + HULL_MATERIALS[part];
-        hullMaterials[part] = dynamic_cast<TextureMaterial*>(registry->find(name.c_str()));
-        const Material* named = registry->find(HULL_MATERIALS[part]);
-        if (hullMaterials[part] || !named)
-            continue;
-        Texture* picture = nullptr;
-        if (HULL_PICTURES[part]) {
-            picture = SceneKit::preloadMipmapped(*HULL_PICTURES[part]);
-            if (!picture)
-                std::cerr << SceneKit::missingMessage(SCENE, HULL_PICTURES[part]->file);
-        }
-        TextureMaterial* material =
-            SceneKit::makeMaterial(name.c_str(), picture, named->getBlendMode(), Material::defaultFlags);
-        material->setAmbient(named->getAmbient());
-        material->setDiffuse(named->getDiffuse());
-        material->setSpecular(named->getSpecular());
-        material->setEmission(named->getEmission());
-        material->setShininess(named->getShininess());
-        hullMaterials[part] = material;
-    }
-    batch.build(*hull, [this](Material* named) { return hullMaterial(named); });
+    twins.make();
+    batch.build(*hull, [this](Material* named) { return twins.twinOf(named); });
     // The star and the fill never move against the hull: its light is worked out once.
     batch.bake(&SpaceCraft::starlight);
     batch.compile();
@@ -357,8 +326,7 @@ void SpaceCraft::release()
         emitters[i] = nullptr;
     }
     // Registered materials belong to the registry, pictures to the texture cache.
-    for (TextureMaterial*& material : hullMaterials)
-        material = nullptr;
+    twins.forget();
     glow = nullptr;
 }
 

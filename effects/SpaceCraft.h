@@ -6,6 +6,7 @@
 #include "effects/Planet.h"
 #include "effects/SpaceBackdrop.h"
 #include "effects/SpaceCraftLayout.h"
+#include "effects/TextureTwins.h"
 #include "math/Color.h"
 #include "math/Vector3.h"
 #include "runtime/Effect.h"
@@ -17,7 +18,6 @@ class Octree;
 class ParticleCluster;
 class ParticleInfo;
 class Texture;
-class TextureMaterial;
 
 class SpaceCraft : public Effect {
 public:
@@ -54,7 +54,6 @@ private:
     void loadCamera();
     void loadLights();
     void loadExhausts();
-    Material* hullMaterial(Material* named);
     void drawHull(Camera& camera);
     void drawGlows(const Camera& camera) const;
     void drawCard(const Camera& camera, const Vector3& where, float size, float r, float g, float b) const;
@@ -65,7 +64,7 @@ private:
     CameraAnimation* cameraAnimation;
     SpaceBackdrop backdrop;
     Planet planet;
-    TextureMaterial* hullMaterials[SpaceCraftLayout::HULL_PART_COUNT];
+    TextureTwins twins;
     Texture* glow;
     ParticleCluster* clusters[CLUSTER_COUNT];
     ParticleInfo* emitters[CLUSTER_COUNT];
