@@ -16,6 +16,7 @@
 #include "runtime/EffectMgr.h"
 #include "sound/MusicPlayer.h"
 #include "sound/MusicPlayerMOD.h"
+#include "sound/SongMeter.h"
 #include "sound/Sound.h"
 #include "text/Console.h"
 #include "texture/TextureMgr.h"
@@ -300,9 +301,14 @@ TEST_F(Driver, SongPlaysWhenSoundIsOnAndStopsAtQuit)
     for (int i = 0; i < 500 && music->getCurrentLocation() <= first; ++i)
         SDL_Delay(10);
     EXPECT_GT(music->getCurrentLocation(), first);
+    // The displays that follow the music go by the playing module's clock, not the scene's.
+    SongMeter* meter = SongMeter::getHandle();
+    EXPECT_TRUE(meter->isOpen());
+    EXPECT_LT(meter->songTime(1000.0), 100.0);
     demo->onUpdate(0.25f);
     demo->onQuit();
     EXPECT_FALSE(sound->isInitialised());
+    EXPECT_FALSE(meter->isOpen());
 }
 
 namespace {
