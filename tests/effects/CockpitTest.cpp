@@ -3,6 +3,7 @@
 // with and without its data.
 #include "effects/Cockpit.h"
 
+#include "SceneHarness.h"
 #include "effects/Harmonix.h"
 #include "gl/GLEXT.h"
 #include "math/MathConstants.h"
@@ -11,14 +12,12 @@
 #include "scene/LightMgr.h"
 #include "sound/SongMeter.h"
 #include "support/GLContext.h"
-#include "texture/MaterialMgr.h"
 #include "texture/TextureMgr.h"
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -81,32 +80,11 @@ protected:
             TextureMgr::getHandle()->registerStandardLoaders();
         CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
     }
-    // Pictures and materials of earlier tests in this process would stand in for the missing files.
-    static void forgetPictures()
-    {
-        MaterialMgr::getHandle()->shutdown();
-        TextureMgr::getHandle()->shutdown();
-        TextureMgr::getHandle()->registerStandardLoaders();
-    }
     void TearDown() override
     {
         SongMeter::getHandle()->shutdown();
         CameraMgr::getHandle()->remove(CAMERA_NAME);
         GLTest::TearDown();
-    }
-    // One frame as the demo draws it, read back.
-    static std::vector<unsigned char> frame(Effect& effect)
-    {
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-        Camera* camera = CameraMgr::getHandle()->getActiveCamera();
-        if (camera) {
-            camera->lookAt();
-            LightMgr::getHandle()->reorient(*camera);
-        }
-        effect.display();
-        std::vector<unsigned char> pixels(static_cast<size_t>(GLContext::width() * GLContext::height() * 4));
-        glReadPixels(0, 0, GLContext::width(), GLContext::height(), GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-        return pixels;
     }
     // The cockpit stepped from its start to `seconds` past it, at thirty frames a second.
     static std::vector<unsigned char> at(float seconds, SongReading* reading = nullptr)
@@ -116,7 +94,7 @@ protected:
         const float step = 1.0f / 30.0f;
         for (float t = 0.0f; t + step * 0.5f < seconds; t += step)
             cockpit.update(std::min(step, seconds - t));
-        std::vector<unsigned char> pixels = frame(cockpit);
+        std::vector<unsigned char> pixels = SceneHarness::drawFrame(cockpit);
         if (reading)
             *reading = cockpit.getHarmonix().getReading();
         cockpit.shutdown();
@@ -174,7 +152,7 @@ TEST_F(CockpitTest, WithNoSongTheDisplaysIdleQuietly)
     cockpit.initiate();
     for (int i = 0; i < 5; ++i) {
         cockpit.update(0.1f);
-        frame(cockpit);
+        SceneHarness::drawFrame(cockpit);
     }
     EXPECT_TRUE(cockpit.getHarmonix().isIdle());
     EXPECT_EQ(std::string(cockpit.getHarmonix().getLine(Harmonix::READOUT_ROWS / 2)),
@@ -187,41 +165,19 @@ TEST_F(CockpitTest, WithNoSongTheDisplaysIdleQuietly)
 
 TEST_F(CockpitTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStillRuns)
 {
-    forgetPictures();
-    char dir[] = "/tmp/cockpit-empty-XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    char* previous = getcwd(nullptr, 0);
-    ASSERT_EQ(chdir(dir), 0);
-    testing::internal::CaptureStderr();
-    testing::internal::CaptureStdout();
-    {
+    const SceneHarness::Output printed = SceneHarness::inEmptyDirectory([] {
         Cockpit cockpit(0, SPAN);
         cockpit.initiate();
         EXPECT_EQ(cockpit.getFrame(), nullptr);
         for (int i = 0; i < 3; ++i) {
             cockpit.update(0.1f);
-            frame(cockpit);
+            SceneHarness::drawFrame(cockpit);
         }
         cockpit.shutdown();
-    }
-    const std::string out = testing::internal::GetCapturedStdout();
-    const std::string errors = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(chdir(previous), 0);
-    std::free(previous);
-    rmdir(dir);
-    const std::vector<std::string> files = {FRAME,
-                                            FONT.file,
-                                            PLANET_SURFACE.file,
-                                            PLANET_CLOUDS.file,
-                                            PLANET_HALO.file,
-                                            "data/img/nebula_up.png",
-                                            "data/img/nebula_down.png"};
-    std::string expected;
-    for (const std::string& file : files) {
-        const std::string line = "Cockpit: couldn't load '" + file + "'\n";
-        EXPECT_NE(errors.find(line), std::string::npos) << line << errors;
-        expected += line;
-    }
-    EXPECT_EQ(errors.size(), expected.size()) << errors;
-    EXPECT_EQ(out.find("OpenGL ERROR"), std::string::npos) << out;
+    });
+    // Once each, at the start: nothing more while it runs.
+    EXPECT_EQ(printed.errors, SceneHarness::missingLines(
+                                  "Cockpit", {"data/img/nebula_up.png", "data/img/nebula_down.png", PLANET_SURFACE.file,
+                                              PLANET_CLOUDS.file, PLANET_HALO.file, FONT.file, FRAME}));
+    EXPECT_EQ(printed.out.find("OpenGL ERROR"), std::string::npos) << printed.out;
 }

@@ -2,6 +2,7 @@
 // and engines' timing against the song, the baked starlight, and a start with and without its data.
 #include "effects/SpaceCraft.h"
 
+#include "SceneHarness.h"
 #include "effects/OctreeBatch.h"
 #include "gl/GLEXT.h"
 #include "scene/Camera.h"
@@ -19,7 +20,6 @@
 #include <GL/gl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -157,27 +157,10 @@ protected:
             TextureMgr::getHandle()->registerStandardLoaders();
         CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
     }
-    // Pictures and materials of earlier tests in this process would stand in for the missing files.
-    static void forgetPictures()
-    {
-        MaterialMgr::getHandle()->shutdown();
-        TextureMgr::getHandle()->shutdown();
-        TextureMgr::getHandle()->registerStandardLoaders();
-    }
     void TearDown() override
     {
         CameraMgr::getHandle()->remove(CAMERA_NAME);
         GLTest::TearDown();
-    }
-    // One frame as the demo draws it.
-    static void frame(Effect& effect)
-    {
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-        Camera* camera = CameraMgr::getHandle()->getActiveCamera();
-        ASSERT_NE(camera, nullptr);
-        camera->lookAt();
-        LightMgr::getHandle()->reorient(*camera);
-        effect.display();
     }
 };
 
@@ -185,46 +168,23 @@ protected:
 
 TEST_F(SpaceCraftTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStillRuns)
 {
-    forgetPictures();
-    char dir[] = "/tmp/spacecraft-empty-XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    char* previous = getcwd(nullptr, 0);
-    ASSERT_EQ(chdir(dir), 0);
-    testing::internal::CaptureStderr();
-    testing::internal::CaptureStdout();
-    {
+    const SceneHarness::Output printed = SceneHarness::inEmptyDirectory([] {
         SpaceCraft scene(0, SPAN);
         scene.initiate();
         EXPECT_EQ(scene.getHull(), nullptr);
         EXPECT_EQ(scene.getCameraAnimation(), nullptr);
         for (int i = 0; i < 3; ++i) {
             scene.update(0.1f);
-            frame(scene);
+            SceneHarness::drawFrame(scene);
         }
         scene.shutdown();
-    }
-    const std::string out = testing::internal::GetCapturedStdout();
-    const std::string errors = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(chdir(previous), 0);
-    std::free(previous);
-    rmdir(dir);
-    const std::vector<std::string> files = {OCTREE,
-                                            CAMERA_PATH,
-                                            NEBULA_UP.file,
-                                            NEBULA_DOWN.file,
-                                            GLOW.file,
-                                            "data/img/planet.png",
-                                            "data/img/planetclouds.png",
-                                            "data/img/planethalo.png"};
-    std::string expected;
-    for (const std::string& file : files) {
-        const std::string line = "SpaceCraft: couldn't load '" + file + "'\n";
-        EXPECT_NE(errors.find(line), std::string::npos) << line << errors;
-        expected += line;
-    }
+    });
     // Once each, at the start: nothing more while it runs.
-    EXPECT_EQ(errors.size(), expected.size()) << errors;
-    EXPECT_EQ(out.find("OpenGL ERROR"), std::string::npos) << out;
+    EXPECT_EQ(printed.errors,
+              SceneHarness::missingLines(
+                  "SpaceCraft", {NEBULA_UP.file, NEBULA_DOWN.file, "data/img/planet.png", "data/img/planetclouds.png",
+                                 "data/img/planethalo.png", OCTREE, CAMERA_PATH, GLOW.file}));
+    EXPECT_EQ(printed.out.find("OpenGL ERROR"), std::string::npos) << printed.out;
 }
 
 TEST_F(SpaceCraftTest, WithItsDataEverythingLoadsDrawsAndLeavesNoLightsBehind)
@@ -245,7 +205,7 @@ TEST_F(SpaceCraftTest, WithItsDataEverythingLoadsDrawsAndLeavesNoLightsBehind)
     for (int i = 0; i < SpaceCraft::CLUSTER_COUNT; ++i)
         EXPECT_NE(scene.getCluster(i), nullptr);
     scene.update(0.5f);
-    frame(scene);
+    SceneHarness::drawFrame(scene);
     unsigned char centre[4];
     GLContext::readPixel(GLContext::width() / 2, GLContext::height() / 2, centre);
     EXPECT_GT(centre[0] + centre[1] + centre[2], 0) << "the hull fills the middle of the first shot";

@@ -55,6 +55,20 @@ const double POD_BACK = 130.0;
 const double WINDOW_OFFSET = 0.12;
 const int WINDOW_BANDS = 8;
 
+// The section between the two stations around z; all zero beyond the ends.
+Station sectionAt(double z)
+{
+    for (int i = 0; i + 1 < STATION_COUNT; ++i) {
+        const Station& a = STATIONS[i];
+        const Station& b = STATIONS[i + 1];
+        if (z >= a.z && z <= b.z) {
+            const double t = (z - a.z) / (b.z - a.z);
+            return Station{z, Maths::mix(a.w, b.w, t), Maths::mix(a.h, b.h, t)};
+        }
+    }
+    return Station{z, 0.0, 0.0};
+}
+
 Vec3 octagon(const Station& s, int k)
 {
     const double a = 1.0 - CHAMFER;
@@ -74,20 +88,12 @@ HullMesh::HullMesh(MeshBuilder& builder) : mesh(builder), plates(builder, PLATE_
 
 double HullMesh::halfWidth(double z)
 {
-    for (int i = 0; i + 1 < STATION_COUNT; ++i)
-        if (z >= STATIONS[i].z && z <= STATIONS[i + 1].z)
-            return Maths::mix(STATIONS[i].w, STATIONS[i + 1].w,
-                              (z - STATIONS[i].z) / (STATIONS[i + 1].z - STATIONS[i].z));
-    return 0.0;
+    return sectionAt(z).w;
 }
 
 double HullMesh::halfHeight(double z)
 {
-    for (int i = 0; i + 1 < STATION_COUNT; ++i)
-        if (z >= STATIONS[i].z && z <= STATIONS[i + 1].z)
-            return Maths::mix(STATIONS[i].h, STATIONS[i + 1].h,
-                              (z - STATIONS[i].z) / (STATIONS[i + 1].z - STATIONS[i].z));
-    return 0.0;
+    return sectionAt(z).h;
 }
 
 void HullMesh::greebles(const Frame& f, double u0, double u1, double v0, double v1, double scale)
