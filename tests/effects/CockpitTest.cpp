@@ -5,14 +5,12 @@
 
 #include "SceneHarness.h"
 #include "effects/Harmonix.h"
-#include "gl/GLEXT.h"
 #include "math/MathConstants.h"
 #include "scene/Camera.h"
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
 #include "sound/SongMeter.h"
 #include "support/GLContext.h"
-#include "texture/TextureMgr.h"
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
@@ -75,10 +73,7 @@ protected:
     void SetUp() override
     {
         GLTest::SetUp();
-        GLEXT::bindAll();
-        if (TextureMgr::getHandle()->getLoaderCount() == 0)
-            TextureMgr::getHandle()->registerStandardLoaders();
-        CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
+        SceneHarness::prepare();
     }
     void TearDown() override
     {

@@ -2,6 +2,7 @@
 #include "SceneHarness.h"
 
 #include "effects/SceneKit.h"
+#include "gl/GLEXT.h"
 #include "runtime/Effect.h"
 #include "scene/Camera.h"
 #include "scene/CameraMgr.h"
@@ -14,6 +15,14 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 #include <cstdlib>
+
+void SceneHarness::prepare()
+{
+    GLEXT::bindAll();
+    if (TextureMgr::getHandle()->getLoaderCount() == 0)
+        TextureMgr::getHandle()->registerStandardLoaders();
+    CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
+}
 
 std::vector<unsigned char> SceneHarness::drawFrame(Effect& effect)
 {

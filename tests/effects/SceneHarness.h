@@ -15,6 +15,9 @@ public:
         std::string errors;
     };
 
+    // What the demo does before its first scene: extensions bound, picture loaders registered, the
+    // cameras told the window's size.
+    static void prepare();
     // Clears, applies the active camera and its lights, draws the effect, and reads the frame back (RGBA).
     static std::vector<unsigned char> drawFrame(Effect& effect);
     // Runs `body` in a fresh empty directory, with no pictures or materials of earlier tests at hand,

@@ -4,7 +4,6 @@
 
 #include "SceneHarness.h"
 #include "effects/OctreeBatch.h"
-#include "gl/GLEXT.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
@@ -15,7 +14,6 @@
 #include "support/GLContext.h"
 #include "texture/Material.h"
 #include "texture/MaterialMgr.h"
-#include "texture/TextureMgr.h"
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
@@ -152,10 +150,7 @@ protected:
     void SetUp() override
     {
         GLTest::SetUp();
-        GLEXT::bindAll();
-        if (TextureMgr::getHandle()->getLoaderCount() == 0)
-            TextureMgr::getHandle()->registerStandardLoaders();
-        CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
+        SceneHarness::prepare();
     }
     void TearDown() override
     {
