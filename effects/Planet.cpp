@@ -15,6 +15,9 @@
 namespace {
 
 const float CLOUD_HEIGHT = 1.012f;
+// The atmosphere's ring: inside this share of its card the picture is dark.
+const float HALO_INNER = 0.68f;
+const int HALO_SEGMENTS = 64;
 const float HALO_COLOUR[4] = {0.34f, 0.56f, 0.92f, 1.0f};
 const float GROUND_AMBIENT[4] = {0.025f, 0.03f, 0.045f, 1.0f};
 const float GROUND_DIFFUSE[4] = {1.0f, 1.0f, 1.0f, 1.0f};
@@ -54,6 +57,7 @@ void Planet::shutdown()
     normals.clear();
     texCoords.clear();
     indices.clear();
+    ring.clear();
 }
 
 void Planet::makeSphere()
@@ -76,6 +80,12 @@ void Planet::makeSphere()
             texCoords.push_back(static_cast<float>(slice) / SLICES);
             texCoords.push_back(static_cast<float>(stack) / STACKS);
         }
+    }
+    ring.clear();
+    for (int k = 0; k <= HALO_SEGMENTS; ++k) {
+        const float a = MathConstants::TWO_PI * static_cast<float>(k) / HALO_SEGMENTS;
+        ring.push_back(std::cos(a));
+        ring.push_back(std::sin(a));
     }
     const int row = SLICES + 1;
     for (int stack = 0; stack < STACKS; ++stack) {
@@ -137,12 +147,17 @@ void Planet::drawHalo(const Camera& camera) const
     glBlendFunc(GL_ONE, GL_ONE);
     glColor4fv(HALO_COLOUR);
     halo->bind();
-    glBegin(GL_QUADS);
-    const float corners[4][2] = {{-1.0f, -1.0f}, {1.0f, -1.0f}, {1.0f, 1.0f}, {-1.0f, 1.0f}};
-    for (const auto& c : corners) {
-        const Vector3 p = middle + u * c[0] + v * c[1];
-        glTexCoord2f((c[0] + 1.0f) * 0.5f, (c[1] + 1.0f) * 0.5f);
-        glVertex3f(p.x, p.y, p.z);
+    // Only the ring where the picture has light: the dark middle would cost a pass over the
+    // whole disc, which fills the view by the cockpit's end.
+    glBegin(GL_TRIANGLE_STRIP);
+    for (int k = 0; k <= HALO_SEGMENTS; ++k) {
+        const float c = ring[static_cast<size_t>(2 * k)];
+        const float s = ring[static_cast<size_t>(2 * k + 1)];
+        for (const float r : {HALO_INNER, 1.0f}) {
+            const Vector3 p = middle + u * (c * r) + v * (s * r);
+            glTexCoord2f((c * r + 1.0f) * 0.5f, (s * r + 1.0f) * 0.5f);
+            glVertex3f(p.x, p.y, p.z);
+        }
     }
     glEnd();
     halo->unbind();

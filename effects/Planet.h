@@ -60,4 +60,6 @@ private:
     std::vector<float> normals;
     std::vector<float> texCoords;
     std::vector<unsigned short> indices;
+    // Cosine and sine round the atmosphere's ring.
+    std::vector<float> ring;
 };

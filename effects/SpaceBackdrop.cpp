@@ -146,16 +146,14 @@ void SpaceBackdrop::draw(const Camera& camera) const
         glScalef(1.0f, -1.0f, 1.0f);
     }
     glEnable(GL_BLEND);
-    // Smoothed points carry their coverage in alpha.
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE);
+    glBlendFunc(GL_ONE, GL_ONE);
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableClientState(GL_COLOR_ARRAY);
     glVertexPointer(3, GL_FLOAT, 0, positions.data());
     glColorPointer(4, GL_UNSIGNED_BYTE, 0, colours.data());
     glPointSize(1.0f);
     glDrawArrays(GL_POINTS, 0, STAR_COUNT - BRIGHT_STARS);
-    glEnable(GL_POINT_SMOOTH);
-    glPointSize(2.2f);
+    glPointSize(2.0f);
     glDrawArrays(GL_POINTS, STAR_COUNT - BRIGHT_STARS, BRIGHT_STARS);
     glDisableClientState(GL_COLOR_ARRAY);
     glDisableClientState(GL_VERTEX_ARRAY);
