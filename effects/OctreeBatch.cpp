@@ -18,7 +18,9 @@
 
 namespace {
 
-const int ARRAYS = VertexArray::POSITIONS | VertexArray::NORMALS | VertexArray::TEXCOORDS;
+const int LIT_ARRAYS = VertexArray::POSITIONS | VertexArray::NORMALS | VertexArray::TEXCOORDS;
+// Baked light has no use for the normals: the lists are smaller without them.
+const int BAKED_ARRAYS = VertexArray::POSITIONS | VertexArray::TEXCOORDS;
 
 bool opaque(const Material* material)
 {
@@ -154,7 +156,8 @@ bool OctreeBatch::compile()
         if (texture && texture->getGLName() == Texture::noName)
             texture->upload();
     }
-    vertices->upload(ARRAYS);
+    const int arrays = baked ? BAKED_ARRAYS : LIT_ARRAYS;
+    vertices->upload(arrays);
     if (baked) {
         glEnableClientState(GL_COLOR_ARRAY);
         glColorPointer(4, GL_UNSIGNED_BYTE, 0, colours.data());
@@ -165,7 +168,7 @@ bool OctreeBatch::compile()
                        indices.data() + runs[r].first);
         glEndList();
     }
-    vertices->unload(ARRAYS);
+    vertices->unload(arrays);
     glDisableClientState(GL_COLOR_ARRAY);
     // The lists hold their own copies now.
     std::vector<uint8_t>().swap(colours);

@@ -53,6 +53,8 @@ const double POD_FRONT = -104.0;
 const double POD_BACK = 130.0;
 
 const double WINDOW_OFFSET = 0.12;
+// How coarse the detail is everywhere at once: it sets the hull's face count.
+const double DETAIL = 1.2;
 const int WINDOW_BANDS = 8;
 
 // The section between the two stations around z; all zero beyond the ends.
@@ -102,8 +104,9 @@ void HullMesh::greebles(const Frame& f, double u0, double u1, double v0, double 
     const double dv = v1 - v0;
     if (du <= 0.0 || dv <= 0.0)
         return;
-    // Split the longer side somewhere near its middle until the piece is about `scale` across.
-    const double limit = scale * random.range(0.7, 1.5);
+    // Split the longer side somewhere near its middle until the piece is about `scale` across,
+    // times DETAIL.
+    const double limit = scale * DETAIL * random.range(0.7, 1.5);
     if (std::max(du, dv) > limit) {
         const double cut = random.range(0.3, 0.7);
         if (du >= dv) {
