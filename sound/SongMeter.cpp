@@ -62,18 +62,27 @@ bool SongMeter::initiate(const char* songFile, MusicPlayer* playing)
         shutdown();
         return false;
     }
-    module = openmpt_module_create_from_memory2(song.data(), song.size(), openmpt_log_func_silent, nullptr,
-                                                openmpt_error_func_ignore, nullptr, nullptr, nullptr, nullptr);
-    if (!module) {
+    if (!openModule()) {
         shutdown();
         return false;
     }
+    channels = std::min(static_cast<int>(openmpt_module_get_num_channels(module)), SongReading::MAX_CHANNELS);
+    clock = playing;
+    return true;
+}
+
+bool SongMeter::openModule()
+{
+    if (module)
+        openmpt_module_destroy(module);
+    module = openmpt_module_create_from_memory2(song.data(), song.size(), openmpt_log_func_silent, nullptr,
+                                                openmpt_error_func_ignore, nullptr, nullptr, nullptr, nullptr);
+    if (!module)
+        return false;
     // As the demo plays it: looping, no dither, and notes already sounding at a seek picked up mid-way.
     openmpt_module_set_repeat_count(module, -1);
     openmpt_module_ctl_set_integer(module, "dither", 0);
     openmpt_module_ctl_set_boolean(module, "seek.sync_samples", 1);
-    channels = std::min(static_cast<int>(openmpt_module_get_num_channels(module)), SongReading::MAX_CHANNELS);
-    clock = playing;
     return true;
 }
 
@@ -106,6 +115,10 @@ bool SongMeter::prepare(double from, double to)
 {
     release();
     if (!module || !(to > from) || to - from > MAX_STRETCH_SECONDS)
+        return false;
+    // A module that has played lands elsewhere when it seeks: a fresh one for every stretch, so
+    // the same stretch always gives the same figures.
+    if (!openModule())
         return false;
     const double landed = openmpt_module_set_position_seconds(module, std::max(0.0, from - SEEK_LEAD));
     if (!(landed <= to))

@@ -70,6 +70,8 @@ private:
     };
 
     bool readFile(const char* file);
+    // A new instance of the song in `module`, set up as the demo plays it.
+    bool openModule();
     void noteBlock(size_t index, const int16_t* samples);
 
     std::vector<char> song;

@@ -47,9 +47,27 @@ TEST_F(SongMeterTest, AMomentReadsTheSameAfterOtherReadingsAndAfterMeasuringTheS
     meter.measure(2.9, other);
     ASSERT_TRUE(meter.measure(1.234, again));
     EXPECT_TRUE(same(first, again));
-    // Measuring again seeks the song backwards after it has played on: the same figures.
+    // Measuring again after the song has played on elsewhere: the same figures.
+    ASSERT_TRUE(meter.prepare(2.0, 3.0));
     ASSERT_TRUE(meter.prepare(0.0, tiny.seconds()));
     ASSERT_TRUE(meter.measure(1.234, again));
+    EXPECT_TRUE(same(first, again));
+}
+
+TEST(SongMeter, TheSongsOwnStretchMeasuresTheSameFirstAndAfterOthers)
+{
+    // A real song seeks to a later place after it has played: each stretch starts afresh.
+    SongMeter meter;
+    if (!meter.initiate("data/music/velmora.xm"))
+        GTEST_SKIP() << "no forged song in the working directory";
+    SongReading first, again;
+    ASSERT_TRUE(meter.prepare(201.0, 215.0));
+    const double start = meter.getStretchStart();
+    ASSERT_TRUE(meter.measure(203.5, first));
+    ASSERT_TRUE(meter.prepare(230.0, 231.0));
+    ASSERT_TRUE(meter.prepare(201.0, 215.0));
+    EXPECT_EQ(meter.getStretchStart(), start);
+    ASSERT_TRUE(meter.measure(203.5, again));
     EXPECT_TRUE(same(first, again));
 }
 
