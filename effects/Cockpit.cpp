@@ -1,6 +1,7 @@
 // The cockpit: the sky and the planet lit by the star alone, then the frame lit from inside, then the displays.
 #include "effects/Cockpit.h"
 
+#include "effects/OwnLights.h"
 #include "effects/SceneKit.h"
 #include "gl/GLF_checkError.h"
 #include "scene/Camera.h"
@@ -21,6 +22,7 @@ using namespace CockpitLayout;
 const char* const SCENE = "Cockpit";
 const char* const SUN_LIGHT = "CockpitSun";
 const char* const CABIN_LIGHTS[3] = {"CockpitPlanetLight", "CockpitDashGlow", "CockpitFill"};
+const char* const OWN_LIGHTS[] = {SUN_LIGHT, CABIN_LIGHTS[0], CABIN_LIGHTS[1], CABIN_LIGHTS[2], nullptr};
 const float NEAR_CLIP = 0.05f;
 const float FAR_CLIP = 9000.0f;
 const float FIELD_OF_VIEW = 62.0f;
@@ -155,9 +157,13 @@ void Cockpit::drawFrame()
 {
     if (!frame)
         return;
+    // Its materials' colours hold only while no colour stands in for them.
+    glPushAttrib(GL_ENABLE_BIT);
+    glDisable(GL_COLOR_MATERIAL);
     frame->preLoad(Mesh::drawTextured);
     frame->drawLoaded();
     frame->postUnload(Mesh::drawTextured);
+    glPopAttrib();
 }
 
 void Cockpit::display()
@@ -165,10 +171,9 @@ void Cockpit::display()
     Camera* camera = CameraMgr::getHandle()->getActiveCamera();
     if (!camera)
         return;
-    // Lights left on by earlier scenes rest while the cockpit is lit by its own. Done when drawing,
-    // after the scene before has let go of its own.
-    rest.dim(SCENE);
-    // The cabin sees only its own lights, the planet only the star.
+    // Lights an earlier scene left on rest while the cockpit is lit by its own; the cabin sees
+    // only its own lights, the planet only the star.
+    const OwnLights only(OWN_LIGHTS);
     if (sun)
         sun->turnOff();
     drawFrame();
@@ -206,5 +211,4 @@ void Cockpit::shutdown()
         lights->remove(name);
     sun = nullptr;
     std::fill(cabin, cabin + 3, nullptr);
-    rest.restore();
 }

@@ -3,7 +3,6 @@
 
 #include "effects/CockpitLayout.h"
 #include "effects/Harmonix.h"
-#include "effects/LightRest.h"
 #include "effects/Planet.h"
 #include "effects/SpaceBackdrop.h"
 #include "effects/TextureTwins.h"
@@ -47,7 +46,6 @@ private:
     SpaceBackdrop backdrop;
     Planet planet;
     Harmonix harmonix;
-    LightRest rest;
     Light* sun;
     Light* cabin[3];
 };

@@ -13,7 +13,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <iostream>
 
 namespace {
 
@@ -91,9 +90,7 @@ void Harmonix::formatCell(unsigned char note, unsigned char instrument, char* ou
 
 void Harmonix::initiate()
 {
-    font = SceneKit::preloadTexture(FONT);
-    if (!font)
-        std::cerr << SceneKit::missingMessage(SCENE, FONT.file);
+    font = SceneKit::preloadOrReport(SCENE, FONT);
     SongMeter* meter = SongMeter::getHandle();
     if (meter->isOpen())
         meter->prepare(timer.getStart() - MEASURE_MARGIN, timer.getEnd() + MEASURE_MARGIN);

@@ -180,8 +180,10 @@ void Planet::display()
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
     glDepthMask(GL_FALSE);
-    // Scaled normals must be made unit again for the light.
+    // Scaled normals must be made unit again for the light, and the material's colours hold only
+    // while no colour stands in for them.
     glEnable(GL_NORMALIZE);
+    glDisable(GL_COLOR_MATERIAL);
     glEnable(GL_CULL_FACE);
     glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, GROUND_AMBIENT);
     glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, GROUND_DIFFUSE);

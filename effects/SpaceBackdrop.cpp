@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <iostream>
 
 namespace {
 
@@ -102,9 +101,7 @@ void SpaceBackdrop::load()
     dome = new Hemisphere(DOME_RADIUS);
     for (const TextureFile* picture : {&SpaceCraftLayout::NEBULA_UP, &SpaceCraftLayout::NEBULA_DOWN}) {
         // The sky is always seen larger than its picture: no smaller levels are needed.
-        Texture* texture = SceneKit::preloadTexture(*picture);
-        if (!texture)
-            std::cerr << SceneKit::missingMessage(scene, picture->file);
+        Texture* texture = SceneKit::preloadOrReport(scene, *picture);
         (picture == &SpaceCraftLayout::NEBULA_UP ? upper : lower) = texture;
     }
     makeStars();

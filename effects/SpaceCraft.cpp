@@ -1,6 +1,7 @@
 // The spacecraft fly-by: the hull through its batches, the sky, the far planet, exhausts and lights in time with the song.
 #include "effects/SpaceCraft.h"
 
+#include "effects/OwnLights.h"
 #include "effects/SceneKit.h"
 #include "gl/GLF_checkError.h"
 #include "scene/BoundingBox.h"
@@ -27,6 +28,7 @@ using namespace SpaceCraftLayout;
 const char* const SCENE = "SpaceCraft";
 const char* const SUN_LIGHT = "SpaceCraftSun";
 const char* const FILL_LIGHT = "SpaceCraftFill";
+const char* const OWN_LIGHTS[] = {SUN_LIGHT, FILL_LIGHT, nullptr};
 const char* const EXHAUST_MATERIAL = "SpaceCraftExhaust";
 const float NEAR_CLIP = 0.5f;
 const float FAR_CLIP = 9000.0f;
@@ -175,9 +177,7 @@ void SpaceCraft::loadLights()
 
 void SpaceCraft::loadExhausts()
 {
-    glow = SceneKit::preloadTexture(GLOW);
-    if (!glow)
-        std::cerr << SceneKit::missingMessage(SCENE, GLOW.file);
+    glow = SceneKit::preloadOrReport(SCENE, GLOW);
     TextureMaterial* material = dynamic_cast<TextureMaterial*>(MaterialMgr::getHandle()->find(EXHAUST_MATERIAL));
     if (!material)
         material = SceneKit::makeMaterial(EXHAUST_MATERIAL, glow, Material::blendGlow, Material::overlay);
@@ -286,12 +286,13 @@ void SpaceCraft::display()
     Camera* camera = CameraMgr::getHandle()->getActiveCamera();
     if (!camera)
         return;
-    // Lights left on by earlier scenes would light the planet from nowhere: they rest while the
-    // ship flies. Done when drawing, after the scene before has let go of its own.
-    rest.dim(SCENE);
     drawHull(*camera);
     backdrop.draw(*camera);
-    planet.display();
+    {
+        // Lights an earlier scene left on would light the planet from nowhere.
+        const OwnLights only(OWN_LIGHTS);
+        planet.display();
+    }
     LightMgr* lights = LightMgr::getHandle();
     lights->turnLightingOff();
     const Frustum& frustum = camera->getFrustum();
@@ -337,5 +338,4 @@ void SpaceCraft::shutdown()
     planet.shutdown();
     LightMgr::getHandle()->remove(SUN_LIGHT);
     LightMgr::getHandle()->remove(FILL_LIGHT);
-    rest.restore();
 }

@@ -1,7 +1,6 @@
 // The spacecraft fly-by: a long, slow camera along a great hull among stars, engines glowing, lights blinking.
 #pragma once
 
-#include "effects/LightRest.h"
 #include "effects/OctreeBatch.h"
 #include "effects/Planet.h"
 #include "effects/SpaceBackdrop.h"
@@ -68,5 +67,4 @@ private:
     Texture* glow;
     ParticleCluster* clusters[CLUSTER_COUNT];
     ParticleInfo* emitters[CLUSTER_COUNT];
-    LightRest rest;
 };

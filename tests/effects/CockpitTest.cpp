@@ -3,6 +3,7 @@
 // with and without its data.
 #include "effects/Cockpit.h"
 
+#include "MissingData.h"
 #include "SceneHarness.h"
 #include "effects/Harmonix.h"
 #include "math/MathConstants.h"
@@ -160,7 +161,10 @@ TEST_F(CockpitTest, WithNoSongTheDisplaysIdleQuietly)
 
 TEST_F(CockpitTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStillRuns)
 {
-    const SceneHarness::Output printed = SceneHarness::inEmptyDirectory([] {
+    SceneHarness::forgetPictures();
+    MissingData nothing;
+    ASSERT_TRUE(nothing.entered());
+    {
         Cockpit cockpit(0, SPAN);
         cockpit.initiate();
         EXPECT_EQ(cockpit.getFrame(), nullptr);
@@ -169,10 +173,16 @@ TEST_F(CockpitTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStillRun
             SceneHarness::drawFrame(cockpit);
         }
         cockpit.shutdown();
-    });
-    // Once each, at the start: nothing more while it runs.
-    EXPECT_EQ(printed.errors, SceneHarness::missingLines(
-                                  "Cockpit", {"data/img/nebula_up.png", "data/img/nebula_down.png", PLANET_SURFACE.file,
-                                              PLANET_CLOUDS.file, PLANET_HALO.file, FONT.file, FRAME}));
-    EXPECT_EQ(printed.out.find("OpenGL ERROR"), std::string::npos) << printed.out;
+    }
+    nothing.finish();
+    const char* const files[] = {FRAME,
+                                 FONT.file,
+                                 PLANET_SURFACE.file,
+                                 PLANET_CLOUDS.file,
+                                 PLANET_HALO.file,
+                                 "data/img/nebula_up.png",
+                                 "data/img/nebula_down.png"};
+    // At the start, once each: nothing more while it runs.
+    EXPECT_EQ(SceneHarness::saidOnlyOnceEach(nothing, "Cockpit", files, sizeof files / sizeof files[0]), "");
+    EXPECT_EQ(nothing.getOutput().find("OpenGL ERROR"), std::string::npos) << nothing.getOutput();
 }

@@ -1,5 +1,7 @@
-// SceneHarness: the demo's frame steps without the demo, and a working directory with no data in it.
+// SceneHarness: the demo's frame steps without the demo, and what a run with no data may say.
 #include "SceneHarness.h"
+
+#include "MissingData.h"
 
 #include "effects/SceneKit.h"
 #include "gl/GLEXT.h"
@@ -13,8 +15,6 @@
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
-#include <cstdlib>
 
 void SceneHarness::prepare()
 {
@@ -38,35 +38,25 @@ std::vector<unsigned char> SceneHarness::drawFrame(Effect& effect)
     return pixels;
 }
 
-SceneHarness::Output SceneHarness::inEmptyDirectory(const std::function<void()>& body)
+void SceneHarness::forgetPictures()
 {
-    // Pictures cached by earlier tests of this process would stand in for the missing files.
     MaterialMgr::getHandle()->shutdown();
     TextureMgr::getHandle()->shutdown();
     TextureMgr::getHandle()->registerStandardLoaders();
-    char dir[] = "/tmp/velmora-scene-empty-XXXXXX";
-    Output output;
-    if (!mkdtemp(dir)) {
-        ADD_FAILURE() << "cannot make a directory";
-        return output;
-    }
-    char* previous = getcwd(nullptr, 0);
-    EXPECT_EQ(chdir(dir), 0);
-    testing::internal::CaptureStderr();
-    testing::internal::CaptureStdout();
-    body();
-    output.out = testing::internal::GetCapturedStdout();
-    output.errors = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(chdir(previous), 0);
-    std::free(previous);
-    rmdir(dir);
-    return output;
 }
 
-std::string SceneHarness::missingLines(const char* scene, const std::vector<std::string>& files)
+std::string SceneHarness::saidOnlyOnceEach(const MissingData& run, const char* scene, const char* const* files,
+                                           size_t count)
 {
-    std::string lines;
-    for (const std::string& file : files)
-        lines += SceneKit::missingMessage(scene, file.c_str());
-    return lines;
+    std::string why;
+    size_t expected = 0;
+    for (size_t i = 0; i < count; ++i) {
+        const testing::AssertionResult once = run.saidOnce(scene, files[i]);
+        if (!once)
+            why += once.message() + std::string("\n");
+        expected += SceneKit::missingMessage(scene, files[i]).size();
+    }
+    if (why.empty() && run.getErrors().size() != expected)
+        why = "said more than its missing files:\n" + run.getErrors();
+    return why;
 }

@@ -2,6 +2,7 @@
 // and engines' timing against the song, the baked starlight, and a start with and without its data.
 #include "effects/SpaceCraft.h"
 
+#include "MissingData.h"
 #include "SceneHarness.h"
 #include "effects/OctreeBatch.h"
 #include "scene/Camera.h"
@@ -163,7 +164,10 @@ protected:
 
 TEST_F(SpaceCraftTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStillRuns)
 {
-    const SceneHarness::Output printed = SceneHarness::inEmptyDirectory([] {
+    SceneHarness::forgetPictures();
+    MissingData nothing;
+    ASSERT_TRUE(nothing.entered());
+    {
         SpaceCraft scene(0, SPAN);
         scene.initiate();
         EXPECT_EQ(scene.getHull(), nullptr);
@@ -173,13 +177,19 @@ TEST_F(SpaceCraftTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStill
             SceneHarness::drawFrame(scene);
         }
         scene.shutdown();
-    });
-    // Once each, at the start: nothing more while it runs.
-    EXPECT_EQ(printed.errors,
-              SceneHarness::missingLines(
-                  "SpaceCraft", {NEBULA_UP.file, NEBULA_DOWN.file, "data/img/planet.png", "data/img/planetclouds.png",
-                                 "data/img/planethalo.png", OCTREE, CAMERA_PATH, GLOW.file}));
-    EXPECT_EQ(printed.out.find("OpenGL ERROR"), std::string::npos) << printed.out;
+    }
+    nothing.finish();
+    const char* const files[] = {OCTREE,
+                                 CAMERA_PATH,
+                                 NEBULA_UP.file,
+                                 NEBULA_DOWN.file,
+                                 GLOW.file,
+                                 "data/img/planet.png",
+                                 "data/img/planetclouds.png",
+                                 "data/img/planethalo.png"};
+    // At the start, once each: nothing more while it runs.
+    EXPECT_EQ(SceneHarness::saidOnlyOnceEach(nothing, "SpaceCraft", files, sizeof files / sizeof files[0]), "");
+    EXPECT_EQ(nothing.getOutput().find("OpenGL ERROR"), std::string::npos) << nothing.getOutput();
 }
 
 TEST_F(SpaceCraftTest, WithItsDataEverythingLoadsDrawsAndLeavesNoLightsBehind)
