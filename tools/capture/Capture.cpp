@@ -30,6 +30,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <iostream>
 #include <map>
 
@@ -245,6 +246,8 @@ bool Capture::checkOutputs()
         return false;
     if (!options.sheetFile.empty() && !writableFile(options.sheetFile, error))
         return false;
+    if (!options.csvFile.empty() && !writableFile(options.csvFile, error))
+        return false;
     if (options.videoFile.empty())
         return true;
     if (getInfo().width % 2 || getInfo().height % 2)
@@ -395,7 +398,8 @@ bool Capture::renderRange()
         if (timing) {
             // The offscreen driver flushes nothing at the swap: wait for the drawing itself.
             glFinish();
-            report.addFrame(target, millisecondsSince(started));
+            // The timeline's own clock: a scene starts on the first frame it reaches the scene's start.
+            report.addFrame(getEffects() ? getEffects()->getTimer().current : target, millisecondsSince(started));
         }
         if (sampling)
             memory.addFrame(target, MemoryProbe::residentKilobytes(), k + 1 == count, std::cout);
@@ -442,6 +446,13 @@ bool Capture::runBaseline()
     const char* renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
     report.print(std::cout, schedule, renderer ? renderer : "unknown", getInfo().width, getInfo().height,
                  options.fps);
+    if (options.csvFile.empty())
+        return true;
+    std::ofstream csv(options.csvFile);
+    report.writeCsv(csv, schedule, getInfo().width, getInfo().height);
+    csv.close();
+    if (!csv)
+        return fail("cannot write " + options.csvFile);
     return true;
 }
 

@@ -89,7 +89,8 @@ bool isFlagOption(const std::string& name)
 bool isValueOption(const std::string& name)
 {
     for (const char* known :
-         {"--size", "--fps", "--from", "--to", "--frames", "--shot", "--shot-dir", "--video", "--sheet", "--memory"}) {
+         {"--size", "--fps", "--from", "--to", "--frames", "--shot", "--shot-dir", "--video", "--sheet", "--memory",
+          "--csv"}) {
         if (name == known)
             return true;
     }
@@ -116,7 +117,8 @@ const char* CaptureOptions::usage()
            "  --shot-dir DIR    where the stills go (default: the working directory)\n"
            "  --video FILE      encode the frames and the soundtrack with ffmpeg\n"
            "  --sheet FILE      write one PNG with a labelled still of every schedule entry\n"
-           "  --bench           write nothing; print frame times per schedule entry\n"
+           "  --bench           print frame times per schedule entry, judged against the budget for the size\n"
+           "  --csv FILE        with --bench: write every timed frame to FILE as CSV\n"
            "  --memory S        draw every frame, write nothing; print resident memory every S scene seconds\n"
            "  --list            print the schedule and stop\n"
            "  --help            print this text\n";
@@ -185,7 +187,8 @@ bool CaptureOptions::parseOne(const std::string& name, const char* value, std::s
         }
     } else if (name == "--shot") {
         return readShots(value, shots, error);
-    } else if (name == "--frames" || name == "--video" || name == "--sheet" || name == "--shot-dir") {
+    } else if (name == "--frames" || name == "--video" || name == "--sheet" || name == "--shot-dir" ||
+               name == "--csv") {
         if (!*value) {
             error = name + " needs a non-empty path";
             return false;
@@ -193,6 +196,7 @@ bool CaptureOptions::parseOne(const std::string& name, const char* value, std::s
         std::string& target = name == "--frames"  ? framesDir
                               : name == "--video" ? videoFile
                               : name == "--sheet" ? sheetFile
+                              : name == "--csv"   ? csvFile
                                                   : shotDir;
         target = value;
     }
@@ -206,7 +210,11 @@ bool CaptureOptions::checkCombination(std::string& error) const
         return false;
     }
     if (bench && (!framesDir.empty() || !videoFile.empty() || !shots.empty())) {
-        error = "--bench writes no files: leave out --frames, --video and --shot";
+        error = "--bench writes no pictures: leave out --frames, --video and --shot";
+        return false;
+    }
+    if (!csvFile.empty() && !bench) {
+        error = "--csv writes the frame times of --bench: add --bench";
         return false;
     }
     if (memoryEvery > 0.0 && !shots.empty()) {

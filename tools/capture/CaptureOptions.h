@@ -38,6 +38,8 @@ public:
     std::string videoFile;
     std::string sheetFile;
     bool bench;
+    // With --bench: every timed frame as a CSV row.
+    std::string csvFile;
     // Seconds of scene time between resident-memory lines; 0 for none.
     double memoryEvery;
     bool list;

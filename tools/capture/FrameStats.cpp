@@ -18,6 +18,13 @@ double FrameStats::getMinimum() const
     return *std::min_element(samples.begin(), samples.end());
 }
 
+double FrameStats::getMaximum() const
+{
+    if (samples.empty())
+        return 0.0;
+    return *std::max_element(samples.begin(), samples.end());
+}
+
 double FrameStats::getMedian() const
 {
     if (samples.empty())

@@ -11,6 +11,7 @@ public:
 
     // Every figure is 0 for an empty group.
     double getMinimum() const;
+    double getMaximum() const;
     // The mean of the two middle samples for an even count.
     double getMedian() const;
     // Nearest rank: the smallest sample at or above `percent` of the group (clamped to 0..100).

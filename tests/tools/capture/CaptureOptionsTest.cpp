@@ -31,8 +31,8 @@ TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)
         {{"--shot", "-0.5"}, "--shot"},
         {{"--from", "10", "--to", "10", "--bench"}, "--to must lie after --from"},
         {{"--from", "10", "--to", "5", "--bench"}, "--to must lie after --from"},
-        {{"--bench", "--frames", "out"}, "--bench writes no files"},
-        {{"--bench", "--shot", "3"}, "--bench writes no files"},
+        {{"--bench", "--frames", "out"}, "--bench writes no pictures"},
+        {{"--bench", "--shot", "3"}, "--bench writes no pictures"},
         {{"--shot", "3", "--video", "a.mp4"}, "--shot cannot be combined"},
         {{"--list", "--frames", "out"}, "--list prints the schedule only"},
         {{"--video", "a.mp4", "--size", "321x240"}, "even"},
@@ -42,6 +42,8 @@ TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)
         {{"--sheet", "s.png", "--to", "30"}, "--sheet covers the whole schedule"},
         {{"--sheet", "s.png", "--from", "3"}, "--sheet covers the whole schedule"},
         {{"--sheet="}, "non-empty"},
+        {{"--csv", "b.csv", "--to", "3"}, "--csv writes the frame times of --bench"},
+        {{"--bench", "--csv="}, "non-empty"},
     };
     std::vector<std::pair<std::vector<const char*>, const char*>> all = cases;
     for (const char* size : {"640", "640x", "640X480", "640x480x2", "6a0x480", " 640x480", "+640x480", "0x480", "-640x480",
@@ -58,4 +60,14 @@ TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)
         EXPECT_FALSE(parse(options, words, error));
         EXPECT_NE(error.find(mentions), std::string::npos) << "error was: " << error;
     }
+}
+
+TEST(CaptureOptionsAccepted, TheBenchWritesItsFramesToACsvFile)
+{
+    CaptureOptions options;
+    std::string error;
+    ASSERT_TRUE(parse(options, {"--bench", "--csv", "bench.csv", "--size", "640x480"}, error)) << error;
+    EXPECT_TRUE(options.bench);
+    EXPECT_EQ(options.csvFile, "bench.csv");
+    EXPECT_TRUE(options.hasWork());
 }

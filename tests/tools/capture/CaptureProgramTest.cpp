@@ -1,10 +1,12 @@
 // velmora-capture as a program: every scheduled scene draws, repeatable frames, video with sound that
 // an interruption leaves no trace of, the contact sheet, benchmark figures, runs with no X server, and
 // clear failures for bad options and outputs.
+#include "BenchReport.h"
 #include "Capture.h"
 #include "ContactSheet.h"
 #include "TestFiles.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -268,14 +270,23 @@ TEST_F(CaptureProgram, SheetHasALabelledStillOfEveryEntryInScheduleOrder)
     }
 }
 
-TEST_F(CaptureProgram, BenchNamesTheRendererEveryEntryAndTheEmptyFrameBaseline)
+TEST_F(CaptureProgram, BenchJudgesEveryEntryBesideTheEmptyFrameAndWritesItsFrames)
 {
-    ProgramRun run = capture("--bench --from 35 --to 36 --fps 4 --size 160x120");
+    const std::string csv = dir + "/bench.csv";
+    ProgramRun run = capture("--bench --from 35 --to 36 --fps 4 --size 160x120 --csv " + csv);
     ASSERT_EQ(run.status, 0) << (run.out + run.err);
     EXPECT_TRUE(contains(run.out, "renderer: ")) << run.out;
     EXPECT_TRUE(contains(run.out, "empty frame (clear and swap)")) << run.out;
+    EXPECT_TRUE(contains(run.out, "verdict: ")) << run.out;
     for (const Entry& entry : readSchedule())
         EXPECT_TRUE(contains(run.out, std::to_string(entry.number) + " " + entry.name)) << run.out;
+    // Four frames: the run's first, then Islands starting under the white fade at 35.5 s.
+    const std::string rows = readWholeFile(csv);
+    EXPECT_EQ(rows.compare(0, std::string(BenchReport::CSV_HEADER).size(), BenchReport::CSV_HEADER), 0) << rows;
+    EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), 5) << rows;
+    EXPECT_TRUE(contains(rows, "160,120,35.0000,")) << rows;
+    EXPECT_TRUE(contains(rows, ",8.3,run-start,Credit\n")) << rows;
+    EXPECT_TRUE(contains(rows, ",covered-start,Islands\n")) << rows;
 }
 
 TEST_F(CaptureProgram, RunsWithNoXServer)
