@@ -110,6 +110,7 @@ void Octree::render(const Camera& camera, OctreeRenderMode)
     frustum.update(camera);
     vertices->upload(UPLOAD_MASK);
     renderDefault(root, frustum);
+    drawBatch();
     vertices->unload(UPLOAD_MASK);
 }
 
@@ -125,7 +126,7 @@ void Octree::renderDefault(OctreeNode* node, const Frustum& frustum)
         return;
     }
     if (node->getNumFaces() > 0)
-        drawLeafNode(node);
+        gatherLeaf(node);
 }
 
 void Octree::renderFrontToBack(OctreeNode*, const Frustum&) {}
@@ -143,6 +144,12 @@ bool Octree::drawable(uint32_t faceIndex) const
 
 void Octree::drawLeafNode(OctreeNode* node)
 {
+    gatherLeaf(node);
+    drawBatch();
+}
+
+void Octree::gatherLeaf(const OctreeNode* node)
+{
     if (!node || !isComplete())
         return;
     for (int i = 0; i < node->getNumFaces(); ++i) {
@@ -152,16 +159,30 @@ void Octree::drawLeafNode(OctreeNode* node)
         if (!drawable(index))
             continue;
         const Face& face = (*faces)[static_cast<int>(index)];
-        if (face.material)
-            face.material->bind();
-        glBegin(GL_TRIANGLES);
-        glArrayElement(static_cast<GLint>(face.indices[0]));
-        glArrayElement(static_cast<GLint>(face.indices[1]));
-        glArrayElement(static_cast<GLint>(face.indices[2]));
-        glEnd();
-        if (face.material)
-            face.material->unbind();
+        if (runs.empty() || runs.back().material != face.material)
+            runs.push_back(Run{face.material, batch.size(), 0});
+        batch.insert(batch.end(), face.indices, face.indices + 3);
+        runs.back().count += 3;
     }
+}
+
+void Octree::drawBatch()
+{
+    for (const Run& run : runs) {
+        if (run.material)
+            run.material->bind();
+        glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(run.count), GL_UNSIGNED_INT, batch.data() + run.first);
+        if (run.material)
+            run.material->unbind();
+    }
+    // Drawn element by element, the last vertex's normal and texture coordinates would be current.
+    if (!batch.empty()) {
+        const Vertex& last = (*vertices)[static_cast<int>(batch.back())];
+        glNormal3fv(&last.normal.x);
+        glTexCoord2fv(&last.uv.x);
+    }
+    batch.clear();
+    runs.clear();
 }
 
 void Octree::parse(OctreeParseCallback callback)

@@ -3,12 +3,16 @@
 
 #include "scene/OctreeNode.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <istream>
 #include <ostream>
+#include <vector>
 
 class Camera;
 class FaceArray;
 class Frustum;
+class Material;
 class VertexArray;
 
 // Traversal orders; every one of them draws with the default traversal.
@@ -62,7 +66,9 @@ public:
     void renderDefault(OctreeNode* node, const Frustum& frustum);
     void renderFrontToBack(OctreeNode* node, const Frustum& frustum);
     void renderBackToFront(OctreeNode* node, const Frustum& frustum);
-    // Each face of the leaf as its own triangle from the uploaded arrays.
+    // Each face of the leaf as its own triangle from the uploaded arrays, with its material bound around it.
+    // Faces in a row that share a material go to GL in one call between one bind and one unbind, which draws
+    // the same triangles in the same order; the last vertex's normal and texture coordinates are left current.
     void drawLeafNode(OctreeNode* node);
 
     void parse(OctreeParseCallback callback);
@@ -75,11 +81,24 @@ public:
     void setupDummyPVS(OctreeNode* node);
 
 private:
+    // Faces in a row sharing a material: `count` indices of the batch from `first`.
+    struct Run {
+        Material* material;
+        size_t first;
+        size_t count;
+    };
+
     void parseNode(OctreeNode* node, OctreeParseCallback callback);
     // A face whose first three indices name vertices of the array.
     bool drawable(uint32_t faceIndex) const;
+    // Adds the leaf's faces to the batch; drawBatch sends the batch to GL and empties it.
+    void gatherLeaf(const OctreeNode* node);
+    void drawBatch();
 
     OctreeNode* root;
     VertexArray* vertices;
     FaceArray* faces;
+    // Kept from frame to frame so that drawing allocates nothing once the first frame is drawn.
+    std::vector<uint32_t> batch;
+    std::vector<Run> runs;
 };

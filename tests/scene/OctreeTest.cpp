@@ -1,4 +1,4 @@
-// Octree and nodes: octants, the OCTT file, damaged files, the empty PVS, leaf drawing.
+// Octree and nodes: octants, the OCTT file, damaged files, the empty PVS, leaf drawing, the batched drawing's picture.
 #include "scene/Camera.h"
 #include "scene/FaceArray.h"
 #include "scene/Octree.h"
@@ -9,11 +9,15 @@
 #include "ByteImage.h"
 #include "Feedback.h"
 #include "support/GLContext.h"
+#include "support/OffscreenFrame.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <sstream>
 #include <string>
+#include <unistd.h>
+#include <vector>
 
 using namespace bytes;
 
@@ -178,3 +182,110 @@ TEST_F(OctreeRenderTest, FacesNamingMissingVerticesOrFacesAreSkipped)
 }
 
 }  // namespace
+
+namespace {
+
+// The tree drawn as written down: the default traversal, each leaf face its own begin/end pair of array elements
+// between its material's bind and unbind.
+void drawFaceByFace(const Octree& tree, const OctreeNode* node)
+{
+    if (!node)
+        return;
+    if (node->hasChildren()) {
+        for (int i = 0; i < OctreeNode::NUM_CHILDREN; ++i)
+            drawFaceByFace(tree, node->getChild(i));
+        return;
+    }
+    for (int i = 0; i < node->getNumFaces(); ++i) {
+        const Face& face = (*tree.getFaces())[static_cast<int>(node->getFaceIndex(i))];
+        if (face.material)
+            face.material->bind();
+        glBegin(GL_TRIANGLES);
+        for (int j = 0; j < 3; ++j)
+            glArrayElement(static_cast<GLint>(face.indices[j]));
+        glEnd();
+        if (face.material)
+            face.material->unbind();
+    }
+}
+
+// Lit, fogged and textured by the vertices' own coordinates, so that positions, normals and texture
+// coordinates all show; after the tree a triangle with no normal or texture coordinates of its own shows
+// what the drawing left current.
+std::vector<unsigned char> tunnelFrame(const OffscreenFrame& frame, Camera& camera, GLuint texture,
+                                       const std::function<void()>& drawTree)
+{
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glFrustum(-0.1, 0.1, -0.075, 0.075, 0.1, 1000.0);
+    glMatrixMode(GL_MODELVIEW);
+    camera.lookAt();
+    const float direction[4] = {0.3f, 1.0f, 0.2f, 0.0f};
+    glLightfv(GL_LIGHT0, GL_POSITION, direction);
+    glEnable(GL_LIGHTING);
+    glEnable(GL_LIGHT0);
+    glEnable(GL_FOG);
+    glFogf(GL_FOG_DENSITY, 0.01f);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glEnable(GL_TEXTURE_2D);
+    glEnable(GL_DEPTH_TEST);
+    // Something else current before, so that only what the drawing leaves shows in the last triangle.
+    glNormal3f(0.0f, 0.0f, 1.0f);
+    glTexCoord2f(0.3f, 0.7f);
+    drawTree();
+    glLoadIdentity();
+    const float towardsTheEye[4] = {0.0f, 0.0f, 1.0f, 0.0f};
+    glLightfv(GL_LIGHT0, GL_POSITION, towardsTheEye);
+    glBegin(GL_TRIANGLES);
+    glVertex3f(-0.05f, -0.05f, -0.2f);
+    glVertex3f(0.05f, -0.05f, -0.2f);
+    glVertex3f(0.0f, 0.05f, -0.2f);
+    glEnd();
+    glDisable(GL_TEXTURE_2D);
+    glDisable(GL_FOG);
+    glDisable(GL_LIGHT0);
+    glDisable(GL_LIGHTING);
+    return frame.read();
+}
+
+}
+
+// One call per run of faces draws the same picture as a begin/end pair per face, and leaves the same normal and
+// texture coordinates current: the tunnel seen from three places along its length.
+TEST_F(OctreeRenderTest, BatchedFacesDrawTheFaceByFacePicture)
+{
+    if (access("data/3d/tunnel3.oct", R_OK) != 0)
+        GTEST_SKIP() << "no forged data tree in the working directory";
+    Octree tree;
+    ASSERT_TRUE(tree.load("data/3d/tunnel3.oct"));
+    OffscreenFrame frame(320, 240);
+    ASSERT_TRUE(frame.isComplete());
+    // A checker, so that a texture coordinate out of place shows.
+    std::vector<unsigned char> checker(64 * 64 * 3);
+    for (size_t i = 0; i < checker.size(); ++i)
+        checker[i] = static_cast<unsigned char>((((i / 3) % 64 / 8 + (i / 3) / 64 / 8) % 2) ? 230 : 40 + i % 3 * 60);
+    GLuint texture = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 64, 64, 0, GL_RGB, GL_UNSIGNED_BYTE, checker.data());
+    const Vector3 places[][2] = {{Vector3(-262, -195, 26), Vector3(-240, -196, 22)},
+                                 {Vector3(-60, -200, 2), Vector3(0, -195, 0)},
+                                 {Vector3(140, -240, 20), Vector3(200, -246, 45)}};
+    for (const auto& place : places) {
+        Camera camera("TunnelView", place[0], place[1], 0.1f, 1000.0f, 60.0f);
+        const std::vector<unsigned char> batched =
+            tunnelFrame(frame, camera, texture, [&] { tree.render(camera, OCTREE_RENDER_BACK_TO_FRONT); });
+        const std::vector<unsigned char> single = tunnelFrame(frame, camera, texture, [&] {
+            tree.getVertices()->upload(Octree::UPLOAD_MASK);
+            drawFaceByFace(tree, tree.getRoot());
+            tree.getVertices()->unload(Octree::UPLOAD_MASK);
+        });
+        EXPECT_EQ(OffscreenFrame::countDifferences(batched, single, 0), 0u) << place[0].x;
+        // The walls are in view: most of the frame is not the clear colour.
+        EXPECT_GT(OffscreenFrame::countDifferences(batched, std::vector<unsigned char>(batched.size(), 0), 0),
+                  batched.size() / 2);
+    }
+    glDeleteTextures(1, &texture);
+}
