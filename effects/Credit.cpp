@@ -22,6 +22,16 @@ const char* const CAMERA_NAME = "CreditsCamera";
 const Vector3 TRAIL_ORIGIN(-100.0f, 0.0f, 601.0f);
 // Each credit takes a quarter of the texture, top to bottom.
 const float CREDIT_V = 1.0f / static_cast<float>(CreditsLayout::CREDIT_COUNT);
+// The sharp pictures fill the left half of the texture, the blurred ones the right half; s falls from left to
+// right across each quad.
+const float PICTURE_S_LEFT = 0.5f;
+const float PICTURE_S_RIGHT = 0.0f;
+const float TRAIL_S_LEFT = 1.0f;
+const float TRAIL_S_RIGHT = 0.5f;
+// Ink is measured in bands of this many texel rows: narrower bands follow the lines of text more closely.
+const int INK_BAND_ROWS = 64;
+// The credit texture is stored as RGBA: it samples to the same values as luminance with alpha, and faster.
+const int CREDIT_STORAGE = GL_RGBA8;
 
 }
 
@@ -55,8 +65,13 @@ void Credit::initiate()
     texture = TextureMgr::getHandle()->loadTexture(CreditsLayout::TEXTURE.file, CreditsLayout::TEXTURE.format);
     if (!texture)
         std::printf("Credit::initiate() could not load %s\n", CreditsLayout::TEXTURE.file);
-    else if (index == 0)
+    else if (index == 0) {
+        texture->setStorageFormat(CREDIT_STORAGE);
         texture->upload();
+    }
+    const float v = CREDIT_V * static_cast<float>(index);
+    pictureInk.measure(texture, PICTURE_S_RIGHT, PICTURE_S_LEFT, v, v + CREDIT_V, INK_BAND_ROWS);
+    trailInk.measure(texture, TRAIL_S_RIGHT, TRAIL_S_LEFT, v, v + CREDIT_V, INK_BAND_ROWS);
 
     CameraMgr* cameras = CameraMgr::getHandle();
     if (!cameras->find(CAMERA_NAME)) {
@@ -162,14 +177,7 @@ void Credit::drawCredit()
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glColor4f(1.0f, 1.0f, 1.0f, textAlpha);
     glBegin(GL_QUADS);
-    glTexCoord2f(0.5f, v);
-    glVertex3f(-HALF_WIDTH, HALF_HEIGHT, 0.0f);
-    glTexCoord2f(0.0f, v);
-    glVertex3f(HALF_WIDTH, HALF_HEIGHT, 0.0f);
-    glTexCoord2f(0.0f, v + CREDIT_V);
-    glVertex3f(HALF_WIDTH, -HALF_HEIGHT, 0.0f);
-    glTexCoord2f(0.5f, v + CREDIT_V);
-    glVertex3f(-HALF_WIDTH, -HALF_HEIGHT, 0.0f);
+    drawCovered(pictureInk, PICTURE_S_LEFT, PICTURE_S_RIGHT, v, Vector3(0.0f, 0.0f, 0.0f));
     glEnd();
     glDisable(GL_BLEND);
 }
@@ -197,12 +205,25 @@ void Credit::drawBlur()
 
 void Credit::drawBlurQuad(float v, const Vector3& o)
 {
-    glTexCoord2f(1.0f, v);
-    glVertex3f(-HALF_WIDTH + o.x, HALF_HEIGHT + o.y, o.z);
-    glTexCoord2f(0.5f, v);
-    glVertex3f(HALF_WIDTH + o.x, HALF_HEIGHT + o.y, o.z);
-    glTexCoord2f(0.5f, v + CREDIT_V);
-    glVertex3f(HALF_WIDTH + o.x, -HALF_HEIGHT + o.y, o.z);
-    glTexCoord2f(1.0f, v + CREDIT_V);
-    glVertex3f(-HALF_WIDTH + o.x, -HALF_HEIGHT + o.y, o.z);
+    drawCovered(trailInk, TRAIL_S_LEFT, TRAIL_S_RIGHT, v, o);
+}
+
+void Credit::drawCovered(const InkCover& cover, float sLeft, float sRight, float v, const Vector3& o) const
+{
+    // Each box's corners lie on the whole quad's lines: with nothing cut the whole quad comes out exactly.
+    const auto x = [&](float s) { return -HALF_WIDTH + (sLeft - s) / (sLeft - sRight) * (2.0f * HALF_WIDTH); };
+    const auto y = [&](float t) { return HALF_HEIGHT - (t - v) / CREDIT_V * (2.0f * HALF_HEIGHT); };
+    const bool falling = sLeft > sRight;
+    for (const InkCover::Box& box : cover.getBoxes()) {
+        const float left = falling ? box.sHigh : box.sLow;
+        const float right = falling ? box.sLow : box.sHigh;
+        glTexCoord2f(left, box.tLow);
+        glVertex3f(x(left) + o.x, y(box.tLow) + o.y, o.z);
+        glTexCoord2f(right, box.tLow);
+        glVertex3f(x(right) + o.x, y(box.tLow) + o.y, o.z);
+        glTexCoord2f(right, box.tHigh);
+        glVertex3f(x(right) + o.x, y(box.tHigh) + o.y, o.z);
+        glTexCoord2f(left, box.tHigh);
+        glVertex3f(x(left) + o.x, y(box.tHigh) + o.y, o.z);
+    }
 }

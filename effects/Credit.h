@@ -4,6 +4,7 @@
 
 #include "math/Vector3.h"
 #include "runtime/Effect.h"
+#include "texture/InkCover.h"
 
 class Texture;
 
@@ -42,6 +43,9 @@ private:
     void drawBlur();
     void drawBlurQuad(float v, const Vector3& offset);
     float halfSpan() const;
+    // The quad at `offset`, its s running from sLeft at -X to sRight at +X and its t from v at +Y to v + 1/4 at
+    // -Y, drawn only over the cover's boxes: the vertices of one quad per box, corners in the whole quad's order.
+    void drawCovered(const InkCover& cover, float sLeft, float sRight, float v, const Vector3& offset) const;
 
     int index;
     float textAlpha;
@@ -52,4 +56,7 @@ private:
     float angleSpeed;
     Vector3 blurPos;
     Texture* texture;
+    // Where the picture and the trail have ink: transparent texels blend to nothing, so only those parts are drawn.
+    InkCover pictureInk;
+    InkCover trailInk;
 };

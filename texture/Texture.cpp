@@ -124,8 +124,8 @@ bool Texture::upload()
         return false;
     GLint filter = texQuality > 1 ? GL_LINEAR : GL_NEAREST;
     prepareUpload(filter, filter);
-    glTexImage2D(GL_TEXTURE_2D, 0, components, width, height, 0, getOpenGLFormat(format), GL_UNSIGNED_BYTE,
-                 data);
+    const GLint internal = storageFormat != 0 ? storageFormat : components;
+    glTexImage2D(GL_TEXTURE_2D, 0, internal, width, height, 0, getOpenGLFormat(format), GL_UNSIGNED_BYTE, data);
     glDisable(GL_TEXTURE_2D);
     return true;
 }

@@ -34,6 +34,11 @@ public:
     void bind(unsigned int unit);
     void unbind(unsigned int unit);
 
+    // The GL internal format later uploads store the pixels in, for a texture drawn faster in another layout that
+    // samples to the same values (luminance with alpha stored as RGBA); 0, the default, stores `components`.
+    void setStorageFormat(int internalFormat) { storageFormat = internalFormat; }
+    int getStorageFormat() const { return storageFormat; }
+
     static void setTexQuality(TexQuality quality);
     static TexQuality getTexQuality();
     unsigned int getOpenGLFormat(int format) const;
@@ -66,6 +71,7 @@ protected:
     int components;
     unsigned char* data;
     unsigned int glName;
+    int storageFormat = 0;
 
     static TexQuality texQuality;
 };

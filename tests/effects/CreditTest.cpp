@@ -5,6 +5,7 @@
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
 #include "support/GLContext.h"
+#include "support/OffscreenFrame.h"
 #include "texture/Texture.h"
 #include "texture/TextureMgr.h"
 
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -152,4 +154,136 @@ TEST_F(CreditTest, MissingPictureIsReportedAndDrawnWhite)
     credit.update(SPAN / 2.0f);
     credit.display();
     EXPECT_EQ(centreRed(), 255);
+}
+
+namespace {
+
+// The credit's frame drawn literally, every quad whole, the trail in one run and the picture stored as luminance
+// with alpha: the picture the faster drawing must keep.
+void drawWholeQuads(const Credit& credit, Texture& picture)
+{
+    const float x = Credit::HALF_WIDTH, y = Credit::HALF_HEIGHT;
+    const float v = 0.25f * static_cast<float>(credit.getIndex());
+    glPushMatrix();
+    glLoadIdentity();
+    CameraMgr::getHandle()->find("CreditsCamera")->lookAt();
+    glTranslatef(0.0f, 0.0f, 450.0f);
+    glDisable(GL_CULL_FACE);
+    glDepthFunc(GL_ALWAYS);
+    glDepthMask(GL_FALSE);
+    glEnable(GL_COLOR_MATERIAL);
+    picture.bind();
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glColor4f(1.0f, 1.0f, 1.0f, credit.getTextAlpha());
+    glBegin(GL_QUADS);
+    glTexCoord2f(0.5f, v);
+    glVertex3f(-x, y, 0.0f);
+    glTexCoord2f(0.0f, v);
+    glVertex3f(x, y, 0.0f);
+    glTexCoord2f(0.0f, v + 0.25f);
+    glVertex3f(x, -y, 0.0f);
+    glTexCoord2f(0.5f, v + 0.25f);
+    glVertex3f(-x, -y, 0.0f);
+    glEnd();
+    float alpha = credit.getBlurAlpha();
+    const float step = -alpha / 15.0f;
+    Vector3 o(0.0f, 0.0f, 0.0f);
+    Vector3 d = o - credit.getBlurPos();
+    d.normalize();
+    glBegin(GL_QUADS);
+    for (int copy = 0; copy < 15; ++copy) {
+        glColor4f(1.0f, 0.9f, 0.7f, alpha);
+        glTexCoord2f(1.0f, v);
+        glVertex3f(-x + o.x, y + o.y, o.z);
+        glTexCoord2f(0.5f, v);
+        glVertex3f(x + o.x, y + o.y, o.z);
+        glTexCoord2f(0.5f, v + 0.25f);
+        glVertex3f(x + o.x, -y + o.y, o.z);
+        glTexCoord2f(1.0f, v + 0.25f);
+        glVertex3f(-x + o.x, -y + o.y, o.z);
+        alpha += step;
+        o += d * 6.6666665f;
+    }
+    glEnd();
+    glDisable(GL_BLEND);
+    picture.unbind();
+    glDisable(GL_COLOR_MATERIAL);
+    glDepthFunc(GL_LESS);
+    glDepthMask(GL_TRUE);
+    glEnable(GL_CULL_FACE);
+    glPopMatrix();
+}
+
+// Levels a channel may differ by where rounding differs, out of 255.
+const int INTERPOLATION_TOLERANCE = 3;
+
+class CreditPictureTest : public GLTest {
+protected:
+    void SetUp() override
+    {
+        GLTest::SetUp();
+        if (access(CREDITS, R_OK) != 0)
+            GTEST_SKIP() << "no forged data tree in the working directory";
+        CameraMgr::getHandle()->shutdown();
+    }
+    void TearDown() override
+    {
+        CameraMgr::getHandle()->shutdown();
+        TextureMgr::getHandle()->shutdown();
+        TextureMgr::getHandle()->registerStandardLoaders();
+        GLTest::TearDown();
+    }
+};
+
+}
+
+// Quads cut to their ink and the picture stored as RGBA draw the picture of the whole quads: every credit through
+// its span, the trail pointing every way, at both bench sizes; a pixel differs from it by at most a few levels
+// and only along lines where the interpolation rounds otherwise.
+TEST_F(CreditPictureTest, QuadsCutToTheirInkKeepThePicture)
+{
+    const struct {
+        int width, height;
+    } sizes[] = {{640, 480}, {1280, 720}};
+    for (const auto& size : sizes) {
+        const int width = size.width, height = size.height;
+        OffscreenFrame frame(width, height);
+        ASSERT_TRUE(frame.isComplete());
+        for (int index = 0; index < 4; ++index) {
+            Credit credit(index, static_cast<short>(4 - index), EffectTimer(0.0f, SPAN));
+            credit.initiate();
+            const Texture* shared = credit.getTexture();
+            ASSERT_NE(shared, nullptr);
+            const size_t bytes = static_cast<size_t>(shared->getDataSize());
+            unsigned char* copy = new unsigned char[bytes];
+            std::memcpy(copy, shared->getDataPtr(), bytes);
+            Texture picture("reference", shared->getWidth(), shared->getHeight(), shared->getBitsPerPixel(),
+                            shared->getFormat(), copy);
+            CameraMgr::getHandle()->onResize(width, height);
+            for (int step = 0; step < 6; ++step) {
+                SCOPED_TRACE(std::to_string(width) + " credit " + std::to_string(index) + " step " +
+                             std::to_string(step));
+                credit.update(step == 0 ? 0.05f : SPAN / 6.0f);
+                glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+                credit.display();
+                const std::vector<unsigned char> cut = frame.read();
+                glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+                drawWholeQuads(credit, picture);
+                const std::vector<unsigned char> whole = frame.read();
+                // Texture coordinates interpolated across a cut quad round in their last bits unlike those across
+                // the whole quad: now and then a sample lands a step of the filter's weights away.
+                int largest = 0;
+                const size_t differing = OffscreenFrame::countDifferences(cut, whole, 0, &largest);
+                EXPECT_LE(largest, INTERPOLATION_TOLERANCE);
+                EXPECT_LE(differing, cut.size() / 1000);
+                // Not a picture of nothing: a credit on screen lights a good share of it.
+                if (step > 0 && step < 5) {
+                    EXPECT_GT(OffscreenFrame::countDifferences(cut, std::vector<unsigned char>(cut.size(), 0), 8),
+                              cut.size() / 20);
+                }
+            }
+            credit.shutdown();
+        }
+    }
 }

@@ -7,6 +7,7 @@
 #include <GL/gl.h>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace {
 
@@ -76,6 +77,25 @@ TEST_F(TextureGL, FirstBindUploadsAndADeletedObjectIsRecreated)
     EXPECT_TRUE(t.unload());
     EXPECT_EQ(Texture::noName, t.getGLName());
     EXPECT_FALSE(t.unload());
+}
+
+// Luminance with alpha stored as RGBA: the colour repeats the luminance, and a recreated object is stored so again.
+TEST_F(TextureGL, AStorageFormatHoldsTheSamePixelsAcrossRecreation)
+{
+    Texture t("la", 1, 1, 16, 6, new unsigned char[2]{90, 40});
+    t.setStorageFormat(GL_RGBA8);
+    for (int pass = 0; pass < 2; ++pass) {
+        t.bind();
+        GLint internal = 0;
+        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_INTERNAL_FORMAT, &internal);
+        EXPECT_EQ(GL_RGBA8, internal);
+        unsigned char rgba[4];
+        glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+        EXPECT_EQ((std::vector<int>{90, 90, 90, 40}), std::vector<int>(rgba, rgba + 4));
+        t.unbind();
+        GLuint name = t.getGLName();
+        glDeleteTextures(1, &name);
+    }
 }
 
 TEST_F(TextureGL, UploadedAndUpdatedPixelsReachTheScreen)
