@@ -11,6 +11,11 @@ public:
 
     // Called once when the timeline starts the effect.
     virtual void initiate() = 0;
+    // Called by the timeline once a frame in the seconds before the effect starts, while other scenes run: loads
+    // one more piece of what initiate would load (through the process-wide caches, or kept by the effect for
+    // initiate to use), so that the start does not stall a frame. Must leave GL as it found it and change
+    // nothing drawn. Returns true while pieces are left; the default has none.
+    virtual bool preload() { return false; }
     // Called when the effect leaves the running list.
     virtual void shutdown() = 0;
     // Must advance the effect's own timer (updateTimer): the timeline retires effects by it.

@@ -42,7 +42,7 @@ bool EffectMgr::addEffect(Effect* effect)
     if (!effect)
         return false;
     bool wasEmpty = pending == nullptr;
-    pending = new node_t{effect, pending};
+    pending = new node_t{effect, pending, true};
     ++pendingCount;
 
     // Gathers the latest start and the earliest end; the first effect's times are not
@@ -106,6 +106,7 @@ bool EffectMgr::updateEffectFromData(Effect* effect)
 void EffectMgr::update(float seconds)
 {
     timer.update(seconds);
+    preloadNext();
     checkPendingList();
     for (node_t* node = running; node; node = node->next)
         node->effect->update(seconds);
@@ -116,6 +117,22 @@ void EffectMgr::display()
 {
     for (node_t* node = running; node; node = node->next)
         node->effect->display();
+}
+
+void EffectMgr::preloadNext()
+{
+    const float now = timer.current;
+    node_t* soonest = nullptr;
+    for (node_t* node = pending; node; node = node->next) {
+        const float start = node->effect->getTimer().start;
+        // Effects due now start this update and load in initiate.
+        if (!node->preloading || !(now < start) || start - now > PRELOAD_SECONDS)
+            continue;
+        if (!soonest || start < soonest->effect->getTimer().start)
+            soonest = node;
+    }
+    if (soonest)
+        soonest->preloading = soonest->effect->preload();
 }
 
 void EffectMgr::checkPendingList()

@@ -18,6 +18,14 @@ public:
         : Effect(layer, EffectTimer(start, end)), name(name), log(log) {}
     ~Probe() override { log.push_back("delete " + name); }
     void initiate() override { log.push_back("initiate " + name); }
+    // Logs only when it has pieces to load.
+    bool preload() override
+    {
+        if (pieces <= 0)
+            return false;
+        log.push_back("preload " + name);
+        return --pieces > 0;
+    }
     void shutdown() override { log.push_back("shutdown " + name + " at " + std::to_string(timer.current)); }
     void update(float seconds) override
     {
@@ -29,6 +37,7 @@ public:
 
     std::string name;
     Log& log;
+    int pieces = 0;
 };
 
 class Timeline : public ::testing::Test {
@@ -172,4 +181,35 @@ TEST_F(Timeline, UpdateFromDataMovesOnlyARunningEffectToItsNewLayer)
     EXPECT_TRUE(log.empty());
     EXPECT_EQ(mgr.getRunningCount(), 3u);
     EXPECT_EQ(drawOrder(), (Log{"middle", "mover", "top"}));
+}
+
+TEST_F(Timeline, PreloadStepsComeOneAFrameInTheSecondsBeforeAStartSoonestStartFirst)
+{
+    add("now", 0, 0.5f);
+    Probe* later = add("later", 0, 10.0f, 20.0f);
+    later->pieces = 2;
+    add("sooner", 0, 6.0f, 20.0f)->pieces = 1;
+    add("nothing", 0, 6.5f, 20.0f);
+    mgr.initiate();
+    const auto step = [&](float seconds) {
+        log.clear();
+        mgr.update(seconds);
+        Log steps;
+        for (const std::string& entry : log) {
+            if (entry.compare(0, 8, "preload ") == 0 || entry.compare(0, 9, "initiate ") == 0)
+                steps.push_back(entry);
+        }
+        return steps;
+    };
+    // Due at once: started, never preloaded; the others are more than four seconds away.
+    EXPECT_EQ(step(1.0f), (Log{"initiate now"}));
+    EXPECT_EQ(step(1.5f), (Log{"preload sooner"}));
+    // Its one piece is loaded; the effect with nothing to load takes its turn and answers at once.
+    EXPECT_EQ(step(1.0f), Log{});
+    // Effects due start and load the rest themselves; the next one in the window gets its step.
+    EXPECT_EQ(step(3.0f), (Log{"preload later", "initiate nothing", "initiate sooner"}));
+    EXPECT_EQ(step(1.0f), (Log{"preload later"}));
+    EXPECT_EQ(step(1.0f), Log{});
+    EXPECT_EQ(step(1.5f), (Log{"initiate later"}));
+    EXPECT_EQ(EffectMgr::PRELOAD_SECONDS, 4.0f);
 }
