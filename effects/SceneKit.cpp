@@ -1,6 +1,7 @@
 // Helpers two or more scenes use while they load.
 #include "effects/SceneKit.h"
 
+#include "gl/TextureStateKeeper.h"
 #include "scene/DirectionalLight.h"
 #include "scene/FaceArray.h"
 #include "scene/LightMgr.h"
@@ -48,6 +49,12 @@ Texture* SceneKit::preloadMipmapped(const TextureFile& picture)
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_NEAREST);
     texture->unbind();
     return texture;
+}
+
+Texture* SceneKit::loadTextureAhead(const TextureFile& picture)
+{
+    TextureStateKeeper kept;
+    return preloadTexture(picture);
 }
 
 TextureMaterial* SceneKit::makeMaterial(const char* name, Texture* texture, int blendMode, unsigned long flags)

@@ -35,6 +35,9 @@ public:
     // Preloaded with a mipmap chain made by GL, for pictures seen from far away as well as close up.
     static Texture* preloadMipmapped(const TextureFile& picture);
 
+    // A picture through the cache and sent to GL while other scenes draw: the texture state is left as found.
+    static Texture* loadTextureAhead(const TextureFile& picture);
+
     // A textured material made with these values and registered (whether or not one of that name exists).
     static TextureMaterial* makeMaterial(const char* name, Texture* texture, int blendMode, unsigned long flags);
     // The registered textured material of that name, or one made from the picture, preloaded, and registered.

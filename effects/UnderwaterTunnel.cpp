@@ -44,6 +44,13 @@ const float CLUSTER_REACH = 0.5f;
 const SceneKit::LightSetup SURFACE_LIGHT = {Vector3(0.2f, 1.0f, 0.4f), Color(0.2f, 0.2f, 0.2f, 1.0f),
                                             Color(0.55f, 0.8f, 0.8f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f),
                                             {1.0f, 0.0f, 0.0f}};
+// The files, loaded one at a time by preload or initiate: the pictures, sent to GL while whatever runs before the
+// tunnel draws, then these, then the objects.
+const TextureFile PICTURES[] = {ROCK, CAUSTICS, REFLECTION, SharedLayout::SHIP_TEXTURE, SharedLayout::PARTICLE};
+const int PICTURE_COUNT = static_cast<int>(sizeof PICTURES / sizeof PICTURES[0]);
+enum FilePiece { TUNNEL_PIECE, SHIP_PIECE, SHIP_PATH_PIECE, CAMERA_PATH_PIECE, FILE_PIECES };
+const int PIECE_COUNT = PICTURE_COUNT + FILE_PIECES + UnderwaterTunnel::OBJECT_COUNT;
+
 const SceneKit::LightSetup GLOW_LIGHT = {Vector3(-0.3f, -1.0f, -0.2f), Color(0.2f, 0.2f, 0.2f, 1.0f),
                                          Color(0.5f, 0.15f, 0.45f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f),
                                          {1.0f, 0.0f, 0.0f}};
@@ -52,7 +59,8 @@ const SceneKit::LightSetup GLOW_LIGHT = {Vector3(-0.3f, -1.0f, -0.2f), Color(0.2
 
 UnderwaterTunnel::UnderwaterTunnel(short layer, const EffectTimer& timer)
     : Effect(layer, timer), colour(0.1f, 0.15f, 0.2f, 1.0f), tunnel(nullptr), ship(nullptr), shipAnimation(nullptr),
-      cameraAnimation(nullptr), tunnelMaterial(nullptr), angle(0.0f), objects(), clusters(), emitters()
+      cameraAnimation(nullptr), tunnelMaterial(nullptr), angle(0.0f), objects(), clusters(), emitters(),
+      piecesLoaded(0)
 {
 }
 
@@ -64,13 +72,19 @@ UnderwaterTunnel::~UnderwaterTunnel()
 void UnderwaterTunnel::initiate()
 {
     setupFog();
-    loadTunnel();
-    loadShip();
-    loadObjects();
+    while (loadNextPiece()) {
+    }
+    setupShip();
+    setupObjects();
     loadCamera();
     loadLights();
     loadTunnelMaterial();
     loadCluster();
+}
+
+bool UnderwaterTunnel::preload()
+{
+    return loadNextPiece() && piecesLoaded < PIECE_COUNT;
 }
 
 void UnderwaterTunnel::setupFog()
@@ -88,18 +102,39 @@ void UnderwaterTunnel::setupFog()
     glEnable(GL_FOG);
 }
 
-void UnderwaterTunnel::loadTunnel()
+bool UnderwaterTunnel::loadNextPiece()
 {
-    delete tunnel;
-    tunnel = SceneKit::loadOrSay<Octree>(OCTREE, "Unable to load tunnel data\n");
+    if (piecesLoaded >= PIECE_COUNT)
+        return false;
+    loadPiece(piecesLoaded++);
+    return true;
 }
 
-void UnderwaterTunnel::loadShip()
+void UnderwaterTunnel::loadPiece(int piece)
 {
-    delete ship;
-    ship = SceneKit::loadOrSay<Mesh>(SharedLayout::SHIP_MESH, "Unable to load ship\n");
-    delete shipAnimation;
-    shipAnimation = SceneKit::loadOrSay<MeshAnimation>(SHIP_PATH, "Unable to load ship animation\n");
+    if (piece < PICTURE_COUNT) {
+        SceneKit::loadTextureAhead(PICTURES[piece]);
+        return;
+    }
+    const int object = piece - PICTURE_COUNT - FILE_PIECES;
+    if (object >= 0) {
+        const std::string message = std::string("UNABLE TO LOAD ") + OBJECT_FILES[object] + "\n";
+        objects[object] = SceneKit::loadOrSay<Mesh>(OBJECT_FILES[object], message.c_str());
+        return;
+    }
+    switch (piece - PICTURE_COUNT) {
+    case TUNNEL_PIECE: tunnel = SceneKit::loadOrSay<Octree>(OCTREE, "Unable to load tunnel data\n"); break;
+    case SHIP_PIECE: ship = SceneKit::loadOrSay<Mesh>(SharedLayout::SHIP_MESH, "Unable to load ship\n"); break;
+    case SHIP_PATH_PIECE:
+        shipAnimation = SceneKit::loadOrSay<MeshAnimation>(SHIP_PATH, "Unable to load ship animation\n");
+        break;
+    // Without its path the camera stays where it was put.
+    default: cameraAnimation = SceneKit::loadOrSay<CameraAnimation>(CAMERA_PATH, ""); break;
+    }
+}
+
+void UnderwaterTunnel::setupShip()
+{
     if (shipAnimation) {
         shipAnimation->setup();
         shipAnimation->setMesh(ship);
@@ -112,16 +147,12 @@ void UnderwaterTunnel::loadShip()
     SceneKit::giveMaterial(ship, material);
 }
 
-void UnderwaterTunnel::loadObjects()
+void UnderwaterTunnel::setupObjects()
 {
     TextureMaterial* material =
         SceneKit::findOrMakeMaterial(OBJECT_MATERIAL, REFLECTION, Material::reflective, Material::blendNone);
-    for (int i = 0; i < OBJECT_COUNT; ++i) {
-        delete objects[i];
-        const std::string message = std::string("UNABLE TO LOAD ") + OBJECT_FILES[i] + "\n";
-        objects[i] = SceneKit::loadOrSay<Mesh>(OBJECT_FILES[i], message.c_str());
-        SceneKit::giveMaterial(objects[i], material);
-    }
+    for (Mesh* object : objects)
+        SceneKit::giveMaterial(object, material);
 }
 
 void UnderwaterTunnel::loadCamera()
@@ -135,10 +166,6 @@ void UnderwaterTunnel::loadCamera()
         cameras->add(camera);
     }
     cameras->setActiveCamera(CAMERA_NAME);
-
-    delete cameraAnimation;
-    // Without its path the camera stays where it was put.
-    cameraAnimation = SceneKit::loadOrSay<CameraAnimation>(CAMERA_PATH, "");
     if (!cameraAnimation)
         return;
     cameraAnimation->setup();
@@ -324,6 +351,7 @@ void UnderwaterTunnel::release()
     }
     // Registered materials belong to the registry.
     tunnelMaterial = nullptr;
+    piecesLoaded = 0;
 }
 
 void UnderwaterTunnel::shutdown()

@@ -28,7 +28,10 @@ public:
     UnderwaterTunnel(const UnderwaterTunnel&) = delete;
     UnderwaterTunnel& operator=(const UnderwaterTunnel&) = delete;
 
+    // Loads whatever preload left, then wires the parts together.
     void initiate() override;
+    // The textures through the cache, then the tunnel, the ship, the paths and the objects: one file a call.
+    bool preload() override;
     void shutdown() override;
     void update(float seconds) override;
     void display() override;
@@ -45,9 +48,11 @@ public:
 
 private:
     void setupFog();
-    void loadTunnel();
-    void loadShip();
-    void loadObjects();
+    // Loads the next file; false once every one was tried (each is tried once, so each failure is told once).
+    bool loadNextPiece();
+    void loadPiece(int piece);
+    void setupShip();
+    void setupObjects();
     void loadCamera();
     void loadLights();
     void loadTunnelMaterial();
@@ -69,4 +74,6 @@ private:
     ParticleCluster* clusters[CLUSTER_COUNT];
     // The emitters: a cluster does not own its own.
     PCInfoSphere* emitters[CLUSTER_COUNT];
+    // Files tried so far.
+    int piecesLoaded;
 };

@@ -10,6 +10,7 @@
 #include "scene/MeshAnimation.h"
 #include "scene/Octree.h"
 #include "support/GLContext.h"
+#include "support/OffscreenFrame.h"
 #include "texture/MulTextureMaterial.h"
 #include "texture/TextureMgr.h"
 
@@ -200,4 +201,59 @@ TEST_F(UnderwaterTunnelTest, AFarGlowAddsTheFogColourNotBlack)
     EXPECT_EQ(chdir(previous), 0);
     std::free(previous);
     rmdir(dir);
+}
+
+// Loaded piece by piece while another scene draws, the tunnel leaves that scene's texture state alone, needs nothing
+// more at its start, and draws what a tunnel loading everything at its start draws.
+TEST_F(UnderwaterTunnelTest, LoadedAheadItDrawsWhatAFreshStartDraws)
+{
+    if (access("data/3d/tunnel3.oct", R_OK) != 0)
+        GTEST_SKIP() << "no forged data tree in the working directory";
+    OffscreenFrame frame(320, 240);
+    ASSERT_TRUE(frame.isComplete());
+    const auto run = [&](bool ahead) {
+        UnderwaterTunnel tunnel(0, SPAN);
+        if (ahead) {
+            GLuint other = 0;
+            glGenTextures(1, &other);
+            glBindTexture(GL_TEXTURE_2D, other);
+            glEnable(GL_TEXTURE_2D);
+            int steps = 1;
+            while (tunnel.preload())
+                ++steps;
+            EXPECT_EQ(steps, 5 + 4 + UnderwaterTunnel::OBJECT_COUNT);
+            EXPECT_NE(tunnel.getTunnel(), nullptr);
+            EXPECT_NE(tunnel.getObject(UnderwaterTunnel::OBJECT_COUNT - 1), nullptr);
+            GLint binding = 0;
+            glGetIntegerv(GL_TEXTURE_BINDING_2D, &binding);
+            EXPECT_EQ(static_cast<GLuint>(binding), other);
+            EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
+            glDisable(GL_TEXTURE_2D);
+            glDeleteTextures(1, &other);
+        }
+        // The glows are random: both runs draw the same ones.
+        std::srand(19);
+        testing::internal::CaptureStderr();
+        tunnel.initiate();
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        EXPECT_FALSE(tunnel.preload());
+        CameraMgr::getHandle()->onResize(frame.getWidth(), frame.getHeight());
+        std::vector<unsigned char> pixels;
+        for (int i = 0; i < 30; ++i) {
+            tunnel.update(0.1f);
+            glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+            CameraMgr::getHandle()->getActiveCamera()->lookAt();
+            tunnel.display();
+        }
+        pixels = frame.read();
+        tunnel.shutdown();
+        return pixels;
+    };
+    // The first start in a process makes the shared camera and materials that later starts find: both compared
+    // runs come after one.
+    run(false);
+    const std::vector<unsigned char> ahead = run(true);
+    const std::vector<unsigned char> fresh = run(false);
+    EXPECT_EQ(OffscreenFrame::countDifferences(ahead, fresh, 0), 0u);
+    EXPECT_GT(OffscreenFrame::countDifferences(ahead, std::vector<unsigned char>(ahead.size(), 0), 0), ahead.size() / 2);
 }
