@@ -2,6 +2,7 @@
 #include "effects/Greetings.h"
 
 #include "gl/OrthoView.h"
+#include "gl/TextureStateKeeper.h"
 #include "scene/Camera.h"
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
@@ -59,7 +60,8 @@ const char* const Greetings::FONT_FILE = "/usr/share/fonts/truetype/comic.ttf";
 const char* const Greetings::FALLBACK_FONT_FILE = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
 
 Greetings::Greetings(short layer, const EffectTimer& timer)
-    : Effect(layer, timer), font(nullptr), first(0), last(0), scroll(0.0f), lead(0.0f), speed(0.0f)
+    : Effect(layer, timer), font(nullptr), first(0), last(0), scroll(0.0f), lead(0.0f), speed(0.0f),
+      linesPrepared(0)
 {
     font = new Fonter();
     if (font->loadTTF(FONT_FILE, Fonter::TEXTURE, FONT_SIZE, FONT_DEPTH))
@@ -105,6 +107,16 @@ void Greetings::initiate()
     if (!cameras->add(camera))
         delete camera;
     cameras->setActiveCamera(CAMERA_NAME);
+}
+
+bool Greetings::preload()
+{
+    if (!font || !font->isLoaded() || linesPrepared >= LINE_COUNT)
+        return false;
+    // Measuring a line makes its missing glyphs; the font's texture is bound for that and put back.
+    TextureStateKeeper kept;
+    font->getAdvance(getLine(linesPrepared++));
+    return linesPrepared < LINE_COUNT;
 }
 
 void Greetings::update(float seconds)

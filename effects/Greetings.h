@@ -24,6 +24,9 @@ public:
     Greetings& operator=(const Greetings&) = delete;
 
     void initiate() override;
+    // Makes the glyphs of the next line, which FTGL would otherwise make (and send to GL) the first time the
+    // line is drawn; made in the order the roll first shows them, they take the same places in the font's texture.
+    bool preload() override;
     void shutdown() override;
     void update(float seconds) override;
     void display() override;
@@ -49,4 +52,6 @@ private:
     float scroll;
     float lead;
     float speed;
+    // Lines whose glyphs preload has made.
+    int linesPrepared;
 };

@@ -4,6 +4,7 @@
 #include "scene/Camera.h"
 #include "scene/CameraMgr.h"
 #include "support/GLContext.h"
+#include "support/OffscreenFrame.h"
 #include "text/Fonter.h"
 
 #include <GL/gl.h>
@@ -130,4 +131,58 @@ TEST_F(GreetingsGLTest, TheHeadingRisesIntoViewFromBelowTheBottomEdgeAndShutdown
     greetings.shutdown();
     EXPECT_EQ(CameraMgr::getHandle()->find("GreetingsCamera"), nullptr);
     EXPECT_TRUE(greetings.getFont()->isLoaded());
+}
+
+namespace {
+
+class GreetingsPicture : public GLTest {};
+
+}
+
+// Glyphs made ahead, a line a step, in the roll's order: every frame of the roll is the one drawn with glyphs made as
+// the lines first show, and the texture state of whatever drew before is left alone.
+TEST_F(GreetingsPicture, GlyphsMadeAheadDrawTheSameRoll)
+{
+    OffscreenFrame frame(640, 480);
+    ASSERT_TRUE(frame.isComplete());
+    testing::internal::CaptureStdout();
+    // Their fonts are never released, like every roll's.
+    Greetings* ahead = new Greetings(1, SPAN);
+    Greetings* asShown = new Greetings(1, SPAN);
+    testing::internal::GetCapturedStdout();
+    GLuint other = 0;
+    glGenTextures(1, &other);
+    glBindTexture(GL_TEXTURE_2D, other);
+    int steps = 1;
+    while (ahead->preload())
+        ++steps;
+    EXPECT_EQ(steps, Greetings::LINE_COUNT);
+    EXPECT_FALSE(ahead->preload());
+    GLint binding = 0;
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &binding);
+    EXPECT_EQ(static_cast<GLuint>(binding), other);
+    glDeleteTextures(1, &other);
+    ahead->initiate();
+    ahead->shutdown();
+    asShown->initiate();
+    asShown->shutdown();
+    ahead->initiate();
+    size_t compared = 0;
+    for (int step = 0; step < 120; ++step) {
+        ahead->update(0.25f);
+        asShown->update(0.25f);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        ahead->display();
+        const std::vector<unsigned char> made = frame.read();
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        asShown->display();
+        const std::vector<unsigned char> shown = frame.read();
+        compared += OffscreenFrame::countDifferences(made, std::vector<unsigned char>(made.size(), 0), 0) > 0;
+        ASSERT_EQ(OffscreenFrame::countDifferences(made, shown, 0), 0u) << "step " << step;
+    }
+    ahead->shutdown();
+    // Text was on screen for most of the roll.
+    EXPECT_GT(compared, 100u);
+    delete ahead;
+    delete asShown;
 }
