@@ -77,15 +77,25 @@ void InkCover::measure(const Texture* texture, float sLow, float sHigh, float tL
     const int columnFrom = firstReached(sLow, width), columnTo = lastReached(sHigh, width);
     const int rowFrom = firstReached(tLow, height), rowTo = lastReached(tHigh, height);
     std::vector<RowInk> rows(static_cast<size_t>(rowTo - rowFrom + 1));
+    // Where each column of the reach lies in a row, wrapped once for all rows.
+    std::vector<size_t> offsets;
+    offsets.reserve(static_cast<size_t>(columnTo - columnFrom + 1));
+    for (int column = columnFrom; column <= columnTo; ++column)
+        offsets.push_back(static_cast<size_t>(wrap(column, width)) * step + alpha);
     for (int row = rowFrom; row <= rowTo; ++row) {
-        const unsigned char* line = pixels + static_cast<size_t>(wrap(row, height)) * width * step + alpha;
+        const unsigned char* line = pixels + static_cast<size_t>(wrap(row, height)) * width * step;
         RowInk& ink = rows[static_cast<size_t>(row - rowFrom)];
-        for (int column = columnFrom; column <= columnTo; ++column) {
-            if (line[static_cast<size_t>(wrap(column, width)) * step] == 0)
-                continue;
-            ink.first = std::min(ink.first, column);
-            ink.last = column;
-        }
+        // The first inked column from the left, then the last from the right.
+        size_t left = 0;
+        while (left < offsets.size() && line[offsets[left]] == 0)
+            ++left;
+        if (left == offsets.size())
+            continue;
+        size_t right = offsets.size() - 1;
+        while (line[offsets[right]] == 0)
+            --right;
+        ink.first = columnFrom + static_cast<int>(left);
+        ink.last = columnFrom + static_cast<int>(right);
     }
 
     // Bands start on whole rows, so that neighbours share their edge exactly.

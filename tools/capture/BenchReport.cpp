@@ -69,9 +69,9 @@ std::string BenchReport::Verdict::describe(const Budget& budget) const
     return why;
 }
 
-void BenchReport::addFrame(double sceneSeconds, double milliseconds)
+void BenchReport::addFrame(double sceneSeconds, double milliseconds, const Split& split)
 {
-    frames.push_back(TimedFrame{sceneSeconds, milliseconds});
+    frames.push_back(TimedFrame{sceneSeconds, milliseconds, split});
 }
 
 std::vector<BenchReport::FrameKind> BenchReport::classify(const Schedule& schedule) const
@@ -199,9 +199,11 @@ void BenchReport::printStarts(std::ostream& out, const Schedule& schedule, const
             why = frames[i].milliseconds <= budget.worstFrame ? "no fade covers the cut: within"
                                                                : "no fade covers the cut: OVER";
         }
-        char line[240];
-        std::snprintf(line, sizeof line, "  %8.3f s  %-28.28s %8.2f ms  %s\n", time,
-                      schedule.scenesAt(time).c_str(), frames[i].milliseconds, why.c_str());
+        const Split& split = frames[i].split;
+        char line[300];
+        std::snprintf(line, sizeof line, "  %8.3f s  %-28.28s %8.2f ms (update %.2f, draw %.2f, swap %.2f)  %s\n",
+                      time, schedule.scenesAt(time).c_str(), frames[i].milliseconds, split.update, split.draw,
+                      split.present, why.c_str());
         out << line;
     }
 }
@@ -216,9 +218,11 @@ void BenchReport::writeCsv(std::ostream& out, const Schedule& schedule, int widt
         std::string scenes = schedule.scenesAt(frames[i].time);
         for (size_t at = scenes.find(" + "); at != std::string::npos; at = scenes.find(" + "))
             scenes.replace(at, 3, "+");
-        char line[240];
-        std::snprintf(line, sizeof line, "%d,%d,%.4f,%.4f,%.1f,%s,%s\n", width, height, frames[i].time,
-                      frames[i].milliseconds, budget.median, kindName(kinds[i]), scenes.c_str());
+        const Split& split = frames[i].split;
+        char line[300];
+        std::snprintf(line, sizeof line, "%d,%d,%.4f,%.4f,%.1f,%s,%s,%.4f,%.4f,%.4f\n", width, height, frames[i].time,
+                      frames[i].milliseconds, budget.median, kindName(kinds[i]), scenes.c_str(), split.update,
+                      split.draw, split.present);
         out << line;
     }
 }

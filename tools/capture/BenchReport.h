@@ -37,8 +37,16 @@ public:
         std::string describe(const Budget& budget) const;
     };
 
+    // Where a frame's time went, in ms: the timeline's update (a scene's loading included), the drawing calls
+    // (the renderer's shader compiles included), and the swap with the wait for the renderer to finish.
+    struct Split {
+        double update;
+        double draw;
+        double present;
+    };
+
     // Frames come in the order they were drawn, at the timeline's clock after their update.
-    void addFrame(double sceneSeconds, double milliseconds);
+    void addFrame(double sceneSeconds, double milliseconds, const Split& split = Split{});
     void addBaseline(double milliseconds) { baseline.add(milliseconds); }
     size_t getFrameCount() const { return frames.size(); }
     const FrameStats& getBaseline() const { return baseline; }
@@ -54,15 +62,17 @@ public:
     // the verdict; then every scene start with its time and whether it is excused.
     void print(std::ostream& out, const Schedule& schedule, const std::string& renderer, int width, int height,
                int fps) const;
-    // One row per frame: width, height, scene time, frame time, budget, kind, scenes running.
+    // One row per frame: width, height, scene time, frame time, budget, kind, scenes running, the split.
     void writeCsv(std::ostream& out, const Schedule& schedule, int width, int height) const;
-    static constexpr const char* CSV_HEADER = "width,height,time_s,frame_ms,budget_ms,kind,scenes";
+    static constexpr const char* CSV_HEADER =
+        "width,height,time_s,frame_ms,budget_ms,kind,scenes,update_ms,draw_ms,present_ms";
     static const char* kindName(FrameKind kind);
 
 private:
     struct TimedFrame {
         double time;
         double milliseconds;
+        Split split;
     };
 
     void printStarts(std::ostream& out, const Schedule& schedule, const std::vector<FrameKind>& kinds,

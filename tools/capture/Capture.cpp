@@ -382,8 +382,11 @@ bool Capture::renderRange()
         const double target = from + static_cast<double>(k) / options.fps;
         skipTo(target);
         auto started = std::chrono::steady_clock::now();
+        BenchReport::Split split{};
         stepTo(target);
+        split.update = millisecondsSince(started);
         draw();
+        split.draw = millisecondsSince(started) - split.update;
         if (readBack) {
             frame.read(getInfo().width, getInfo().height);
             std::string png = options.framesDir + "/" + frameName(k);
@@ -398,8 +401,10 @@ bool Capture::renderRange()
         if (timing) {
             // The offscreen driver flushes nothing at the swap: wait for the drawing itself.
             glFinish();
+            const double total = millisecondsSince(started);
+            split.present = total - split.update - split.draw;
             // The timeline's own clock: a scene starts on the first frame it reaches the scene's start.
-            report.addFrame(getEffects() ? getEffects()->getTimer().current : target, millisecondsSince(started));
+            report.addFrame(getEffects() ? getEffects()->getTimer().current : target, total, split);
         }
         if (sampling)
             memory.addFrame(target, MemoryProbe::residentKilobytes(), k + 1 == count, std::cout);

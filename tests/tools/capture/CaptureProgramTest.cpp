@@ -285,8 +285,8 @@ TEST_F(CaptureProgram, BenchJudgesEveryEntryBesideTheEmptyFrameAndWritesItsFrame
     EXPECT_EQ(rows.compare(0, std::string(BenchReport::CSV_HEADER).size(), BenchReport::CSV_HEADER), 0) << rows;
     EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), 5) << rows;
     EXPECT_TRUE(contains(rows, "160,120,35.0000,")) << rows;
-    EXPECT_TRUE(contains(rows, ",8.3,run-start,Credit\n")) << rows;
-    EXPECT_TRUE(contains(rows, ",covered-start,Islands\n")) << rows;
+    EXPECT_TRUE(contains(rows, ",8.3,run-start,Credit,")) << rows;
+    EXPECT_TRUE(contains(rows, ",covered-start,Islands,")) << rows;
 }
 
 TEST_F(CaptureProgram, RunsWithNoXServer)
