@@ -61,7 +61,7 @@ const char* const Greetings::FALLBACK_FONT_FILE = "/usr/share/fonts/truetype/dej
 
 Greetings::Greetings(short layer, const EffectTimer& timer)
     : Effect(layer, timer), font(nullptr), first(0), last(0), scroll(0.0f), lead(0.0f), speed(0.0f),
-      linesPrepared(0)
+      glyphsMade(false)
 {
     font = new Fonter();
     if (font->loadTTF(FONT_FILE, Fonter::TEXTURE, FONT_SIZE, FONT_DEPTH))
@@ -111,12 +111,14 @@ void Greetings::initiate()
 
 bool Greetings::preload()
 {
-    if (!font || !font->isLoaded() || linesPrepared >= LINE_COUNT)
+    if (!font || !font->isLoaded() || glyphsMade)
         return false;
     // Measuring a line makes its missing glyphs; the font's texture is bound for that and put back.
     TextureStateKeeper kept;
-    font->getAdvance(getLine(linesPrepared++));
-    return linesPrepared < LINE_COUNT;
+    for (int i = 0; i < LINE_COUNT; ++i)
+        font->getAdvance(getLine(i));
+    glyphsMade = true;
+    return false;
 }
 
 void Greetings::update(float seconds)

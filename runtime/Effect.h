@@ -16,6 +16,9 @@ public:
     // initiate to use), so that the start does not stall a frame. Must leave GL as it found it and change
     // nothing drawn. Returns true while pieces are left; the default has none.
     virtual bool preload() { return false; }
+    // How long before its start the effect is given preload steps, in scene seconds.
+    virtual float getPreloadLead() const { return PRELOAD_SECONDS; }
+    static constexpr float PRELOAD_SECONDS = 4.0f;
     // Called when the effect leaves the running list.
     virtual void shutdown() = 0;
     // Must advance the effect's own timer (updateTimer): the timeline retires effects by it.

@@ -126,7 +126,7 @@ void EffectMgr::preloadNext()
     for (node_t* node = pending; node; node = node->next) {
         const float start = node->effect->getTimer().start;
         // Effects due now start this update and load in initiate.
-        if (!node->preloading || !(now < start) || start - now > PRELOAD_SECONDS)
+        if (!node->preloading || !(now < start) || start - now > node->effect->getPreloadLead())
             continue;
         if (!soonest || start < soonest->effect->getTimer().start)
             soonest = node;

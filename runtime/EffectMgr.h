@@ -23,13 +23,10 @@ public:
     // Re-sorts a running effect whose layer has changed.
     bool updateEffectFromData(Effect* effect);
 
-    // Advances the scene clock, gives the next effect due to start its preload step, starts the effects due,
-    // updates the running ones and retires the finished.
+    // Advances the scene clock, gives the effect starting soonest within its preload lead a preload step,
+    // starts the effects due, updates the running ones and retires the finished.
     void update(float seconds);
     void display();
-
-    // How long before its start an effect is given preload steps, in scene seconds.
-    static constexpr float PRELOAD_SECONDS = 4.0f;
 
     const EffectTimer& getTimer() const { return timer; }
     unsigned getPendingCount() const { return pendingCount; }
@@ -63,7 +60,7 @@ private:
     EffectMgr(const EffectMgr&) = delete;
     EffectMgr& operator=(const EffectMgr&) = delete;
 
-    // One preload step for the pending effect starting soonest within the window, not yet due.
+    // One preload step for the pending effect starting soonest within its lead, not yet due.
     void preloadNext();
     void checkPendingList();
     void checkRunningList();

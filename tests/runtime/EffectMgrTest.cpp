@@ -37,7 +37,10 @@ public:
 
     std::string name;
     Log& log;
+    float getPreloadLead() const override { return lead; }
+
     int pieces = 0;
+    float lead = Effect::PRELOAD_SECONDS;
 };
 
 class Timeline : public ::testing::Test {
@@ -211,5 +214,15 @@ TEST_F(Timeline, PreloadStepsComeOneAFrameInTheSecondsBeforeAStartSoonestStartFi
     EXPECT_EQ(step(1.0f), (Log{"preload later"}));
     EXPECT_EQ(step(1.0f), Log{});
     EXPECT_EQ(step(1.5f), (Log{"initiate later"}));
-    EXPECT_EQ(EffectMgr::PRELOAD_SECONDS, 4.0f);
+    EXPECT_EQ(Effect::PRELOAD_SECONDS, 4.0f);
+}
+
+TEST_F(Timeline, AnEffectMayAskForItsPreloadFromFurtherAhead)
+{
+    Probe* early = add("early", 0, 100.0f, 120.0f);
+    early->pieces = 1;
+    early->lead = 100.0f;
+    mgr.initiate();
+    mgr.update(0.1f);
+    EXPECT_EQ(log, (Log{"preload early"}));
 }
