@@ -6,6 +6,7 @@
 #include "MemoryProbe.h"
 #include "MemoryReport.h"
 #include "PngWriter.h"
+#include "ProcessClock.h"
 #include "SoundtrackRenderer.h"
 #include "VideoEncoder.h"
 #include "config/VariableMgr.h"
@@ -128,7 +129,7 @@ void pinLoadedLibraries()
 }
 
 Capture::Capture(const CaptureOptions& chosen)
-    : options(chosen), clock(nullptr), quitDone(false)
+    : options(chosen), clock(nullptr), quitDone(false), firstFrameShown(-1.0)
 {
     AppInfo info = getInfo();
     if (options.hasSize) {
@@ -408,10 +409,14 @@ bool Capture::renderRange()
         }
         if (sampling)
             memory.addFrame(target, MemoryProbe::residentKilobytes(), k + 1 == count, std::cout);
+        if (k == 0)
+            firstFrameShown = ProcessClock::secondsSinceStart();
     }
     progress.finish();
-    if (ok && sampling)
+    if (ok && sampling) {
         memory.printSummary(std::cout);
+        printPeakMemory();
+    }
     if (!options.videoFile.empty())
         ok = finishVideo(encoder, ok);
     if (!audio.empty())
@@ -451,6 +456,12 @@ bool Capture::runBaseline()
     const char* renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
     report.print(std::cout, schedule, renderer ? renderer : "unknown", getInfo().width, getInfo().height,
                  options.fps);
+    char line[200];
+    std::snprintf(line, sizeof line,
+                  "start-up: %.3f s from the process start to the first frame shown (at %.3f s of scene time)\n",
+                  firstFrameShown, options.from);
+    std::cout << line;
+    printPeakMemory();
     if (options.csvFile.empty())
         return true;
     std::ofstream csv(options.csvFile);
@@ -459,6 +470,14 @@ bool Capture::runBaseline()
     if (!csv)
         return fail("cannot write " + options.csvFile);
     return true;
+}
+
+void Capture::printPeakMemory() const
+{
+    char line[120];
+    std::snprintf(line, sizeof line, "peak resident memory of the run: %.1f MB (VmHWM)\n",
+                  MemoryProbe::peakKilobytes() / 1024.0);
+    std::cout << line << std::flush;
 }
 
 bool Capture::renderShots()

@@ -54,6 +54,8 @@ private:
     bool renderShots();
     bool renderSheet();
     bool runBaseline();
+    // The most this process has held resident, the figure for a whole run's memory.
+    void printPeakMemory() const;
     // The label strips of the sheet, drawn with the demo's font front end before any scene starts.
     bool drawLabels(int width, int height, std::vector<Frame>& labels);
     void drawLabel(Fonter& font, const std::string& text, int width, int height, Frame& label);
@@ -85,4 +87,6 @@ private:
     ProgressBar progress;
     std::string error;
     bool quitDone;
+    // Seconds from the process start until the first frame of the range was swapped to the window.
+    double firstFrameShown;
 };

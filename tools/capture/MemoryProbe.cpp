@@ -7,9 +7,8 @@
 #include <fstream>
 #include <sstream>
 
-long MemoryProbe::parseResident(const std::string& status)
+long MemoryProbe::parseKilobytes(const std::string& status, const std::string& key)
 {
-    static const std::string key = "VmRSS:";
     size_t at = status.find(key);
     // The key must start a line, not end another key such as "XVmRSS:".
     while (at != std::string::npos && at != 0 && status[at - 1] != '\n')
@@ -34,12 +33,26 @@ long MemoryProbe::parseResident(const std::string& status)
     return kilobytes;
 }
 
-long MemoryProbe::residentKilobytes()
+namespace {
+
+long ownStatusFigure(const std::string& key)
 {
     std::ifstream file("/proc/self/status");
     if (!file)
         return -1;
     std::ostringstream text;
     text << file.rdbuf();
-    return parseResident(text.str());
+    return MemoryProbe::parseKilobytes(text.str(), key);
+}
+
+}
+
+long MemoryProbe::residentKilobytes()
+{
+    return ownStatusFigure("VmRSS:");
+}
+
+long MemoryProbe::peakKilobytes()
+{
+    return ownStatusFigure("VmHWM:");
 }

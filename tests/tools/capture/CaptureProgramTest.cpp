@@ -278,6 +278,8 @@ TEST_F(CaptureProgram, BenchJudgesEveryEntryBesideTheEmptyFrameAndWritesItsFrame
     EXPECT_TRUE(contains(run.out, "renderer: ")) << run.out;
     EXPECT_TRUE(contains(run.out, "empty frame (clear and swap)")) << run.out;
     EXPECT_TRUE(contains(run.out, "verdict: ")) << run.out;
+    EXPECT_TRUE(contains(run.out, "start-up: ")) << run.out;
+    EXPECT_TRUE(contains(run.out, "peak resident memory of the run: ")) << run.out;
     for (const Entry& entry : readSchedule())
         EXPECT_TRUE(contains(run.out, std::to_string(entry.number) + " " + entry.name)) << run.out;
     // Four frames: the run's first, then Islands starting under the white fade at 35.5 s.

@@ -28,10 +28,11 @@ bool parseWords(CaptureOptions& options, std::vector<const char*> words, std::st
 
 }
 
-TEST(MemoryProbeParse, ReadsTheFigureOfTheVmRSSLine)
+TEST(MemoryProbeParse, ReadsTheFigureOfTheVmRSSLineOrOfAnotherKey)
 {
     EXPECT_EQ(MemoryProbe::parseResident("Name:\tcat\nVmPeak:\t  9000 kB\nVmRSS:\t    1234 kB\nVmData: 5 kB\n"), 1234);
     EXPECT_EQ(MemoryProbe::parseResident("VmRSS: 0 kB"), 0);
+    EXPECT_EQ(MemoryProbe::parseKilobytes("VmHWM:\t 2345 kB\nVmRSS:\t 1234 kB\n", "VmHWM:"), 2345);
 }
 
 TEST(MemoryProbeParse, RefusesMissingOrMalformedFigures)
@@ -51,9 +52,11 @@ TEST(MemoryProbeParse, TheKeyMustStartALine)
     EXPECT_EQ(MemoryProbe::parseResident("XVmRSS:\t 7 kB\n"), -1);
 }
 
-TEST(MemoryProbeLive, ThisProcessHasAResidentSet)
+TEST(MemoryProbeLive, ThisProcessHasAResidentSetAndAPeakAtLeastAsHigh)
 {
-    EXPECT_GT(MemoryProbe::residentKilobytes(), 0);
+    const long resident = MemoryProbe::residentKilobytes();
+    EXPECT_GT(resident, 0);
+    EXPECT_GE(MemoryProbe::peakKilobytes(), resident);
 }
 
 TEST(MemoryReportLines, StartMarksLastSceneAndEnd)
