@@ -60,11 +60,17 @@ test-asan: asan-build
 schedule-asan: asan-build
 	$(XVFB) bash tests/schedule/run-schedule.sh $(ASAN)
 
-# Frame times per scene at two sizes under Xvfb; the figures name the renderer they ran on.
+# Frame times per scene at two sizes under Xvfb, each entry judged against the budget of its size; the figures
+# name the renderer they ran on. bench.csv holds every timed frame and bench.png draws them along the schedule.
 BENCH_FPS ?= 10
+BENCH_SIZES ?= 640x480 1280x720
 bench: build
-	cd $(BUILD) && for size in 640x480 1280x720; do \
-	  $(XVFB) ./velmora-capture --bench --fps $(BENCH_FPS) --size $$size || exit 1; echo; done
+	cd $(BUILD) && ./velmora-capture --list | awk '$$1 ~ /^[0-9]+$$/ {print $$2 "," $$3 "," $$5}' > bench-schedule.csv
+	cd $(BUILD) && for size in $(BENCH_SIZES); do \
+	  $(XVFB) ./velmora-capture --bench --fps $(BENCH_FPS) --size $$size --csv bench-$$size.csv || exit 1; echo; done
+	cd $(BUILD) && awk 'FNR > 1 || NR == 1' $(foreach size,$(BENCH_SIZES),bench-$(size).csv) > $(abspath bench.csv)
+	gnuplot -e "frames='bench.csv'; schedule='$(BUILD)/bench-schedule.csv'; out='bench.png'" scripts/bench-plot.gp
+	@echo "bench: wrote bench.csv and bench.png"
 
 # Half an hour of scene time, the schedule and then the black tail, at the demo's own size, with resident
 # memory printed along the way and a growth figure from the start of the last scene on (about five minutes).

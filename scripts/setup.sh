@@ -9,7 +9,7 @@ PACKAGES=(
   xvfb xauth xdotool
   zlib1g-dev libpng-dev libjpeg-dev libtiff-dev
   libfreetype-dev libftgl-dev fonts-dejavu-core
-  libopenmpt-dev ffmpeg
+  libopenmpt-dev ffmpeg gnuplot-nox
   clang libclang-rt-14-dev
 )
 
