@@ -65,7 +65,9 @@ schedule-asan: asan-build
 BENCH_FPS ?= 10
 BENCH_SIZES ?= 640x480 1280x720
 bench: build
-	cd $(BUILD) && ./velmora-capture --list | awk '$$1 ~ /^[0-9]+$$/ {print $$2 "," $$3 "," $$5}' > bench-schedule.csv
+	cd $(BUILD) && ./velmora-capture --list | awk '$$1 !~ /^[0-9]+$$/ {next} $$5 == "Fader" {print $$2 "," $$3 "," $$5; next} \
+	  {joined = ($$2 in names) ? names[$$2] "+" $$5 : $$5; names[$$2] = joined; ends[$$2] = $$3} \
+	  END {for (start in names) print start "," ends[start] "," names[start]}' > bench-schedule.csv
 	cd $(BUILD) && for size in $(BENCH_SIZES); do \
 	  $(XVFB) ./velmora-capture --bench --fps $(BENCH_FPS) --size $$size --csv bench-$$size.csv || exit 1; echo; done
 	cd $(BUILD) && awk 'FNR > 1 || NR == 1' $(foreach size,$(BENCH_SIZES),bench-$(size).csv) > $(abspath bench.csv)

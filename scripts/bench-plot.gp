@@ -1,6 +1,7 @@
 # Draws the bench's frame times along the schedule: gnuplot -e "frames='bench.csv'; schedule='schedule.csv'; out='bench.png'" bench-plot.gp
 # frames: the CSV of velmora-capture --bench --csv, one or more sizes (width,height,time_s,frame_ms,budget_ms,kind,...);
-# schedule: start,end,class per entry. Scene starts are marked, fades shaded, and each size's budget drawn.
+# schedule: start,end,class per entry, scenes starting together joined by "+". Scene starts are marked, fades
+# shaded, and each size's budget drawn.
 if (!exists("frames")) frames = "bench.csv"
 if (!exists("schedule")) schedule = "bench-schedule.csv"
 if (!exists("out")) out = "bench.png"
@@ -18,7 +19,7 @@ set yrange [ylow:yhigh]
 set xrange [-2:295]
 set xtics 10
 set grid ytics xtics lc rgb "#dddddd"
-set key top right opaque box
+set key below horizontal maxcols 6
 
 small = "#1f77b4"
 large = "#ff7f0e"
