@@ -35,9 +35,12 @@ bool CameraPathFile::write(const std::string& file, const char* camera, double s
     if (!out)
         return false;
     const std::unique_ptr<Lin3Track> position = track(seconds, framesPerSecond, step, eye);
-    const std::unique_ptr<Lin3Track> target = track(seconds, framesPerSecond, step, look);
     Chunk::writeTag(out, "CANI");
     Chunk::writeFloat(out, static_cast<float>(framesPerSecond));
     CameraAnimation::writeName(out, camera);
-    return position->save(out) && target->save(out) && Chunk::good(out);
+    if (!position->save(out))
+        return false;
+    if (look && !track(seconds, framesPerSecond, step, look)->save(out))
+        return false;
+    return Chunk::good(out);
 }

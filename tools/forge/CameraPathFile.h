@@ -11,7 +11,8 @@ public:
     using Path = std::function<Vec3(double seconds)>;
 
     // Writes the CANI chunk naming the camera: open tracks (no tension, continuity or bias) with a key
-    // every `step` frames from 0 to `seconds`, at `framesPerSecond`. False when the file cannot be written.
+    // every `step` frames from 0 to `seconds`, at `framesPerSecond`. An empty `look` writes the position
+    // track alone, as an object's path. False when the file cannot be written.
     static bool write(const std::string& file, const char* camera, double seconds, double framesPerSecond, int step,
                       const Path& eye, const Path& look);
 };

@@ -1,4 +1,4 @@
-// Polyline: distances summed as points are added, and a binary search for the span holding a distance.
+// Polyline: distances summed as points are added, a binary search for the span holding a distance.
 #include "Polyline.h"
 
 Polyline::Polyline(const Vec3& start) : points{start}, arc{0.0} {}
@@ -27,4 +27,18 @@ Vec3 Polyline::at(double s) const
     const double span = arc[hi] - arc[lo];
     const double t = span > 0.0 ? (s - arc[lo]) / span : 0.0;
     return points[lo] + (points[hi] - points[lo]) * t;
+}
+
+double Polyline::nearest(const Vec3& p) const
+{
+    size_t best = 0;
+    double bestDistance = (points[0] - p).length();
+    for (size_t i = 1; i < points.size(); ++i) {
+        const double d = (points[i] - p).length();
+        if (d < bestDistance) {
+            bestDistance = d;
+            best = i;
+        }
+    }
+    return arc[best];
 }

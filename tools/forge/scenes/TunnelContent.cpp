@@ -2,6 +2,7 @@
 // and the camera and ship flying along it, written as an octree and two animation paths.
 #include "TunnelContent.h"
 
+#include "CameraPathFile.h"
 #include "Forge.h"
 #include "Maths.h"
 #include "MeshFile.h"
@@ -10,17 +11,12 @@
 #include "TunnelArt.h"
 
 #include "math/Vector3.h"
-#include "scene/CameraAnimation.h"
-#include "scene/Lin3Key.h"
-#include "scene/Lin3Track.h"
 #include "scene/Mesh.h"
-#include "scene/object/Chunk.h"
 #include "texture/MaterialMgr.h"
 #include "texture/Texture.h"
 #include "texture/TextureMaterial.h"
 #include "tools/octree/OctreeBuilder.h"
 
-#include <fstream>
 #include <memory>
 
 namespace {
@@ -62,83 +58,44 @@ double bell(double x, double centre, double width)
     return Maths::exp(-d * d);
 }
 
-Vector3 toVector(const Vec3& v)
+// The curve through every waypoint: ends are extended by mirroring, so it runs through the first and last.
+Polyline centreLine()
 {
-    return Vector3(static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z));
-}
-
-// An open track with plain Catmull-Rom keys (no tension, continuity or bias), one key per step.
-std::unique_ptr<Lin3Track> track(const TunnelContent& content, Vec3 (TunnelContent::*at)(double) const)
-{
-    std::unique_ptr<Lin3Track> result(new Lin3Track());
-    const int frames = static_cast<int>(TunnelContent::SECONDS * TunnelContent::FRAMES_PER_SECOND);
-    for (int frame = 0; frame <= frames; frame += TunnelContent::KEY_STEP) {
-        const double t = frame / TunnelContent::FRAMES_PER_SECOND;
-        result->insertKey(new Lin3Key(static_cast<float>(frame), toVector((content.*at)(t))));
-    }
-    result->setup();
-    return result;
-}
-
-bool writeAnimation(const char* file, const char* name, Lin3Track* position, Lin3Track* target)
-{
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out)
-        return false;
-    Chunk::writeTag(out, "CANI");
-    Chunk::writeFloat(out, static_cast<float>(TunnelContent::FRAMES_PER_SECOND));
-    CameraAnimation::writeName(out, name);
-    if (!position->save(out))
-        return false;
-    if (target && !target->save(out))
-        return false;
-    return Chunk::good(out);
-}
-
-}
-
-TunnelContent::TunnelContent() : pathStart(0.0), pathEnd(0.0)
-{
-    // Ends are extended by mirroring, so the curve runs through the first and last waypoints.
+    Polyline line(WAYPOINTS[0]);
     for (int i = 0; i + 1 < WAYPOINT_COUNT; ++i) {
         const Vec3& p1 = WAYPOINTS[i];
         const Vec3& p2 = WAYPOINTS[i + 1];
         const Vec3 p0 = i > 0 ? WAYPOINTS[i - 1] : p1 * 2.0 - p2;
         const Vec3 p3 = i + 2 < WAYPOINT_COUNT ? WAYPOINTS[i + 2] : p2 * 2.0 - p1;
-        for (int k = 0; k < SAMPLES_PER_SPAN; ++k)
-            samples.push_back(catmullRom(p0, p1, p2, p3, static_cast<double>(k) / SAMPLES_PER_SPAN));
+        for (int k = i > 0 ? 0 : 1; k < SAMPLES_PER_SPAN; ++k)
+            line.add(catmullRom(p0, p1, p2, p3, static_cast<double>(k) / SAMPLES_PER_SPAN));
     }
-    samples.push_back(WAYPOINTS[WAYPOINT_COUNT - 1]);
-    arc.push_back(0.0);
-    for (size_t i = 1; i < samples.size(); ++i)
-        arc.push_back(arc.back() + (samples[i] - samples[i - 1]).length());
+    line.add(WAYPOINTS[WAYPOINT_COUNT - 1]);
+    return line;
+}
 
-    for (size_t i = 0; i < samples.size(); ++i) {
-        if (samples[i].x <= CAMERA_START_X)
-            pathStart = arc[i];
-        if (samples[i].x <= CAMERA_END_X)
-            pathEnd = arc[i];
+// The path's key layout, the same for every track of the scene.
+bool writePath(const char* file, const char* name, const CameraPathFile::Path& at, const CameraPathFile::Path& look)
+{
+    return CameraPathFile::write(file, name, TunnelContent::SECONDS, TunnelContent::FRAMES_PER_SECOND,
+                                 TunnelContent::KEY_STEP, at, look);
+}
+
+}
+
+TunnelContent::TunnelContent() : line(centreLine()), pathStart(0.0), pathEnd(0.0)
+{
+    for (size_t i = 0; i < line.size(); ++i) {
+        if (line.point(i).x <= CAMERA_START_X)
+            pathStart = line.distance(i);
+        if (line.point(i).x <= CAMERA_END_X)
+            pathEnd = line.distance(i);
     }
 }
 
 Vec3 TunnelContent::centre(double s) const
 {
-    if (s <= 0.0)
-        return samples.front();
-    if (s >= length())
-        return samples.back();
-    size_t lo = 0;
-    size_t hi = arc.size() - 1;
-    while (hi - lo > 1) {
-        const size_t mid = (lo + hi) / 2;
-        if (arc[mid] <= s)
-            lo = mid;
-        else
-            hi = mid;
-    }
-    const double span = arc[hi] - arc[lo];
-    const double t = span > 0.0 ? (s - arc[lo]) / span : 0.0;
-    return samples[lo] + (samples[hi] - samples[lo]) * t;
+    return line.at(s);
 }
 
 void TunnelContent::frame(double s, Vec3& forward, Vec3& side, Vec3& up) const
@@ -188,16 +145,7 @@ Vec3 TunnelContent::wall(double s, double theta) const
 
 double TunnelContent::nearest(const Vec3& p) const
 {
-    size_t best = 0;
-    double bestDistance = (samples[0] - p).length();
-    for (size_t i = 1; i < samples.size(); ++i) {
-        const double d = (samples[i] - p).length();
-        if (d < bestDistance) {
-            bestDistance = d;
-            best = i;
-        }
-    }
-    return arc[best];
+    return line.nearest(p);
 }
 
 double TunnelContent::clearance(const Vec3& p) const
@@ -280,15 +228,14 @@ bool TunnelContent::writeTunnel(const char* file) const
 
 bool TunnelContent::writeCamera(const char* file) const
 {
-    std::unique_ptr<Lin3Track> position = track(*this, &TunnelContent::cameraAt);
-    std::unique_ptr<Lin3Track> target = track(*this, &TunnelContent::targetAt);
-    return writeAnimation(file, TunnelLayout::CAMERA_NAME, position.get(), target.get());
+    return writePath(
+        file, TunnelLayout::CAMERA_NAME, [this](double t) { return cameraAt(t); },
+        [this](double t) { return targetAt(t); });
 }
 
 bool TunnelContent::writeShip(const char* file) const
 {
-    std::unique_ptr<Lin3Track> position = track(*this, &TunnelContent::shipAt);
-    return writeAnimation(file, "ship", position.get(), nullptr);
+    return writePath(file, "ship", [this](double t) { return shipAt(t); }, nullptr);
 }
 
 bool TunnelContent::objects(Forge& forge)

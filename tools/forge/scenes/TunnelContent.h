@@ -3,6 +3,7 @@
 
 #include "ContentUnit.h"
 #include "MeshBuilder.h"
+#include "Polyline.h"
 
 #include "effects/TunnelLayout.h"
 
@@ -35,7 +36,7 @@ public:
 
     // The centre line by distance along it, from 0 to length().
     Vec3 centre(double s) const;
-    double length() const { return arc.back(); }
+    double length() const { return line.length(); }
     // Forward, and the side and up directions square to it (up leans towards +y).
     void frame(double s, Vec3& forward, Vec3& side, Vec3& up) const;
     // Wall distance from the centre line at s, around the angle theta (0 along side, pi/2 up).
@@ -70,8 +71,7 @@ private:
     // Roughness falls away near the fan so its holder stands on the floor.
     double roughness(const Vec3& c) const;
 
-    std::vector<Vec3> samples;
-    std::vector<double> arc;
+    Polyline line;
     double pathStart;
     double pathEnd;
 };

@@ -2,6 +2,7 @@
 // along it up to the break, one slab of the breaking stretch, the camera's and ship's flights, and the pictures.
 #include "TunnelExitContent.h"
 
+#include "CameraPathFile.h"
 #include "Forge.h"
 #include "Maths.h"
 #include "MeshFile.h"
@@ -9,17 +10,12 @@
 #include "TunnelExitArt.h"
 
 #include "math/Vector3.h"
-#include "scene/CameraAnimation.h"
-#include "scene/Lin3Key.h"
-#include "scene/Lin3Track.h"
 #include "scene/Mesh.h"
 #include "scene/VertexArray.h"
-#include "scene/object/Chunk.h"
 #include "texture/MaterialMgr.h"
 #include "tools/octree/OctreeBuilder.h"
 
 #include <algorithm>
-#include <fstream>
 #include <memory>
 
 namespace {
@@ -57,11 +53,6 @@ Vec3 toVec3(const Vector3& v)
     return Vec3{v.x, v.y, v.z};
 }
 
-Vector3 toVector(const Vec3& v)
-{
-    return Vector3(static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z));
-}
-
 // The integral of smoothstep(a, b, x) from a to t.
 double smoothstepIntegral(double a, double b, double t)
 {
@@ -73,32 +64,11 @@ double smoothstepIntegral(double a, double b, double t)
     return (b - a) * (u * u * u - 0.5 * u * u * u * u);
 }
 
-// An open track with plain Catmull-Rom keys, one every KEY_STEP frames over the scene.
-std::unique_ptr<Lin3Track> track(const TunnelExitContent& content, Vec3 (TunnelExitContent::*at)(double) const)
+// The path's key layout, the same for every track of the scene.
+bool writePath(const char* file, const char* name, const CameraPathFile::Path& at, const CameraPathFile::Path& look)
 {
-    std::unique_ptr<Lin3Track> result(new Lin3Track());
-    const int frames = static_cast<int>(SECONDS * TunnelExitContent::FRAMES_PER_SECOND);
-    for (int frame = 0; frame <= frames; frame += TunnelExitContent::KEY_STEP) {
-        const double t = frame / TunnelExitContent::FRAMES_PER_SECOND;
-        result->insertKey(new Lin3Key(static_cast<float>(frame), toVector((content.*at)(t))));
-    }
-    result->setup();
-    return result;
-}
-
-bool writeAnimation(const char* file, const char* name, Lin3Track* position, Lin3Track* target)
-{
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out)
-        return false;
-    Chunk::writeTag(out, "CANI");
-    Chunk::writeFloat(out, static_cast<float>(TunnelExitContent::FRAMES_PER_SECOND));
-    CameraAnimation::writeName(out, name);
-    if (!position->save(out))
-        return false;
-    if (target && !target->save(out))
-        return false;
-    return Chunk::good(out);
+    return CameraPathFile::write(file, name, SECONDS, TunnelExitContent::FRAMES_PER_SECOND,
+                                 TunnelExitContent::KEY_STEP, at, look);
 }
 
 // Quads between two matching lines of points, wound to face along `facing`.
@@ -373,15 +343,13 @@ bool TunnelExitContent::writeTunnel(const char* file) const
 
 bool TunnelExitContent::writeCamera(const char* file) const
 {
-    std::unique_ptr<Lin3Track> position = track(*this, &TunnelExitContent::cameraAt);
-    std::unique_ptr<Lin3Track> target = track(*this, &TunnelExitContent::targetAt);
-    return writeAnimation(file, CAMERA_NAME, position.get(), target.get());
+    return writePath(
+        file, CAMERA_NAME, [this](double t) { return cameraAt(t); }, [this](double t) { return targetAt(t); });
 }
 
 bool TunnelExitContent::writeShip(const char* file) const
 {
-    std::unique_ptr<Lin3Track> position = track(*this, &TunnelExitContent::shipAt);
-    return writeAnimation(file, "ship", position.get(), nullptr);
+    return writePath(file, "ship", [this](double t) { return shipAt(t); }, nullptr);
 }
 
 bool TunnelExitContent::pictures(Forge& forge) const
