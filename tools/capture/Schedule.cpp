@@ -66,7 +66,7 @@ std::string Schedule::scenesAt(double seconds) const
 
 double Schedule::stillTime(const ScheduleEntry& entry)
 {
-    const double share = isFade(entry) ? 0.25 : 0.5;
+    const double share = isFade(entry) ? 0.75 : 0.5;
     return entry.start + (static_cast<double>(entry.end) - entry.start) * share;
 }
 

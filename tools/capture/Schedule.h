@@ -30,8 +30,8 @@ public:
 
     // The scenes running at `seconds`, fades left out, joined with " + "; "no scene" where none runs.
     std::string scenesAt(double seconds) const;
-    // The moment that shows an entry best: the middle of a scene; a quarter into a fade, where what it
-    // covers still shows through (at its middle a fade is its plain colour).
+    // The moment that shows an entry best: the middle of a scene; three quarters into a fade, where the scene
+    // it opens shows through (at its middle a fade is its plain colour, and a scene may end in black under it).
     static double stillTime(const ScheduleEntry& entry);
     // Fades cover scene cuts; they are no scenes of their own.
     static bool isFade(const ScheduleEntry& entry) { return entry.name == FADE_CLASS; }

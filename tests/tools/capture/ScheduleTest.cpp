@@ -28,11 +28,11 @@ TEST(ScheduleScenes, FadesAreLeftOutAndSpansEndBeforeTheirEnd)
     EXPECT_DOUBLE_EQ(schedule.getEnd(), 20.0);
 }
 
-TEST(ScheduleStills, AScenesMiddleAndAFadeQuarterWay)
+TEST(ScheduleStills, AScenesMiddleAndAFadeThreeQuartersIn)
 {
     const Schedule schedule = sample();
     EXPECT_DOUBLE_EQ(Schedule::stillTime(schedule.getEntries()[0]), 4.4375);
-    EXPECT_DOUBLE_EQ(Schedule::stillTime(schedule.getEntries()[1]), 8.5);
+    EXPECT_DOUBLE_EQ(Schedule::stillTime(schedule.getEntries()[1]), 9.5);
     EXPECT_TRUE(Schedule::isFade(schedule.getEntries()[1]));
     EXPECT_FALSE(Schedule::isFade(schedule.getEntries()[2]));
 }
