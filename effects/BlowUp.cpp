@@ -6,7 +6,6 @@
 #include "effects/Dice.h"
 #include "effects/OwnLights.h"
 #include "effects/SceneKit.h"
-#include "effects/SharedLayout.h"
 
 #include "gl/GLF_checkError.h"
 #include "gl/OrthoView.h"
@@ -15,7 +14,6 @@
 #include "scene/CameraMgr.h"
 #include "scene/Light.h"
 #include "scene/LightMgr.h"
-#include "texture/Material.h"
 #include "texture/TextureMaterial.h"
 
 #include <GL/gl.h>
@@ -68,13 +66,22 @@ float smoothstep(float a, float b, float x)
 }  // namespace
 
 BlowUp::BlowUp(short layer, const EffectTimer& timer)
-    : Effect(layer, timer), kaboom(ZERO), cameraAnimation(nullptr), glow(nullptr)
+    : Effect(layer, timer), kaboom(ZERO), cityCamera(CAMERA), rehearsed(false)
 {
 }
 
-BlowUp::~BlowUp()
+BlowUp::~BlowUp() = default;
+
+bool BlowUp::preload()
 {
-    delete cameraAnimation;
+    const bool loaded =
+        block.loadNext(SCENE) || street.loadNext(SCENE) || kaboom.loadNext(SCENE) || cityCamera.loadNext(SCENE);
+    if (loaded)
+        return true;
+    if (rehearsed)
+        return false;
+    rehearse();
+    return false;
 }
 
 Color BlowUp::cityTint(float t)
@@ -136,33 +143,25 @@ void BlowUp::initiate()
     block.load(SCENE);
     street.load(SCENE);
     kaboom.load(SCENE);
-    glow = SceneKit::findOrMakeMaterial("CityGlow", SharedLayout::PARTICLE, Material::overlay, Material::blendAdd);
-    if (!glow->getTexture())
-        glow = nullptr;
-    delete cameraAnimation;
-    cameraAnimation = CityCamera::start(SCENE, CAMERA);
+    if (!rehearsed)
+        rehearse();
+    cityCamera.start(SCENE);
     SceneKit::directionalLight(SKY_LIGHT, SKY);
     SceneKit::directionalLight(FIRE_LIGHT, FIRE_GLOW)->turnOff();
     street.update(CITY_SECONDS, Vector3());
-    rehearse();
 }
 
 void BlowUp::rehearse()
 {
-    // The software renderer builds its code for each new way of drawing the first time it meets it. The
-    // blast brings several at once; met here, where the scene starts, they do not stall the crash. The
-    // frame is cleared before anything of it is shown.
-    const Camera* camera = CameraMgr::getHandle()->getActiveCamera();
-    if (!camera)
-        return;
-    const float during = 1.0f;
-    {
-        static const char* const ours[] = {SKY_LIGHT, FIRE_LIGHT, nullptr};
-        const OwnLights only(ours);
-        kaboom.drawPieces(*camera, during);
-    }
-    kaboom.draw(*camera, during);
-    drawFlash(0.02f);
+    // The blast brings several new ways of drawing at once: met before the scene starts, or as it starts when it
+    // was started without its preload steps, they do not stall the crash.
+    rehearsed = true;
+    street.update(CITY_SECONDS, Vector3());
+    cityCamera.rehearse(FOG_START, FOG_END, {{SKY_LIGHT, SKY}, {FIRE_LIGHT, FIRE_GLOW}}, [this](const Camera& camera) {
+        // The light gathering before the crash, and the blast after it.
+        draw(camera, static_cast<float>(CRASH) - 1.0f);
+        draw(camera, static_cast<float>(CRASH) + 1.0f);
+    });
 }
 
 void BlowUp::update(float seconds)
@@ -170,8 +169,9 @@ void BlowUp::update(float seconds)
     updateTimer(seconds);
     const float t = getTime();
     Camera* camera = CameraMgr::getHandle()->find(CAMERA_NAME);
-    if (cameraAnimation)
-        cameraAnimation->update(seconds);
+    CameraAnimation* path = cityCamera.getPath();
+    if (path)
+        path->update(seconds);
     else if (camera)
         camera->lookAt(REST_EYE, REST_TARGET);
     if (camera) {
@@ -179,7 +179,7 @@ void BlowUp::update(float seconds)
         camera->setPosition(camera->getPosition() + offset);
         camera->setDirection(camera->getTarget() + offset * 0.5f);
     }
-    street.update(CITY_SECONDS + t, CityCamera::travel(cameraAnimation, OneWayStreet::TRAIL_SECONDS));
+    street.update(CITY_SECONDS + t, cityCamera.travel(OneWayStreet::TRAIL_SECONDS));
     const float since = t - static_cast<float>(CRASH);
     street.setDarkness(ZERO, since < 0.0f ? -1.0f : Kaboom::shockRadius(since));
     // The fire lights the flying pieces from ground zero's side.
@@ -193,13 +193,14 @@ void BlowUp::update(float seconds)
     }
 }
 
-void BlowUp::drawCharge(const Camera& camera)
+void BlowUp::drawCharge(const Camera& camera, float t)
 {
-    const float c = charge(getTime());
+    const float c = charge(t);
+    TextureMaterial* glow = street.getGlow();
     if (!glow || c <= 0.0f)
         return;
     // A light swelling at the crossing and a pillar of it rising, throbbing with the fill.
-    const float beat = static_cast<int>(getTime() * 8.0f) % 2 ? 0.75f : 1.0f;
+    const float beat = static_cast<int>(t * 8.0f) % 2 ? 0.75f : 1.0f;
     const Vector3 right = camera.getU();
     const Vector3 up = camera.getV();
     const Vector3 heart = ZERO + Vector3(0.0f, 6.0f, 0.0f);
@@ -261,22 +262,25 @@ void BlowUp::drawFlash(float white)
 void BlowUp::display()
 {
     const Camera* camera = CameraMgr::getHandle()->getActiveCamera();
-    if (!camera)
-        return;
-    const float t = getTime();
+    if (camera)
+        draw(*camera, getTime());
+}
+
+void BlowUp::draw(const Camera& camera, float t)
+{
     const float night = nightLight(t);
     CityBlock::setNightLight(night);
-    block.draw(*camera, cityTint(t));
-    CityBlock::drawSurroundings(*camera, night);
+    block.draw(camera, cityTint(t));
+    CityBlock::drawSurroundings(camera, night);
     static const char* const ours[] = {SKY_LIGHT, FIRE_LIGHT, nullptr};
     {
         const OwnLights only(ours);
-        street.drawCars(*camera);
-        kaboom.drawPieces(*camera, t - static_cast<float>(CRASH));
+        street.drawCars(camera);
+        kaboom.drawPieces(camera, t - static_cast<float>(CRASH));
     }
-    street.drawLights(*camera);
-    drawCharge(*camera);
-    kaboom.draw(*camera, t - static_cast<float>(CRASH));
+    street.drawLights(camera);
+    drawCharge(camera, t);
+    kaboom.draw(camera, t - static_cast<float>(CRASH));
     drawFlash(flash(t));
     GLF_checkError("BlowUp:display()");
 }
@@ -286,9 +290,8 @@ void BlowUp::shutdown()
     block.release();
     street.release();
     kaboom.release();
-    glow = nullptr;
-    delete cameraAnimation;
-    cameraAnimation = nullptr;
+    rehearsed = false;
+    cityCamera.release();
     CityBlock::endNight();
     LightMgr::getHandle()->remove(SKY_LIGHT);
     LightMgr::getHandle()->remove(FIRE_LIGHT);

@@ -3,6 +3,7 @@
 
 #include "effects/BlowUpLayout.h"
 #include "effects/CityBlock.h"
+#include "effects/CityCamera.h"
 #include "effects/Kaboom.h"
 #include "effects/OneWayStreet.h"
 #include "math/Color.h"
@@ -11,7 +12,6 @@
 
 class Camera;
 class CameraAnimation;
-class TextureMaterial;
 
 class BlowUp : public Effect {
 public:
@@ -20,7 +20,11 @@ public:
     BlowUp(const BlowUp&) = delete;
     BlowUp& operator=(const BlowUp&) = delete;
 
+    // Loads what preload left, draws the scene once unseen if preload did not, then sets the blast up.
     void initiate() override;
+    // The block (the street's, while the street holds it), the car and the lights' pictures, the debris and the
+    // blast's pictures, the camera's path: one a call.
+    bool preload() override;
     void shutdown() override;
     void update(float seconds) override;
     void display() override;
@@ -29,7 +33,7 @@ public:
     float getTime() const { return timer.getCurrent() - timer.getStart(); }
     const CityBlock& getBlock() const { return block; }
     const Kaboom& getKaboom() const { return kaboom; }
-    const CameraAnimation* getCameraAnimation() const { return cameraAnimation; }
+    const CameraAnimation* getCameraAnimation() const { return cityCamera.getPath(); }
 
     // What the city looks like t seconds into the scene: its colour (flickering in the fill, fire-lit
     // after the crash and darkening), how much white covers the screen, and how far the camera is
@@ -43,14 +47,16 @@ public:
     static float charge(float t);
 
 private:
-    void drawCharge(const Camera& camera);
+    // The scene t seconds in, seen by the camera.
+    void draw(const Camera& camera, float t);
+    void drawCharge(const Camera& camera, float t);
     void drawFlash(float white);
-    // Draws the blast's pieces once, unseen, as the scene starts.
+    // Draws the scene once unseen, before the crash and after it, from where the camera rests.
     void rehearse();
 
     CityBlock block;
     OneWayStreet street;
     Kaboom kaboom;
-    CameraAnimation* cameraAnimation;
-    TextureMaterial* glow;
+    CityCamera cityCamera;
+    bool rehearsed;
 };

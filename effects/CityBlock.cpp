@@ -3,6 +3,7 @@
 
 #include "effects/SceneKit.h"
 
+#include "gl/TextureStateKeeper.h"
 #include "scene/Camera.h"
 #include "scene/Face.h"
 #include "scene/FaceArray.h"
@@ -60,16 +61,17 @@ bool detail(int surface)
 }
 
 // The picture with its smaller levels made by GL from the cached one, so the facades do not sparkle down
-// the streets; a single level is sampled, which costs less to draw than blending two.
+// the streets; a single level is sampled, which costs less to draw than blending two. Made while another scene
+// draws, its texture state is left as found.
 Texture* mipmapped(Texture* texture)
 {
+    const TextureStateKeeper kept;
     texture->upload();
     glBindTexture(GL_TEXTURE_2D, texture->getGLName());
     glTexParameteri(GL_TEXTURE_2D, GL_GENERATE_MIPMAP, GL_TRUE);
     texture->updateSubTex();
     glBindTexture(GL_TEXTURE_2D, texture->getGLName());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST_MIPMAP_NEAREST);
-    glBindTexture(GL_TEXTURE_2D, 0);
     return texture;
 }
 
@@ -102,6 +104,8 @@ struct CityBlock::Data {
     // The pictures that could not be read, reported again by each scene that shares the block.
     std::vector<const char*> missing;
 
+    // A surface's picture with its smaller levels, or the surface reported missing.
+    void loadSurface(int surface, const char* scene);
     void index();
     int surfaceOf(const Face& face) const;
 };
@@ -111,57 +115,84 @@ std::weak_ptr<CityBlock::Data> CityBlock::shared;
 const Color CityBlock::ZENITH(0.008f, 0.01f, 0.035f, 1.0f);
 const Color CityBlock::HORIZON(0.15f, 0.075f, 0.14f, 1.0f);
 
-CityBlock::CityBlock() : visibleCount(0), drawnFaces(0) {}
+CityBlock::CityBlock() : tried(0), visibleCount(0), drawnFaces(0) {}
 
 CityBlock::~CityBlock()
 {
     release();
 }
 
-bool CityBlock::load(const char* scene)
+bool CityBlock::loadNext(const char* scene)
 {
-    release();
-    data = shared.lock();
-    if (data) {
-        for (const char* file : data->missing)
-            std::cerr << SceneKit::missingMessage(scene, file);
-    } else {
-        data = loadData(scene);
-    }
-    if (!data)
+    if (triedAll())
         return false;
-    visible.assign(static_cast<size_t>(data->leafCount), 0);
+    if (tried == 0) {
+        std::shared_ptr<Data> held = shared.lock();
+        if (held) {
+            for (const char* file : held->missing)
+                std::cerr << SceneKit::missingMessage(scene, file);
+            adopt(held);
+            tried = PIECES;
+            return true;
+        }
+        loading = std::make_shared<Data>();
+    }
+    loadPiece(tried++, scene);
     return true;
 }
 
-std::shared_ptr<CityBlock::Data> CityBlock::loadData(const char* scene)
+void CityBlock::loadPiece(int piece, const char* scene)
 {
-    std::shared_ptr<Data> loaded = std::make_shared<Data>();
-    for (int s = 0; s < SURFACE_COUNT; ++s) {
-        const TextureFile& picture = SURFACES[s].picture;
-        Texture* texture = SceneKit::loadTexture(picture);
-        if (!texture || !texture->getDataPtr()) {
-            std::cerr << SceneKit::missingMessage(scene, picture.file);
-            loaded->missing.push_back(picture.file);
-            continue;
-        }
-        loaded->materials[s].reset(new TextureMaterial(SURFACES[s].material));
-        loaded->materials[s]->setTexture(mipmapped(texture));
-        loaded->materials[s]->setFlags(Material::textured);
-        loaded->materials[s]->setBlendMode(Material::blendNone);
+    if (piece < OCTREE_PIECE) {
+        loading->loadSurface(piece, scene);
+        return;
+    }
+    if (piece == OCTREE_PIECE) {
+        loading->octree.reset(SceneKit::loadOrReport<Octree>(scene, OCTREE));
+        return;
     }
     // A block that did not load is not shared: the next scene tries again and says so in its name.
-    loaded->octree.reset(SceneKit::loadOrReport<Octree>(scene, OCTREE));
-    if (!loaded->octree)
-        return nullptr;
-    loaded->index();
-    shared = loaded;
-    return loaded;
+    if (loading->octree) {
+        loading->index();
+        shared = loading;
+        adopt(loading);
+    }
+    loading.reset();
+}
+
+bool CityBlock::load(const char* scene)
+{
+    while (loadNext(scene)) {
+    }
+    return data != nullptr;
+}
+
+void CityBlock::adopt(const std::shared_ptr<Data>& block)
+{
+    data = block;
+    visible.assign(static_cast<size_t>(data->leafCount), 0);
+}
+
+void CityBlock::Data::loadSurface(int s, const char* scene)
+{
+    const TextureFile& picture = SURFACES[s].picture;
+    Texture* texture = SceneKit::loadTexture(picture);
+    if (!texture || !texture->getDataPtr()) {
+        std::cerr << SceneKit::missingMessage(scene, picture.file);
+        missing.push_back(picture.file);
+        return;
+    }
+    materials[s].reset(new TextureMaterial(SURFACES[s].material));
+    materials[s]->setTexture(mipmapped(texture));
+    materials[s]->setFlags(Material::textured);
+    materials[s]->setBlendMode(Material::blendNone);
 }
 
 void CityBlock::release()
 {
     data.reset();
+    loading.reset();
+    tried = 0;
     visible.clear();
     visibleCount = 0;
     drawnFaces = 0;

@@ -27,10 +27,14 @@ public:
     CityBlock(const CityBlock&) = delete;
     CityBlock& operator=(const CityBlock&) = delete;
 
-    // Loads the octree and the pictures of its surfaces, or shares them with a scene that has them
-    // loaded already (the blast follows the street without a second load). A missing piece is reported
-    // in the scene's name; without the octree nothing is drawn, without a picture its surface takes a
-    // plain colour.
+    // The octree and the pictures of its surfaces, shared with a scene that holds them already (the blast
+    // follows the street without a second load). A missing piece is reported once in the scene's name;
+    // without the octree nothing is drawn, without a picture its surface takes a plain colour.
+    // loadNext loads one piece ahead of the scene's start (a picture, the octree, its index; or the block
+    // another scene holds), keeping the texture state of the scene drawing meanwhile; false when every
+    // piece had been tried. load loads what is left and readies the block for drawing.
+    bool loadNext(const char* scene);
+    bool triedAll() const { return tried == PIECES; }
     bool load(const char* scene);
     void release();
 
@@ -62,15 +66,22 @@ public:
 
 private:
     struct Data;
+    // The pictures, then the octree, then its index.
+    enum { OCTREE_PIECE = CityLayout::SURFACE_COUNT, INDEX_PIECE, PIECES };
 
-    static std::shared_ptr<Data> loadData(const char* scene);
+    void loadPiece(int piece, const char* scene);
+    // Draws this block from now on.
+    void adopt(const std::shared_ptr<Data>& block);
     // One draw of `count` indices from `from`, binding the surface first if it is not yet.
     void drawRun(int surface, int from, int count, const Color& tint, bool& bound);
 
     // The block while some scene holds it.
     static std::weak_ptr<Data> shared;
 
+    // The block ready to draw, and the one this block is loading piece by piece.
     std::shared_ptr<Data> data;
+    std::shared_ptr<Data> loading;
+    int tried;
     // The leaves in view this frame, and the faces drawn.
     std::vector<int> visible;
     int visibleCount;

@@ -49,13 +49,21 @@ const SceneKit::LightSetup STREET = {Vector3(-0.4f, 1.0f, -0.2f),
 
 }  // namespace
 
-CityStreet::CityStreet(short layer, const EffectTimer& timer) : Effect(layer, timer), lap(0.0), cameraAnimation(nullptr)
+CityStreet::CityStreet(short layer, const EffectTimer& timer)
+    : Effect(layer, timer), lap(0.0), cityCamera(CAMERA), rehearsed(false)
 {
 }
 
-CityStreet::~CityStreet()
+CityStreet::~CityStreet() = default;
+
+bool CityStreet::preload()
 {
-    delete cameraAnimation;
+    const bool loaded = block.loadNext(SCENE) || street.loadNext(SCENE) || cityCamera.loadNext(SCENE);
+    if (loaded)
+        return true;
+    if (!rehearsed)
+        rehearse();
+    return false;
 }
 
 void CityStreet::initiate()
@@ -63,8 +71,7 @@ void CityStreet::initiate()
     CityBlock::setupNight(FOG_START, FOG_END);
     block.load(SCENE);
     street.load(SCENE);
-    delete cameraAnimation;
-    cameraAnimation = CityCamera::start(SCENE, CAMERA);
+    cityCamera.start(SCENE);
     SceneKit::directionalLight(MOON_LIGHT, MOON);
     SceneKit::directionalLight(STREET_LIGHT, STREET);
     lap = 0.0;
@@ -79,19 +86,20 @@ void CityStreet::update(float seconds)
     const bool over = lap >= SECONDS;
     if (over)
         lap = std::fmod(lap, SECONDS);
-    if (cameraAnimation && over) {
-        cameraAnimation->setFrame(0);
-        cameraAnimation->update(static_cast<float>(lap));
-    } else if (cameraAnimation) {
-        cameraAnimation->update(seconds);
+    CameraAnimation* path = cityCamera.getPath();
+    if (path && over) {
+        path->setFrame(0);
+        path->update(static_cast<float>(lap));
+    } else if (path) {
+        path->update(seconds);
     }
     Camera* camera = CameraMgr::getHandle()->find(CAMERA_NAME);
-    if (camera && cameraAnimation) {
+    if (camera && path) {
         const Vector3 jolt(0.0f, -bounce(lap), 0.0f);
         camera->setPosition(camera->getPosition() + jolt);
         camera->setDirection(camera->getTarget() + jolt);
     }
-    street.update(lap, CityCamera::travel(cameraAnimation, OneWayStreet::TRAIL_SECONDS));
+    street.update(lap, cityCamera.travel(OneWayStreet::TRAIL_SECONDS));
 }
 
 float CityStreet::bounce(double t)
@@ -102,19 +110,31 @@ float CityStreet::bounce(double t)
     return static_cast<float>(0.06 * std::exp(-12.0 * beat) + 0.3 * std::exp(-5.0 * crash));
 }
 
+void CityStreet::rehearse()
+{
+    rehearsed = true;
+    street.update(0.0, Vector3());
+    cityCamera.rehearse(FOG_START, FOG_END, {{MOON_LIGHT, MOON}, {STREET_LIGHT, STREET}},
+                        [this](const Camera& camera) { draw(camera); });
+}
+
 void CityStreet::display()
 {
     const Camera* camera = CameraMgr::getHandle()->getActiveCamera();
-    if (!camera)
-        return;
-    block.draw(*camera, Color(1.0f, 1.0f, 1.0f, 1.0f));
-    CityBlock::drawSurroundings(*camera, 1.0f);
+    if (camera)
+        draw(*camera);
+}
+
+void CityStreet::draw(const Camera& camera)
+{
+    block.draw(camera, Color(1.0f, 1.0f, 1.0f, 1.0f));
+    CityBlock::drawSurroundings(camera, 1.0f);
     {
         static const char* const ours[] = {MOON_LIGHT, STREET_LIGHT, nullptr};
         const OwnLights only(ours);
-        street.drawCars(*camera);
+        street.drawCars(camera);
     }
-    street.drawLights(*camera);
+    street.drawLights(camera);
     GLF_checkError("CityStreet:display()");
 }
 
@@ -122,8 +142,8 @@ void CityStreet::shutdown()
 {
     block.release();
     street.release();
-    delete cameraAnimation;
-    cameraAnimation = nullptr;
+    cityCamera.release();
+    rehearsed = false;
     CityBlock::endNight();
     LightMgr::getHandle()->remove(MOON_LIGHT);
     LightMgr::getHandle()->remove(STREET_LIGHT);

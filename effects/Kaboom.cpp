@@ -17,7 +17,6 @@
 #include <GL/gl.h>
 #include <algorithm>
 #include <cmath>
-#include <iostream>
 
 namespace {
 
@@ -45,6 +44,19 @@ const float CORE_SECONDS = 1.2f;
 const uint32_t FIRE_SEED = 0xf12eu;
 const uint32_t SMOKE_SEED = 0x5303u;
 const uint32_t PIECE_SEED = 0xdeb1u;
+
+// The looks of fire, smoke and shock.
+struct Look {
+    const char* material;
+    TextureFile picture;
+    int blend;
+};
+const Look LOOKS[] = {
+    {"BlastFire", FIRE, Material::blendAdd},
+    {"BlastSmoke", SMOKE, Material::blendAlpha},
+    {"BlastShock", SHOCK, Material::blendAdd},
+};
+const int LOOK_COUNT = static_cast<int>(sizeof LOOKS / sizeof LOOKS[0]);
 
 // A unit vector from two draws: any direction with y at least `lowest`.
 Vector3 direction(int a, uint32_t seed, float lowest)
@@ -95,7 +107,8 @@ void sprite(const Kaboom::Sprite& s, const Vector3& right, const Vector3& up)
 
 }  // namespace
 
-Kaboom::Kaboom(const Vector3& centre_) : centre(centre_), debris(), flame(nullptr), fume(nullptr), shock(nullptr)
+Kaboom::Kaboom(const Vector3& centre_)
+    : centre(centre_), debris(), flame(nullptr), fume(nullptr), shock(nullptr), tried(0)
 {
     planFire();
     planSmoke();
@@ -252,27 +265,31 @@ bool Kaboom::smokePuff(size_t i, float t, Sprite& s) const
     return true;
 }
 
+bool Kaboom::triedAll() const
+{
+    return tried == DEBRIS_KINDS + LOOK_COUNT;
+}
+
+bool Kaboom::loadNext(const char* scene)
+{
+    if (triedAll())
+        return false;
+    const int piece = tried++;
+    if (piece < DEBRIS_KINDS) {
+        debris[piece] = SceneKit::loadOrReport<Mesh>(scene, DEBRIS_MESHES[piece]);
+        return true;
+    }
+    const int k = piece - DEBRIS_KINDS;
+    TextureMaterial** const materials[] = {&flame, &fume, &shock};
+    static_assert(sizeof materials / sizeof materials[0] == LOOK_COUNT, "a material for every look");
+    SceneKit::loadTextureAhead(LOOKS[k].picture);
+    *materials[k] = SceneKit::overlayOrReport(scene, LOOKS[k].material, LOOKS[k].picture, LOOKS[k].blend);
+    return true;
+}
+
 void Kaboom::load(const char* scene)
 {
-    release();
-    for (int k = 0; k < DEBRIS_KINDS; ++k)
-        debris[k] = SceneKit::loadOrReport<Mesh>(scene, DEBRIS_MESHES[k]);
-    const struct {
-        TextureMaterial** material;
-        const char* name;
-        TextureFile picture;
-        int blend;
-    } looks[] = {
-        {&flame, "BlastFire", FIRE, Material::blendAdd},
-        {&fume, "BlastSmoke", SMOKE, Material::blendAlpha},
-        {&shock, "BlastShock", SHOCK, Material::blendAdd},
-    };
-    for (const auto& look : looks) {
-        *look.material = SceneKit::findOrMakeMaterial(look.name, look.picture, Material::overlay, look.blend);
-        if ((*look.material)->getTexture())
-            continue;
-        std::cerr << SceneKit::missingMessage(scene, look.picture.file);
-        *look.material = nullptr;
+    while (loadNext(scene)) {
     }
 }
 
@@ -286,6 +303,7 @@ void Kaboom::release()
     flame = nullptr;
     fume = nullptr;
     shock = nullptr;
+    tried = 0;
 }
 
 void Kaboom::draw(const Camera& camera, float t)

@@ -74,7 +74,11 @@ public:
     bool firePuff(size_t i, float t, Sprite& sprite) const;
     bool smokePuff(size_t i, float t, Sprite& sprite) const;
 
-    // The debris meshes and the pictures; each missing piece is reported once in the scene's name.
+    // The debris meshes and the pictures; each missing piece is reported once in the scene's name. loadNext
+    // loads one of them ahead of the scene's start, keeping the texture state of the scene drawing meanwhile;
+    // false when every one had been tried. load loads what is left.
+    bool loadNext(const char* scene);
+    bool triedAll() const;
     void load(const char* scene);
     void release();
     // The flying pieces t seconds after the blast, lit; then the rest over everything lit: smoke, and the
@@ -103,4 +107,6 @@ private:
     TextureMaterial* flame;
     TextureMaterial* fume;
     TextureMaterial* shock;
+    // Pieces loaded so far: the debris, then the pictures.
+    int tried;
 };

@@ -22,7 +22,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <iostream>
 
 namespace {
 
@@ -98,6 +97,20 @@ void quad(const Vector3& c, const Vector3& right, const Vector3& up, float halfW
     }
 }
 
+// The lights' looks, added to the picture.
+struct LightLook {
+    const char* material;
+    TextureFile picture;
+};
+const LightLook LIGHT_LOOKS[] = {
+    {"CityGlow", SharedLayout::PARTICLE},
+    {"CityTrail", TRAIL},
+    {"CityPool", POOL},
+    {"CityBeam", BEAM},
+    {"CityNeon", NEON},
+};
+const int LIGHT_KINDS = static_cast<int>(sizeof LIGHT_LOOKS / sizeof LIGHT_LOOKS[0]);
+
 Vector3 lampHead(const Lamp& l)
 {
     return toVector(l.x + l.towardRoadX * LAMP_REACH, LAMP_HEIGHT - 0.2, l.z + l.towardRoadZ * LAMP_REACH);
@@ -143,7 +156,7 @@ Vector3 OneWayStreet::carPosition(const Car& car, double t, Vector3* heading)
 
 OneWayStreet::OneWayStreet()
     : time(0.0), darkReach(-1.0f), drawnCars(0), drawnLights(0), car(nullptr), paint(nullptr), glow(nullptr),
-      trail(nullptr), pool(nullptr), beam(nullptr), neon(nullptr)
+      trail(nullptr), pool(nullptr), beam(nullptr), neon(nullptr), tried(0)
 {
     planTraffic();
     planSigns();
@@ -255,9 +268,24 @@ void OneWayStreet::planSigns()
     }
 }
 
-void OneWayStreet::load(const char* scene)
+bool OneWayStreet::triedAll() const
 {
-    release();
+    return tried > LIGHT_KINDS;
+}
+
+bool OneWayStreet::loadNext(const char* scene)
+{
+    if (triedAll())
+        return false;
+    const int piece = tried++;
+    if (piece > 0) {
+        TextureMaterial** const materials[] = {&glow, &trail, &pool, &beam, &neon};
+        static_assert(sizeof materials / sizeof materials[0] == LIGHT_KINDS, "a material for every look");
+        const LightLook& look = LIGHT_LOOKS[piece - 1];
+        SceneKit::loadTextureAhead(look.picture);
+        *materials[piece - 1] = SceneKit::overlayOrReport(scene, look.material, look.picture, Material::blendAdd);
+        return true;
+    }
     car = SceneKit::loadOrReport<Mesh>(scene, CAR_MESH);
     FaceArray* faces = car ? car->getFaces() : nullptr;
     for (int i = 0; faces && i < faces->getNumFaces(); ++i) {
@@ -265,25 +293,12 @@ void OneWayStreet::load(const char* scene)
         if (m && m->getName() && std::strcmp(m->getName(), CAR_PAINT) == 0)
             paint = m;
     }
-    const struct {
-        TextureMaterial** material;
-        const char* name;
-        TextureFile picture;
-    } lights[] = {
-        {&glow, "CityGlow", SharedLayout::PARTICLE},
-        {&trail, "CityTrail", TRAIL},
-        {&pool, "CityPool", POOL},
-        {&beam, "CityBeam", BEAM},
-        {&neon, "CityNeon", NEON},
-    };
-    for (const auto& light : lights) {
-        // A light without its picture would be a bright square: it is left out instead.
-        *light.material =
-            SceneKit::findOrMakeMaterial(light.name, light.picture, Material::overlay, Material::blendAdd);
-        if ((*light.material)->getTexture())
-            continue;
-        std::cerr << SceneKit::missingMessage(scene, light.picture.file);
-        *light.material = nullptr;
+    return true;
+}
+
+void OneWayStreet::load(const char* scene)
+{
+    while (loadNext(scene)) {
     }
 }
 
@@ -298,6 +313,7 @@ void OneWayStreet::release()
     pool = nullptr;
     beam = nullptr;
     neon = nullptr;
+    tried = 0;
 }
 
 void OneWayStreet::update(double t, const Vector3& cameraTravel)

@@ -69,7 +69,11 @@ public:
     const std::vector<Car>& getCars() const { return cars; }
     const std::vector<Sign>& getSigns() const { return signs; }
 
-    // The car and the pictures; each missing piece is reported once in the scene's name.
+    // The car and the lights' looks; each missing piece is reported once in the scene's name. loadNext loads
+    // one of them ahead of the scene's start, keeping the texture state of the scene drawing meanwhile; false
+    // when every one had been tried. load loads what is left.
+    bool loadNext(const char* scene);
+    bool triedAll() const;
     void load(const char* scene);
     void release();
 
@@ -82,6 +86,8 @@ public:
     // The lights over the block: pools and washes, beams, neon, glows and trails, added to the picture.
     void drawLights(const Camera& camera);
 
+    // The glow of the lamps and car lights, or null without its picture.
+    TextureMaterial* getGlow() const { return glow; }
     int getDrawnCars() const { return drawnCars; }
     int getDrawnLights() const { return drawnLights; }
 
@@ -120,4 +126,6 @@ private:
     TextureMaterial* pool;
     TextureMaterial* beam;
     TextureMaterial* neon;
+    // Pieces loaded so far: the car, then the lights' pictures.
+    int tried;
 };

@@ -82,6 +82,16 @@ TextureMaterial* SceneKit::findOrMakeMaterial(const char* scene, const char* nam
     return makeMaterial(name, preloadOrReport(scene, picture), blendMode, flags);
 }
 
+TextureMaterial* SceneKit::overlayOrReport(const char* scene, const char* name, const TextureFile& picture,
+                                           int blendMode)
+{
+    TextureMaterial* material = findOrMakeMaterial(name, picture, Material::overlay, blendMode);
+    if (material->getTexture())
+        return material;
+    std::cerr << missingMessage(scene, picture.file);
+    return nullptr;
+}
+
 TextureMaterial* SceneKit::materialOrReport(const char* scene, const char* name, const TextureFile& picture,
                                             unsigned long flags, int blendMode)
 {

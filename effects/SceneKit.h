@@ -46,6 +46,10 @@ public:
     // The same, a missing picture reported for the scene with preloadOrReport.
     static TextureMaterial* findOrMakeMaterial(const char* scene, const char* name, const TextureFile& picture,
                                                unsigned long flags, int blendMode);
+    // The registered overlay material of that name, or one made from the picture and registered; null after the
+    // scenes' common message when it has no picture (a glow without one would be a bright square).
+    static TextureMaterial* overlayOrReport(const char* scene, const char* name, const TextureFile& picture,
+                                            int blendMode);
     // The registered textured material of that name, or one made with these values and registered;
     // either way it wears this texture (none: drawn untextured).
     static TextureMaterial* wear(const char* name, Texture* texture, unsigned long flags, int blendMode);

@@ -17,12 +17,14 @@
 #include "scene/Light.h"
 #include "scene/LightMgr.h"
 #include "support/GLContext.h"
+#include "support/OffscreenFrame.h"
 #include "texture/TextureMgr.h"
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 #include <string>
+#include <vector>
 
 using namespace CityLayout;
 
@@ -128,48 +130,57 @@ TEST_F(CityStreetTest, OnlyTheScenesOwnLightsShineWhileItDrawsItsCars)
 
 TEST_F(CityStreetTest, WithoutItsDataTheStreetSaysOnceWhatIsMissingAndStillRuns)
 {
-    const std::string errors = withoutData([] {
-        CityStreet street(0, SPAN);
-        street.initiate();
-        EXPECT_EQ(street.getBlock().getOctree(), nullptr);
-        EXPECT_EQ(street.getCameraAnimation(), nullptr);
-        for (int i = 0; i < 3; ++i) {
-            street.update(0.1f);
-            street.display();
-        }
-        street.shutdown();
-        EXPECT_FALSE(glIsEnabled(GL_FOG));
-    });
-    for (const char* file : {OCTREE, CAMERA_PATH, CAR_MESH, NEON.file, POOL.file, BEAM.file, TRAIL.file})
-        EXPECT_EQ(count(errors, std::string("CityStreet: couldn't load '") + file + "'\n"), 1u) << file << errors;
-    for (const SurfaceInfo& surface : SURFACES)
-        EXPECT_EQ(count(errors, std::string("CityStreet: couldn't load '") + surface.picture.file + "'\n"), 1u)
-            << surface.picture.file;
-    // Nothing but those lines, and nothing more while it runs.
-    EXPECT_EQ(count(errors, "\n"), 7u + SURFACE_COUNT + 1u) << errors;
+    // Started directly, and loaded ahead first.
+    for (const bool ahead : {false, true}) {
+        const std::string errors = withoutData([ahead] {
+            CityStreet street(0, SPAN);
+            while (ahead && street.preload()) {
+            }
+            street.initiate();
+            EXPECT_EQ(street.getBlock().getOctree(), nullptr);
+            EXPECT_EQ(street.getCameraAnimation(), nullptr);
+            for (int i = 0; i < 3; ++i) {
+                street.update(0.1f);
+                street.display();
+            }
+            street.shutdown();
+            EXPECT_FALSE(glIsEnabled(GL_FOG));
+        });
+        for (const char* file : {OCTREE, CAMERA_PATH, CAR_MESH, NEON.file, POOL.file, BEAM.file, TRAIL.file})
+            EXPECT_EQ(count(errors, std::string("CityStreet: couldn't load '") + file + "'\n"), 1u) << file << errors;
+        for (const SurfaceInfo& surface : SURFACES)
+            EXPECT_EQ(count(errors, std::string("CityStreet: couldn't load '") + surface.picture.file + "'\n"), 1u)
+                << surface.picture.file;
+        // Nothing but those lines, and nothing more while it runs.
+        EXPECT_EQ(count(errors, "\n"), 7u + SURFACE_COUNT + 1u) << errors;
+    }
 }
 
 TEST_F(CityStreetTest, WithoutItsDataTheBlastSaysOnceWhatIsMissingAndStillRuns)
 {
-    const std::string errors = withoutData([] {
-        BlowUp blast(0, EffectTimer(247.5f, 259.5f));
-        blast.initiate();
-        EXPECT_EQ(blast.getCameraAnimation(), nullptr);
-        // Through the crash, so the fire, shock and smoke are drawn too.
-        for (int i = 0; i < 12; ++i) {
-            blast.update(0.5f);
-            blast.display();
-        }
-        blast.shutdown();
-        EXPECT_FALSE(glIsEnabled(GL_FOG));
-        EXPECT_EQ(LightMgr::getHandle()->find("BlowUpFire"), nullptr);
-    });
-    for (const char* file :
-         {BlowUpLayout::CAMERA_PATH, BlowUpLayout::DEBRIS_MESHES[0], BlowUpLayout::DEBRIS_MESHES[1],
-          BlowUpLayout::FIRE.file, BlowUpLayout::SMOKE.file, BlowUpLayout::SHOCK.file, OCTREE, CAR_MESH})
-        EXPECT_EQ(count(errors, std::string("BlowUp: couldn't load '") + file + "'\n"), 1u) << file << errors;
-    // One line each: the blast's own pieces, the block's and the street's, nothing per frame.
-    EXPECT_EQ(count(errors, "\n"), 6u + 1u + SURFACE_COUNT + 6u) << errors;
+    for (const bool ahead : {false, true}) {
+        const std::string errors = withoutData([ahead] {
+            BlowUp blast(0, EffectTimer(247.5f, 259.5f));
+            while (ahead && blast.preload()) {
+            }
+            blast.initiate();
+            EXPECT_EQ(blast.getCameraAnimation(), nullptr);
+            // Through the crash, so the fire, shock and smoke are drawn too.
+            for (int i = 0; i < 12; ++i) {
+                blast.update(0.5f);
+                blast.display();
+            }
+            blast.shutdown();
+            EXPECT_FALSE(glIsEnabled(GL_FOG));
+            EXPECT_EQ(LightMgr::getHandle()->find("BlowUpFire"), nullptr);
+        });
+        for (const char* file :
+             {BlowUpLayout::CAMERA_PATH, BlowUpLayout::DEBRIS_MESHES[0], BlowUpLayout::DEBRIS_MESHES[1],
+              BlowUpLayout::FIRE.file, BlowUpLayout::SMOKE.file, BlowUpLayout::SHOCK.file, OCTREE, CAR_MESH})
+            EXPECT_EQ(count(errors, std::string("BlowUp: couldn't load '") + file + "'\n"), 1u) << file << errors;
+        // One line each: the blast's own pieces, the block's and the street's, nothing per frame.
+        EXPECT_EQ(count(errors, "\n"), 6u + 1u + SURFACE_COUNT + 6u) << errors;
+    }
 }
 
 TEST_F(CityStreetTest, WithItsDataTheBlockTrafficAndPathLoadAndTheBlastSharesTheBlock)
@@ -191,13 +202,116 @@ TEST_F(CityStreetTest, WithItsDataTheBlockTrafficAndPathLoadAndTheBlastSharesThe
     EXPECT_GT(street.getBlock().getDrawnFaces(), 100);
     EXPECT_LT(street.getBlock().getDrawnFaces(), street.getBlock().getFaceCount() / 2);
 
-    // The blast starts while the street still runs: it takes the same block.
+    // The blast loads ahead while the street still runs: it takes the same block in one step.
     BlowUp blast(0, EffectTimer(247.5f, 259.5f));
-    blast.initiate();
+    ASSERT_TRUE(blast.preload());
     EXPECT_EQ(blast.getBlock().getOctree(), street.getBlock().getOctree());
+    while (blast.preload()) {
+    }
+    blast.initiate();
     street.shutdown();
     EXPECT_EQ(LightMgr::getHandle()->find("CityMoon"), nullptr);
     EXPECT_NE(blast.getBlock().getOctree(), nullptr);
     blast.shutdown();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+namespace {
+
+// What a preload step could disturb of the GL state the scene on screen draws with.
+std::vector<float> drawingState()
+{
+    std::vector<float> state;
+    for (const GLenum capability :
+         {GL_TEXTURE_2D, GL_FOG, GL_SCISSOR_TEST, GL_LIGHTING, GL_LIGHT0, GL_LIGHT1, GL_DEPTH_TEST, GL_BLEND})
+        state.push_back(glIsEnabled(capability));
+    GLint binding = 0;
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &binding);
+    state.push_back(static_cast<float>(binding));
+    for (const GLenum values : {GL_COLOR_CLEAR_VALUE, GL_MODELVIEW_MATRIX, GL_PROJECTION_MATRIX}) {
+        GLfloat read[16] = {};
+        glGetFloatv(values, read);
+        state.insert(state.end(), read, read + 16);
+    }
+    return state;
+}
+
+// Every third frame of a scene drawn for `frames` steps of `step` seconds, loaded ahead or not. Ahead, the steps
+// run while another scene's state is set and its frame drawn: both must come through untouched.
+template <typename Scene>
+std::vector<unsigned char> framesOf(const EffectTimer& span, bool ahead, int frames, float step)
+{
+    OffscreenFrame frame(320, 240);
+    EXPECT_TRUE(frame.isComplete());
+    CameraMgr::getHandle()->onResize(frame.getWidth(), frame.getHeight());
+    // As the demo sets it for every scene (the blast's flash leaves it on).
+    glEnable(GL_DEPTH_TEST);
+    Scene scene(0, span);
+    if (ahead) {
+        // The scene on screen: a picture bound, a light of its own on, its clear colour, a frame drawn.
+        GLuint other = 0;
+        glGenTextures(1, &other);
+        glBindTexture(GL_TEXTURE_2D, other);
+        glEnable(GL_TEXTURE_2D);
+        const Light* light = SceneKit::directionalLight("OnScreen", {Vector3(0.0f, 1.0f, 0.0f),
+                                                                     Color(0.1f, 0.1f, 0.1f, 1.0f),
+                                                                     Color(1.0f, 1.0f, 1.0f, 1.0f),
+                                                                     Color(1.0f, 1.0f, 1.0f, 1.0f),
+                                                                     {1.0f, 0.0f, 0.0f}});
+        glClearColor(0.2f, 0.4f, 0.6f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        glTranslatef(1.0f, 2.0f, 3.0f);
+        const std::vector<float> before = drawingState();
+        const std::vector<unsigned char> shown = frame.read();
+        while (scene.preload()) {
+        }
+        EXPECT_EQ(drawingState(), before);
+        EXPECT_TRUE(light->isOn());
+        EXPECT_EQ(OffscreenFrame::countDifferences(frame.read(), shown, 0), 0u);
+        LightMgr::getHandle()->remove("OnScreen");
+        glDisable(GL_TEXTURE_2D);
+        glDeleteTextures(1, &other);
+        glLoadIdentity();
+    }
+    testing::internal::CaptureStderr();
+    scene.initiate();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    std::vector<unsigned char> seen;
+    for (int i = 0; i < frames; ++i) {
+        scene.update(step);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        Camera* camera = CameraMgr::getHandle()->getActiveCamera();
+        camera->lookAt();
+        LightMgr::getHandle()->reorient(*camera);
+        scene.display();
+        if (i % 3 == 0) {
+            const std::vector<unsigned char> pixels = frame.read();
+            seen.insert(seen.end(), pixels.begin(), pixels.end());
+        }
+    }
+    scene.shutdown();
+    return seen;
+}
+
+}  // namespace
+
+// Loaded and drawn once unseen before they start, the street and the blast draw what a start loading everything
+// draws: the street's race and the blast through its crash.
+TEST_F(CityStreetTest, LoadedAheadTheStreetAndTheBlastDrawWhatAFreshStartDraws)
+{
+    if (access(OCTREE, R_OK) != 0)
+        GTEST_SKIP() << "no forged data tree in the working directory";
+    const EffectTimer blastSpan(247.5f, 259.5f);
+    // The first start in a process makes the shared cameras, lights and materials later starts find.
+    framesOf<CityStreet>(SPAN, false, 1, 0.1f);
+    framesOf<BlowUp>(blastSpan, false, 1, 0.1f);
+    for (const bool street : {true, false}) {
+        const std::vector<unsigned char> ahead =
+            street ? framesOf<CityStreet>(SPAN, true, 10, 0.7f) : framesOf<BlowUp>(blastSpan, true, 12, 0.5f);
+        const std::vector<unsigned char> fresh =
+            street ? framesOf<CityStreet>(SPAN, false, 10, 0.7f) : framesOf<BlowUp>(blastSpan, false, 12, 0.5f);
+        EXPECT_EQ(OffscreenFrame::countDifferences(ahead, fresh, 0), 0u) << (street ? "street" : "blast");
+        EXPECT_GT(OffscreenFrame::countDifferences(ahead, std::vector<unsigned char>(ahead.size(), 0), 0),
+                  ahead.size() / 2);
+    }
 }
