@@ -39,7 +39,7 @@ void drawInMaterialRuns(const FaceArray& faces, EmitFace emit)
     if (current)
         current->unbind();
 }
-}
+}  // namespace
 
 Mesh::Mesh() : vertices(nullptr), faces(nullptr) {}
 
@@ -110,8 +110,8 @@ bool Mesh::load(const char* file)
 {
     if (vertices || faces || !file)
         return false;
-    std::ifstream in;
-    if (!ChunkFile::openIn(file, in))
+    std::stringstream in;
+    if (!ChunkFile::readIn(file, in))
         return false;
     if (!MaterialMgr::getHandle()->load(in)) {
         std::fputs("COULDN'N LOAD MATERIALS\n", stdout);
@@ -241,7 +241,7 @@ void line(const Vector3& from, const Vector3& to)
     glVertex3f(to.x, to.y, to.z);
 }
 
-} // namespace
+}  // namespace
 
 void Mesh::drawFaceNormals(const Color& colour, float length) const
 {

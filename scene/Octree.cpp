@@ -49,8 +49,8 @@ bool Octree::load(const char* fileName)
 {
     if (!isEmpty())
         return false;
-    std::ifstream in;
-    if (!ChunkFile::openIn(fileName, in))
+    std::stringstream in;
+    if (!ChunkFile::readIn(fileName, in))
         return false;
     if (!MaterialMgr::getHandle()->load(in))
         return false;

@@ -9,6 +9,16 @@ bool ChunkFile::openIn(const char* file, std::ifstream& in)
     return in.is_open();
 }
 
+bool ChunkFile::readIn(const char* file, std::stringstream& in)
+{
+    std::ifstream disk;
+    if (!openIn(file, disk))
+        return false;
+    // An empty or unreadable file leaves the stream failed: the first read says so.
+    in << disk.rdbuf();
+    return true;
+}
+
 bool ChunkFile::openOut(const char* file, std::ofstream& out)
 {
     if (!file)

@@ -3,20 +3,24 @@
 #pragma once
 
 #include <fstream>
+#include <sstream>
 
 class ChunkFile {
 public:
     // Binary read; false when the name is null or the file cannot be opened.
     static bool openIn(const char* file, std::ifstream& in);
+    // The whole file read into memory, for the loaders: they ask how much is left before each counted read,
+    // which on a file stream costs a seek and a refill of its buffer every time. False when it cannot be opened.
+    static bool readIn(const char* file, std::stringstream& in);
     // Binary write, truncating; false when the name is null or it cannot be created.
     static bool openOut(const char* file, std::ofstream& out);
 
-    // Opens the file and hands the stream to object.load(std::istream&).
+    // Reads the file and hands the stream to object.load(std::istream&).
     template <class T>
     static bool load(T& object, const char* file)
     {
-        std::ifstream in;
-        return openIn(file, in) && object.load(static_cast<std::istream&>(in));
+        std::stringstream in;
+        return readIn(file, in) && object.load(static_cast<std::istream&>(in));
     }
 
     // Opens the file and hands the stream to object.save(std::ostream&).
