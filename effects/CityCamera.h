@@ -1,4 +1,4 @@
-// The camera of the city's scenes: registered under its name, placed where it rests, flown along its forged path.
+// The camera of the city's scenes: registered, placed where it rests, flown along its path, rehearsing the scene.
 #pragma once
 
 #include "effects/SceneKit.h"
@@ -37,7 +37,7 @@ public:
     void start(const char* scene);
     void release();
 
-    // A scene's light: its name and how it is made.
+    // A scene's own light (no scene on screen shares it): its name and how it is made.
     struct SceneLight {
         const char* name;
         const SceneKit::LightSetup& setup;

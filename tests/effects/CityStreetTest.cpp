@@ -1,6 +1,6 @@
 // The city street and the blast on it: what hides behind a street's walls, only their own lights on their cars,
-// starts without their data (one line per missing piece) and with it, and the block the blast shares with the
-// street instead of loading it twice.
+// starts without their data (one line per missing piece) and with it, loaded ahead or not, and the block the blast
+// shares with the street instead of loading it twice.
 #include "effects/BlowUp.h"
 #include "effects/CityBlock.h"
 #include "effects/CityLayout.h"
