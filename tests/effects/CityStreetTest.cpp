@@ -9,20 +9,16 @@
 #include "effects/SceneKit.h"
 
 #include "MissingData.h"
+#include "SceneTest.h"
 
-#include "gl/GLEXT.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
 #include "scene/Light.h"
 #include "scene/LightMgr.h"
-#include "support/GLContext.h"
 #include "support/OffscreenFrame.h"
-#include "texture/TextureMgr.h"
 
-#include <GL/gl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 #include <string>
 #include <vector>
 
@@ -64,24 +60,9 @@ TEST(CityBlockWalls, WhatLiesBehindAStreetsWallsWithinOneBlockSideIsHidden)
                                              Vector3(110.0f, 40.0f, 230.0f)));
 }
 
-namespace {
+class CityStreetTest : public SceneTest {};
 
-class CityStreetTest : public GLTest {
-protected:
-    void SetUp() override
-    {
-        GLTest::SetUp();
-        GLEXT::bindAll();
-        if (TextureMgr::getHandle()->getLoaderCount() == 0)
-            TextureMgr::getHandle()->registerStandardLoaders();
-    }
-    void TearDown() override
-    {
-        CameraMgr::getHandle()->remove(CAMERA_NAME);
-        CameraMgr::getHandle()->remove(BlowUpLayout::CAMERA_NAME);
-        GLTest::TearDown();
-    }
-};
+namespace {
 
 // The lines a scene printed on the error stream where none of its files are; its output must hold no GL error.
 template <typename Body>
@@ -185,8 +166,7 @@ TEST_F(CityStreetTest, WithoutItsDataTheBlastSaysOnceWhatIsMissingAndStillRuns)
 
 TEST_F(CityStreetTest, WithItsDataTheBlockTrafficAndPathLoadAndTheBlastSharesTheBlock)
 {
-    if (access(OCTREE, R_OK) != 0)
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(OCTREE);
     testing::internal::CaptureStderr();
     CityStreet street(0, SPAN);
     street.initiate();
@@ -299,8 +279,7 @@ std::vector<unsigned char> framesOf(const EffectTimer& span, bool ahead, int fra
 // draws: the street's race and the blast through its crash.
 TEST_F(CityStreetTest, LoadedAheadTheStreetAndTheBlastDrawWhatAFreshStartDraws)
 {
-    if (access(OCTREE, R_OK) != 0)
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(OCTREE);
     const EffectTimer blastSpan(247.5f, 259.5f);
     // The first start in a process makes the shared cameras, lights and materials later starts find.
     framesOf<CityStreet>(SPAN, false, 1, 0.1f);

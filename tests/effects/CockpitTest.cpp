@@ -4,18 +4,15 @@
 #include "effects/Cockpit.h"
 
 #include "MissingData.h"
-#include "SceneHarness.h"
+#include "SceneTest.h"
 #include "effects/Harmonix.h"
 #include "math/MathConstants.h"
 #include "scene/Camera.h"
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
 #include "sound/SongMeter.h"
-#include "support/GLContext.h"
 
-#include <GL/gl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -69,18 +66,12 @@ TEST(HarmonixText, CellsReadAsATrackerWritesThem)
 
 namespace {
 
-class CockpitTest : public GLTest {
+class CockpitTest : public SceneTest {
 protected:
-    void SetUp() override
-    {
-        GLTest::SetUp();
-        SceneHarness::prepare();
-    }
     void TearDown() override
     {
         SongMeter::getHandle()->shutdown();
-        CameraMgr::getHandle()->remove(CAMERA_NAME);
-        GLTest::TearDown();
+        SceneTest::TearDown();
     }
     // The cockpit stepped from its start to `seconds` past it, at thirty frames a second.
     static std::vector<unsigned char> at(float seconds, SongReading* reading = nullptr)
@@ -96,7 +87,6 @@ protected:
         cockpit.shutdown();
         return pixels;
     }
-    static bool haveData() { return access(FRAME, R_OK) == 0 && access(SONG, R_OK) == 0; }
 };
 
 size_t differing(const std::vector<unsigned char>& a, const std::vector<unsigned char>& b)
@@ -111,8 +101,8 @@ size_t differing(const std::vector<unsigned char>& a, const std::vector<unsigned
 
 TEST_F(CockpitTest, TheBarsFollowTheSongsLevelsAndTheSameMomentDrawsTheSameFrame)
 {
-    if (!haveData())
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(FRAME);
+    SKIP_WITHOUT_DATA(SONG);
     ASSERT_TRUE(SongMeter::getHandle()->initiate(SONG));
     SongReading first, second;
     // The kick drum strikes on the first row of the section; half a bar later only the pads ring.
@@ -139,8 +129,8 @@ TEST_F(CockpitTest, TheBarsFollowTheSongsLevelsAndTheSameMomentDrawsTheSameFrame
 
 TEST_F(CockpitTest, WithNoSongTheDisplaysIdleQuietly)
 {
-    if (!haveData())
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(FRAME);
+    SKIP_WITHOUT_DATA(SONG);
     SongMeter::getHandle()->shutdown();
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();

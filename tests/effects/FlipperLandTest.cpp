@@ -2,16 +2,11 @@
 #include "effects/FlipperLand.h"
 
 #include "MissingData.h"
-#include "gl/GLEXT.h"
-#include "scene/CameraMgr.h"
+#include "SceneTest.h"
 #include "scene/LightMgr.h"
-#include "support/GLContext.h"
 #include "texture/TextureMaterial.h"
-#include "texture/TextureMgr.h"
 
-#include <GL/gl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 #include <cmath>
 #include <string>
 
@@ -59,25 +54,7 @@ TEST(FlipperLandPaddles, PairUpAcrossEachHollow)
     }
 }
 
-namespace {
-
-class FlipperLandTest : public GLTest {
-protected:
-    void SetUp() override
-    {
-        GLTest::SetUp();
-        GLEXT::bindAll();
-        if (TextureMgr::getHandle()->getLoaderCount() == 0)
-            TextureMgr::getHandle()->registerStandardLoaders();
-    }
-    void TearDown() override
-    {
-        CameraMgr::getHandle()->remove("FlipperCamera");
-        GLTest::TearDown();
-    }
-};
-
-}  // namespace
+class FlipperLandTest : public SceneTest {};
 
 TEST_F(FlipperLandTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
 {
@@ -103,8 +80,7 @@ TEST_F(FlipperLandTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
 // The capture program's scene-coverage run checks that the loaded scene draws; here the play runs on the forged land.
 TEST_F(FlipperLandTest, WithItsDataTheLandHeavesAndThePlayPlaysOnIt)
 {
-    if (access(LAND, R_OK) != 0)
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(LAND);
     testing::internal::CaptureStderr();
     FlipperLand land(0, SPAN);
     land.initiate();

@@ -2,12 +2,12 @@
 #include "effects/SeaBed.h"
 
 #include "MissingData.h"
+#include "SceneTest.h"
 #include "effects/IndexedMesh.h"
 #include "effects/InstanceBatch.h"
 #include "effects/SceneKit.h"
 #include "effects/SharedLayout.h"
 #include "effects/SwayingPlants.h"
-#include "gl/GLEXT.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
@@ -17,12 +17,8 @@
 #include "scene/MeshAnimation.h"
 #include "scene/ParticleCluster.h"
 #include "scene/Terrain.h"
-#include "support/GLContext.h"
-#include "texture/TextureMgr.h"
 
-#include <GL/gl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 #include <iterator>
 #include <sstream>
 #include <string>
@@ -138,23 +134,8 @@ TEST(SeaBedMeshes, IndexedMeshesKeepDrawableFacesAndBatchesNumberEachCopysOwnVer
 
 namespace {
 
-class SeaBedTest : public GLTest {
+class SeaBedTest : public SceneTest {
 protected:
-    void SetUp() override
-    {
-        GLTest::SetUp();
-        GLEXT::bindAll();
-        if (TextureMgr::getHandle()->getLoaderCount() == 0)
-            TextureMgr::getHandle()->registerStandardLoaders();
-        CameraMgr::getHandle()->initiate();
-    }
-    void TearDown() override
-    {
-        CameraMgr::getHandle()->remove(SeaBedLayout::CAMERA_NAME);
-        glDisable(GL_FOG);
-        GLTest::TearDown();
-    }
-
     // A few frames the way the driver runs them: update, apply the camera, draw.
     static void play(SeaBed& scene, int frames, float seconds)
     {
@@ -213,8 +194,7 @@ TEST_F(SeaBedTest, WithoutItsDataTheScenePrintsOneLinePerMissingPieceAndStillRun
 
 TEST_F(SeaBedTest, WithItsDataEverythingLoadsAndTheEyeOpensOnTime)
 {
-    if (access(SeaBedLayout::TERRAIN, R_OK) != 0)
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(SeaBedLayout::TERRAIN);
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();
     SeaBed scene(0, SPAN);

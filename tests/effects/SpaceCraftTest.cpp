@@ -3,7 +3,7 @@
 #include "effects/SpaceCraft.h"
 
 #include "MissingData.h"
-#include "SceneHarness.h"
+#include "SceneTest.h"
 #include "effects/OctreeBatch.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
@@ -12,13 +12,10 @@
 #include "scene/LightMgr.h"
 #include "scene/Octree.h"
 #include "scene/OctreeNode.h"
-#include "support/GLContext.h"
 #include "texture/Material.h"
 #include "texture/MaterialMgr.h"
 
-#include <GL/gl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 #include <string>
 #include <vector>
 
@@ -42,17 +39,11 @@ void markLeaves(const OctreeNode* node, std::vector<int>& seen)
             seen[node->getFaceIndex(i)] = 1;
 }
 
-bool haveData()
-{
-    return access(OCTREE, R_OK) == 0;
-}
-
 }  // namespace
 
 TEST(SpaceCraftHull, TensOfThousandsOfFacesAndEveryOneReachesALeaf)
 {
-    if (!haveData())
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(OCTREE);
     Octree hull;
     ASSERT_TRUE(hull.load(OCTREE));
     const int faces = hull.getFaces()->getNumFaces();
@@ -66,8 +57,7 @@ TEST(SpaceCraftHull, TensOfThousandsOfFacesAndEveryOneReachesALeaf)
 
 TEST(SpaceCraftHull, ACameraInsideTheHullsBoxDrawsSomeButNotAllLeaves)
 {
-    if (!haveData())
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(OCTREE);
     Octree hull;
     ASSERT_TRUE(hull.load(OCTREE));
     OctreeBatch batch;
@@ -144,23 +134,7 @@ TEST(SpaceCraftLights, StarlightIsGLsLightWorkedOutOnce)
     EXPECT_FLOAT_EQ(SpaceCraft::starlight(-towardsSun, &glow).g, 1.0f);
 }
 
-namespace {
-
-class SpaceCraftTest : public GLTest {
-protected:
-    void SetUp() override
-    {
-        GLTest::SetUp();
-        SceneHarness::prepare();
-    }
-    void TearDown() override
-    {
-        CameraMgr::getHandle()->remove(CAMERA_NAME);
-        GLTest::TearDown();
-    }
-};
-
-}  // namespace
+class SpaceCraftTest : public SceneTest {};
 
 TEST_F(SpaceCraftTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStillRuns)
 {
@@ -194,8 +168,7 @@ TEST_F(SpaceCraftTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStill
 
 TEST_F(SpaceCraftTest, WithItsDataEverythingLoadsDrawsAndLeavesNoLightsBehind)
 {
-    if (!haveData())
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(OCTREE);
     const int lightsBefore = LightMgr::getHandle()->getNumLights();
     testing::internal::CaptureStderr();
     SpaceCraft scene(0, SPAN);

@@ -2,20 +2,16 @@
 #include "effects/TunnelExit.h"
 
 #include "MissingData.h"
-#include "gl/GLEXT.h"
+#include "SceneTest.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
 #include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
 #include "scene/Octree.h"
-#include "support/GLContext.h"
 #include "texture/MulTextureMaterial.h"
-#include "texture/TextureMgr.h"
 
-#include <GL/gl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 #include <cmath>
 #include <string>
 
@@ -86,26 +82,7 @@ TEST(TunnelExitSlabs, HoldUntilTheRiserThenFlyOutwardsAfterTheHit)
     }
 }
 
-namespace {
-
-class TunnelExitTest : public GLTest {
-protected:
-    void SetUp() override
-    {
-        GLTest::SetUp();
-        GLEXT::bindAll();
-        if (TextureMgr::getHandle()->getLoaderCount() == 0)
-            TextureMgr::getHandle()->registerStandardLoaders();
-    }
-    void TearDown() override
-    {
-        CameraMgr::getHandle()->remove(CAMERA_NAME);
-        glDisable(GL_FOG);
-        GLTest::TearDown();
-    }
-};
-
-}  // namespace
+class TunnelExitTest : public SceneTest {};
 
 TEST_F(TunnelExitTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
 {
@@ -134,8 +111,7 @@ TEST_F(TunnelExitTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
 // The capture program's scene-coverage run checks that the loaded scene draws.
 TEST_F(TunnelExitTest, WithItsDataEverythingLoadsAndIsWiredTogether)
 {
-    if (access(OCTREE, R_OK) != 0)
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(OCTREE);
     testing::internal::CaptureStderr();
     TunnelExit exit(0, SPAN);
     exit.initiate();

@@ -1,24 +1,20 @@
 // The underwater tunnel: the angle's wrap, a start with and without its data, its fog, and what shutdown leaves.
 #include "effects/UnderwaterTunnel.h"
 
-#include "gl/GLEXT.h"
+#include "MissingData.h"
+#include "SceneTest.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
-#include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
 #include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
 #include "scene/Octree.h"
-#include "support/GLContext.h"
 #include "support/OffscreenFrame.h"
 #include "texture/MulTextureMaterial.h"
-#include "texture/TextureMgr.h"
 
-#include <GL/gl.h>
 #include <gtest/gtest.h>
 #include <cstdlib>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -42,35 +38,12 @@ TEST(UnderwaterTunnelAngle, WrapsOnceAtAFullTurn)
     }
 }
 
-namespace {
-
-class UnderwaterTunnelTest : public GLTest {
-protected:
-    void SetUp() override
-    {
-        GLTest::SetUp();
-        GLEXT::bindAll();
-        if (TextureMgr::getHandle()->getLoaderCount() == 0)
-            TextureMgr::getHandle()->registerStandardLoaders();
-    }
-    void TearDown() override
-    {
-        CameraMgr::getHandle()->remove("TunnelCamera");
-        glDisable(GL_FOG);
-        GLTest::TearDown();
-    }
-};
-
-}
+class UnderwaterTunnelTest : public SceneTest {};
 
 TEST_F(UnderwaterTunnelTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns)
 {
-    char dir[] = "/tmp/tunnel-empty-XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    char* previous = getcwd(nullptr, 0);
-    ASSERT_EQ(chdir(dir), 0);
-    testing::internal::CaptureStderr();
-    testing::internal::CaptureStdout();
+    MissingData nothing;
+    ASSERT_TRUE(nothing.entered());
     {
         UnderwaterTunnel tunnel(0, SPAN);
         tunnel.initiate();
@@ -94,11 +67,8 @@ TEST_F(UnderwaterTunnelTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns
         tunnel.shutdown();
         EXPECT_FALSE(glIsEnabled(GL_FOG));
     }
-    const std::string out = testing::internal::GetCapturedStdout();
-    const std::string errors = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(chdir(previous), 0);
-    std::free(previous);
-    rmdir(dir);
+    nothing.finish();
+    const std::string& errors = nothing.getErrors();
     for (const char* message : {"Unable to load tunnel data\n", "Unable to load ship\n",
                                 "Unable to load ship animation\n", "UNABLE TO LOAD data/3d/leaf.msh\n",
                                 "UNABLE TO LOAD data/3d/fanholder2.msh\n"})
@@ -110,14 +80,13 @@ TEST_F(UnderwaterTunnelTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns
     const size_t first = errors.find(draw);
     ASSERT_NE(first, std::string::npos) << errors;
     EXPECT_NE(errors.find(draw, first + draw.size()), std::string::npos) << errors;
-    EXPECT_EQ(out.find("OpenGL ERROR"), std::string::npos) << out;
+    EXPECT_EQ(nothing.getOutput().find("OpenGL ERROR"), std::string::npos) << nothing.getOutput();
 }
 
 // The capture program's scene-coverage run checks that the loaded scene draws.
 TEST_F(UnderwaterTunnelTest, WithItsDataEverythingLoadsAndIsWiredTogether)
 {
-    if (access("data/3d/tunnel3.oct", R_OK) != 0)
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(TunnelLayout::OCTREE);
     testing::internal::CaptureStderr();
     UnderwaterTunnel tunnel(0, SPAN);
     tunnel.initiate();
@@ -140,8 +109,7 @@ TEST_F(UnderwaterTunnelTest, WithItsDataEverythingLoadsAndIsWiredTogether)
 // unlit walls, and the glows are fogged into the tunnel's own colour like everything else.
 TEST_F(UnderwaterTunnelTest, WallsTakeTheColourLeftCurrentAndGlowsFadeIntoTheFog)
 {
-    if (access("data/3d/tunnel3.oct", R_OK) != 0)
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(TunnelLayout::OCTREE);
     CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
     UnderwaterTunnel tunnel(0, SPAN);
     tunnel.initiate();
@@ -171,11 +139,8 @@ TEST_F(UnderwaterTunnelTest, WallsTakeTheColourLeftCurrentAndGlowsFadeIntoTheFog
 TEST_F(UnderwaterTunnelTest, AFarGlowAddsTheFogColourNotBlack)
 {
     // With no data only the glows are left; untextured, each particle is a flat quad of its colour.
-    char dir[] = "/tmp/tunnel-glow-XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    char* previous = getcwd(nullptr, 0);
-    ASSERT_EQ(chdir(dir), 0);
-    testing::internal::CaptureStderr();
+    MissingData nothing;
+    ASSERT_TRUE(nothing.entered());
     {
         CameraMgr::getHandle()->onResize(GLContext::width(), GLContext::height());
         UnderwaterTunnel tunnel(0, SPAN);
@@ -197,18 +162,13 @@ TEST_F(UnderwaterTunnelTest, AFarGlowAddsTheFogColourNotBlack)
         EXPECT_GT(centre[1], 8) << int(centre[0]) << "," << int(centre[1]) << "," << int(centre[2]);
         tunnel.shutdown();
     }
-    testing::internal::GetCapturedStderr();
-    EXPECT_EQ(chdir(previous), 0);
-    std::free(previous);
-    rmdir(dir);
 }
 
 // Loaded piece by piece while another scene draws, the tunnel leaves that scene's texture state alone, needs nothing
 // more at its start, and draws what a tunnel loading everything at its start draws.
 TEST_F(UnderwaterTunnelTest, LoadedAheadItDrawsWhatAFreshStartDraws)
 {
-    if (access("data/3d/tunnel3.oct", R_OK) != 0)
-        GTEST_SKIP() << "no forged data tree in the working directory";
+    SKIP_WITHOUT_DATA(TunnelLayout::OCTREE);
     OffscreenFrame frame(320, 240);
     ASSERT_TRUE(frame.isComplete());
     const auto run = [&](bool ahead) {
