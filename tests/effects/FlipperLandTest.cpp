@@ -77,7 +77,7 @@ TEST_F(FlipperLandTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
     EXPECT_EQ(nothing.getOutput().find("OpenGL ERROR"), std::string::npos) << nothing.getOutput();
 }
 
-// The capture program's scene-coverage run checks that the loaded scene draws; here the play runs on the forged land.
+// The capture program's contact sheet checks that the loaded scene draws; here the play runs on the forged land.
 TEST_F(FlipperLandTest, WithItsDataTheLandHeavesAndThePlayPlaysOnIt)
 {
     SKIP_WITHOUT_DATA(LAND);

@@ -108,7 +108,7 @@ TEST_F(TunnelExitTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
     EXPECT_EQ(nothing.getOutput().find("OpenGL ERROR"), std::string::npos) << nothing.getOutput();
 }
 
-// The capture program's scene-coverage run checks that the loaded scene draws.
+// The capture program's contact sheet checks that the loaded scene draws.
 TEST_F(TunnelExitTest, WithItsDataEverythingLoadsAndIsWiredTogether)
 {
     SKIP_WITHOUT_DATA(OCTREE);

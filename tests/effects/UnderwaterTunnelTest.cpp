@@ -83,7 +83,7 @@ TEST_F(UnderwaterTunnelTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns
     EXPECT_EQ(nothing.getOutput().find("OpenGL ERROR"), std::string::npos) << nothing.getOutput();
 }
 
-// The capture program's scene-coverage run checks that the loaded scene draws.
+// The capture program's contact sheet checks that the loaded scene draws.
 TEST_F(UnderwaterTunnelTest, WithItsDataEverythingLoadsAndIsWiredTogether)
 {
     SKIP_WITHOUT_DATA(TunnelLayout::OCTREE);

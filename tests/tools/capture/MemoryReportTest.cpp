@@ -28,28 +28,27 @@ bool parseWords(CaptureOptions& options, std::vector<const char*> words, std::st
 
 }
 
-TEST(MemoryProbeParse, ReadsTheFigureOfTheVmRSSLineOrOfAnotherKey)
+TEST(MemoryProbeParse, ReadsTheFigureOfALineStartingWithTheKeyAndRefusesMalformedFigures)
 {
-    EXPECT_EQ(MemoryProbe::parseResident("Name:\tcat\nVmPeak:\t  9000 kB\nVmRSS:\t    1234 kB\nVmData: 5 kB\n"), 1234);
-    EXPECT_EQ(MemoryProbe::parseResident("VmRSS: 0 kB"), 0);
+    const struct {
+        const char* text;
+        long kilobytes;
+    } cases[] = {
+        {"Name:\tcat\nVmPeak:\t  9000 kB\nVmRSS:\t    1234 kB\nVmData: 5 kB\n", 1234},
+        {"VmRSS: 0 kB", 0},
+        {"XVmRSS:\t 7 kB\nVmRSS:\t 8 kB\n", 8},
+        {"XVmRSS:\t 7 kB\n", -1},
+        {"", -1},
+        {"VmHWM:\t 100 kB\n", -1},
+        {"VmRSS:\t\n", -1},
+        {"VmRSS:\t -5 kB\n", -1},
+        {"VmRSS:\t 12 MB\n", -1},
+        {"VmRSS:\t 12", -1},
+        {"VmRSS:\t 99999999999999999999999 kB\n", -1},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(MemoryProbe::parseResident(c.text), c.kilobytes) << c.text;
     EXPECT_EQ(MemoryProbe::parseKilobytes("VmHWM:\t 2345 kB\nVmRSS:\t 1234 kB\n", "VmHWM:"), 2345);
-}
-
-TEST(MemoryProbeParse, RefusesMissingOrMalformedFigures)
-{
-    EXPECT_EQ(MemoryProbe::parseResident(""), -1);
-    EXPECT_EQ(MemoryProbe::parseResident("VmHWM:\t 100 kB\n"), -1);
-    EXPECT_EQ(MemoryProbe::parseResident("VmRSS:\t\n"), -1);
-    EXPECT_EQ(MemoryProbe::parseResident("VmRSS:\t -5 kB\n"), -1);
-    EXPECT_EQ(MemoryProbe::parseResident("VmRSS:\t 12 MB\n"), -1);
-    EXPECT_EQ(MemoryProbe::parseResident("VmRSS:\t 12"), -1);
-    EXPECT_EQ(MemoryProbe::parseResident("VmRSS:\t 99999999999999999999999 kB\n"), -1);
-}
-
-TEST(MemoryProbeParse, TheKeyMustStartALine)
-{
-    EXPECT_EQ(MemoryProbe::parseResident("XVmRSS:\t 7 kB\nVmRSS:\t 8 kB\n"), 8);
-    EXPECT_EQ(MemoryProbe::parseResident("XVmRSS:\t 7 kB\n"), -1);
 }
 
 TEST(MemoryProbeLive, ThisProcessHasAResidentSetAndAPeakAtLeastAsHigh)

@@ -1,24 +1,17 @@
 // The city's content: walls unbroken along every block side (what the street's culling stands on), the race passing
-// a crossing on every bar down the streets' middles, clear of every building, its path read back, and the car.
-#include "CameraPathFile.h"
+// a crossing on every bar down the streets' middles, clear of every building, and the car.
 #include "CarMesh.h"
 #include "CityBlockMesh.h"
 #include "CityStreetContent.h"
 
 #include "scene/BoundingBox.h"
-#include "scene/CameraAnimation.h"
-#include "scene/Lin3Track.h"
 #include "scene/Mesh.h"
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <memory>
-#include <string>
-#include <vector>
 
 using namespace CityLayout;
 
@@ -84,25 +77,6 @@ TEST(CityStreetContent, TheRacePassesACrossingOnEveryBarDownTheStreetsMiddles)
         const Vec3 look = content.targetAt(t) - content.cameraAt(t);
         const Vec3 ahead = content.cameraAt(t + 0.1) - content.cameraAt(t);
         EXPECT_GT(look.x * ahead.x + look.z * ahead.z, 0.0) << t;
-    }
-}
-
-TEST(CityStreetContent, TheCameraPathReadsBackAsTheRaceAndStopsAtItsEnd)
-{
-    const CityStreetContent content;
-    const std::string file = "/tmp/city-camera-" + std::to_string(getpid());
-    ASSERT_TRUE(CameraPathFile::write(
-        file, CAMERA_NAME, SECONDS, CityStreetContent::FRAMES_PER_SECOND, CityStreetContent::KEY_STEP,
-        [&](double t) { return content.cameraAt(t); }, [&](double t) { return content.targetAt(t); }));
-    CameraAnimation path;
-    ASSERT_TRUE(path.load(file.c_str()));
-    std::remove(file.c_str());
-    path.setup();
-    EXPECT_EQ(path.getLastFrame(), static_cast<long>(SECONDS * CityStreetContent::FRAMES_PER_SECOND));
-    for (double t : {0.0, 7.0, 16.0, 24.5, SECONDS}) {
-        const Vector3 got = path.getPositionTrack()->evaluate(static_cast<float>(t * 24.0));
-        const Vec3 want = content.cameraAt(t);
-        EXPECT_LT((Vec3{got.x, got.y, got.z} - want).length(), 0.05) << t;
     }
 }
 
