@@ -5,6 +5,7 @@
 #include "scene/LightMgr.h"
 #include "scene/VertexArray.h"
 #include "support/GLContext.h"
+#include "support/VectorNear.h"
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
@@ -14,20 +15,15 @@ namespace {
 
 const EffectTimer SPAN(259.5f, 289.5f);
 
-void expectNear(const Vector3& a, const Vector3& b)
-{
-    EXPECT_NEAR(a.x, b.x, 1e-4f);
-    EXPECT_NEAR(a.y, b.y, 1e-4f);
-    EXPECT_NEAR(a.z, b.z, 1e-4f);
-}
+const float CLOSE = 1e-4f;
 
 }
 
 TEST(SwirlCurve, TakesDegrees)
 {
     // x = 0.3, y = 0.2, z = 1 + sin(pi squared), all times 10.
-    expectNear(Swirl::curve(0.0f), Vector3(3.0f, 2.0f, 5.6969f));
-    expectNear(Swirl::curve(90.0f), Vector3(-4.369861f, 6.0f, 7.862006f));
+    expectNear(Swirl::curve(0.0f), Vector3(3.0f, 2.0f, 5.6969f), CLOSE);
+    expectNear(Swirl::curve(90.0f), Vector3(-4.369861f, 6.0f, 7.862006f), CLOSE);
 }
 
 TEST(SwirlTrail, AnUpdateAddsOnePointAtMostOnceTheFramesMakeUpAStepUpToSixty)
@@ -62,10 +58,10 @@ TEST(SwirlTrail, OnlyPointsInUseFollowTheHead)
     swirl.update(0.5f);
     swirl.update(0.5f);
     ASSERT_EQ(swirl.getCount(), 3);
-    expectNear((*swirl.getPoints())[0].position, Swirl::curve(24.0f));
+    expectNear((*swirl.getPoints())[0].position, Swirl::curve(24.0f), CLOSE);
     // Beyond the count the points keep their resting places.
-    expectNear((*swirl.getPoints())[3].position, Swirl::curve(6.0f));
-    expectNear((*swirl.getPoints())[59].position, Swirl::curve(118.0f));
+    expectNear((*swirl.getPoints())[3].position, Swirl::curve(6.0f), CLOSE);
+    expectNear((*swirl.getPoints())[59].position, Swirl::curve(118.0f), CLOSE);
 }
 
 namespace {

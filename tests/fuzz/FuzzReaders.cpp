@@ -145,33 +145,19 @@ Outcome registryRoundTrip(Registry* registry)
     return saved[1] == saved[3] ? FuzzReaders::LOADED : FuzzReaders::INCONSISTENT;
 }
 
-// A material set on its own, as mesh and octree files carry it.
-Outcome materialSet(const uint8_t* data, size_t size)
+// A whole registry's chunk: a material set on its own, as mesh and octree files carry it, lights or cameras.
+template <typename Registry>
+Outcome registrySet(Registry* registry, const uint8_t* data, size_t size)
 {
     std::istringstream in = streamOf(data, size);
-    MaterialMgr* materials = MaterialMgr::getHandle();
-    Outcome result = materials->load(in) ? registryRoundTrip(materials) : FuzzReaders::REJECTED;
+    Outcome result = registry->load(in) ? registryRoundTrip(registry) : FuzzReaders::REJECTED;
     clearRegistries();
     return result;
 }
 
-Outcome lightSet(const uint8_t* data, size_t size)
-{
-    std::istringstream in = streamOf(data, size);
-    LightMgr* lights = LightMgr::getHandle();
-    Outcome result = lights->load(in) ? registryRoundTrip(lights) : FuzzReaders::REJECTED;
-    clearRegistries();
-    return result;
-}
-
-Outcome cameraSet(const uint8_t* data, size_t size)
-{
-    std::istringstream in = streamOf(data, size);
-    CameraMgr* cameras = CameraMgr::getHandle();
-    Outcome result = cameras->load(in) ? registryRoundTrip(cameras) : FuzzReaders::REJECTED;
-    clearRegistries();
-    return result;
-}
+Outcome materialSet(const uint8_t* data, size_t size) { return registrySet(MaterialMgr::getHandle(), data, size); }
+Outcome lightSet(const uint8_t* data, size_t size) { return registrySet(LightMgr::getHandle(), data, size); }
+Outcome cameraSet(const uint8_t* data, size_t size) { return registrySet(CameraMgr::getHandle(), data, size); }
 
 Outcome textureList(const uint8_t* data, size_t size)
 {

@@ -1,16 +1,10 @@
 // Plane: construction, classification tolerances and the sphere asymmetry, intersections.
 #include "math/Plane.h"
+#include "support/VectorNear.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-5f)
-{
-    EXPECT_NEAR(a.x, b.x, tolerance);
-    EXPECT_NEAR(a.y, b.y, tolerance);
-    EXPECT_NEAR(a.z, b.z, tolerance);
-}
 
 const Plane ground(0, 1, 0, 0);
 

@@ -1,19 +1,9 @@
 // Matrix builders: entry placement, rotation sense, projections' signs, the view matrix.
 #include "math/Transform.h"
+#include "support/VectorNear.h"
 
 #include <gtest/gtest.h>
 #include <cmath>
-
-namespace {
-
-void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-5f)
-{
-    EXPECT_NEAR(a.x, b.x, tolerance);
-    EXPECT_NEAR(a.y, b.y, tolerance);
-    EXPECT_NEAR(a.z, b.z, tolerance);
-}
-
-}  // namespace
 
 TEST(Builders, OverwriteEveryEntryAndTranslateFourthArgumentIsTheCorner)
 {

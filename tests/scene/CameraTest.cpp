@@ -5,6 +5,7 @@
 #include "scene/Frustum.h"
 #include "support/GLContext.h"
 #include "ByteImage.h"
+#include "support/VectorNear.h"
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
@@ -15,11 +16,6 @@
 using namespace bytes;
 
 namespace {
-
-void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-6f)
-{
-    EXPECT_LT((a - b).length(), tolerance) << a << " is not " << b;
-}
 
 // Counts the resizes the registry asks for.
 class CountingCamera : public Camera {
@@ -108,8 +104,8 @@ TEST(CameraSettings, StraightDownUsesXAsUpAndTurnsSwingTheTarget)
     camera.lookAt(Vector3(0, 10, 0), Vector3(0, 0, 0));
     camera.calcUVN();
     EXPECT_EQ(camera.getN(), Vector3(0, -1, 0));
-    expectNear(camera.getV(), Vector3(1, 0, 0));
-    expectNear(camera.getU(), Vector3(0, 0, 1));
+    expectNear(camera.getV(), Vector3(1, 0, 0), 1e-6f);
+    expectNear(camera.getU(), Vector3(0, 0, 1), 1e-6f);
     camera.lookAt(Vector3(1, 0, 1), Vector3(1, 0, 11));
     camera.turnLeft(90.0f);
     // RotateAroundY turns +z towards +x.

@@ -6,6 +6,7 @@
 #include "scene/MeshAnimation.h"
 
 #include "ByteImage.h"
+#include "support/VectorNear.h"
 
 #include <gtest/gtest.h>
 
@@ -17,11 +18,6 @@ using namespace bytes;
 namespace {
 
 Vector3 column(const Matrix4& m, int c) { return Vector3(m[c], m[4 + c], m[8 + c]); }
-
-void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-5f)
-{
-    EXPECT_LT((a - b).length(), tolerance) << a << " is not " << b;
-}
 
 // A proper rotation: orthonormal columns and a right-handed basis.
 void expectRotation(const Matrix4& m)

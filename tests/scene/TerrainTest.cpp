@@ -5,6 +5,7 @@
 #include "scene/Camera.h"
 #include "scene/Frustum.h"
 #include "support/GLContext.h"
+#include "support/VectorNear.h"
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
@@ -33,13 +34,6 @@ void makePlane(Terrain& terrain)
 float planeAt(float x, float z)
 {
     return 1.0f + SLOPE_X * (x - 10.0f) + SLOPE_Z * (z + 5.0f) + 3.0f;
-}
-
-void expectNear(const Vector3& got, const Vector3& want, float tolerance)
-{
-    EXPECT_NEAR(got.x, want.x, tolerance);
-    EXPECT_NEAR(got.y, want.y, tolerance);
-    EXPECT_NEAR(got.z, want.z, tolerance);
 }
 
 // Dunes over [-64, 64] on both axes: 65 x 65 points two units apart.

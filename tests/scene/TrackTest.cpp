@@ -3,6 +3,7 @@
 #include "scene/TCB.h"
 
 #include "ByteImage.h"
+#include "support/VectorNear.h"
 
 #include <gtest/gtest.h>
 #include <climits>
@@ -18,11 +19,6 @@ Lin3Key* add(Track& track, int frame, const Vector3& value)
     Lin3Key* key = new Lin3Key(static_cast<float>(frame), value);
     track.insertKey(key);
     return key;
-}
-
-void expectNear(const Vector3& a, const Vector3& b, float tolerance = 1e-5f)
-{
-    EXPECT_LT((a - b).length(), tolerance) << a << " is not " << b;
 }
 
 const Vector3 A(1, 2, 3);
