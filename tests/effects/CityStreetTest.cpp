@@ -8,7 +8,6 @@
 #include "effects/OwnLights.h"
 #include "effects/SceneKit.h"
 
-#include "MissingData.h"
 #include "SceneTest.h"
 
 #include "scene/Camera.h"

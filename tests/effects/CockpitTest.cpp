@@ -3,7 +3,6 @@
 // with and without its data.
 #include "effects/Cockpit.h"
 
-#include "MissingData.h"
 #include "SceneTest.h"
 #include "effects/Harmonix.h"
 #include "math/MathConstants.h"
@@ -153,18 +152,7 @@ TEST_F(CockpitTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStillRun
 {
     SceneHarness::forgetPictures();
     MissingData nothing;
-    ASSERT_TRUE(nothing.entered());
-    {
-        Cockpit cockpit(0, SPAN);
-        cockpit.initiate();
-        EXPECT_EQ(cockpit.getFrame(), nullptr);
-        for (int i = 0; i < 3; ++i) {
-            cockpit.update(0.1f);
-            SceneHarness::drawFrame(cockpit);
-        }
-        cockpit.shutdown();
-    }
-    nothing.finish();
+    runWithoutData<Cockpit>(nothing, SPAN, 3, 0.1f, [](Cockpit& cockpit) { EXPECT_EQ(cockpit.getFrame(), nullptr); });
     const char* const files[] = {FRAME,
                                  FONT.file,
                                  PLANET_SURFACE.file,

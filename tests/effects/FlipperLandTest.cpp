@@ -1,7 +1,6 @@
 // The flipper land: its camera swings round the play, a start with and without its data, and the play running on the forged land.
 #include "effects/FlipperLand.h"
 
-#include "MissingData.h"
 #include "SceneTest.h"
 #include "scene/LightMgr.h"
 #include "texture/TextureMaterial.h"
@@ -59,18 +58,8 @@ class FlipperLandTest : public SceneTest {};
 TEST_F(FlipperLandTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
 {
     MissingData nothing;
-    ASSERT_TRUE(nothing.entered());
-    {
-        FlipperLand land(0, SPAN);
-        land.initiate();
-        EXPECT_FALSE(land.getLand().isCreated());
-        for (int i = 0; i < 20; ++i) {
-            land.update(0.25f);
-            land.display();
-        }
-        land.shutdown();
-    }
-    nothing.finish();
+    runWithoutData<FlipperLand>(nothing, SPAN, 20, 0.25f,
+                                [](FlipperLand& land) { EXPECT_FALSE(land.getLand().isCreated()); });
     for (const char* file : {LAND, PADDLE_MESH, BUMPER_MESH, CAP_MESH, BALL_MESH, FIELD.file, SKY.file, SHINE.file,
                              SHADOW.file, "data/img/particle.png"})
         EXPECT_TRUE(nothing.saidOnce("FlipperLand", file));

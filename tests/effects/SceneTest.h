@@ -1,8 +1,10 @@
-// The scenes' GL fixture: the demo's set-up before each test; the cameras and the fog gone after it.
+// What the scene tests share: the GL fixture, the skip without the forged data, and a run without it.
 #pragma once
 
+#include "MissingData.h"
 #include "SceneHarness.h"
 
+#include "runtime/Effect.h"
 #include "scene/CameraMgr.h"
 #include "support/GLContext.h"
 
@@ -28,3 +30,22 @@ protected:
         GLTest::TearDown();
     }
 };
+
+// Starts a scene where none of its files are, lets `started` look at it, draws `frames` frames `seconds` apart as
+// the demo draws them and shuts it down; `run` keeps what it printed.
+template <typename Scene, typename Started>
+void runWithoutData(MissingData& run, const EffectTimer& span, int frames, float seconds, Started started)
+{
+    ASSERT_TRUE(run.entered());
+    {
+        Scene scene(0, span);
+        scene.initiate();
+        started(scene);
+        for (int i = 0; i < frames; ++i) {
+            scene.update(seconds);
+            SceneHarness::drawFrame(scene);
+        }
+        scene.shutdown();
+    }
+    run.finish();
+}

@@ -1,7 +1,6 @@
 // The sea bed: water deepening to the tunnel's colour, the caustic loop, plants leaning within their reach, instance batches, and a start with and without its data.
 #include "effects/SeaBed.h"
 
-#include "MissingData.h"
 #include "SceneTest.h"
 #include "effects/IndexedMesh.h"
 #include "effects/InstanceBatch.h"
@@ -154,20 +153,14 @@ protected:
 TEST_F(SeaBedTest, WithoutItsDataTheScenePrintsOneLinePerMissingPieceAndStillRuns)
 {
     MissingData nothing;
-    ASSERT_TRUE(nothing.entered());
-    {
-        SeaBed scene(0, SPAN);
-        scene.initiate();
+    runWithoutData<SeaBed>(nothing, SPAN, 3, 0.1f, [](SeaBed& scene) {
         EXPECT_EQ(scene.getTerrain(), nullptr);
         EXPECT_EQ(scene.getCameraAnimation(), nullptr);
         EXPECT_FALSE(scene.getEye().isLoaded());
         EXPECT_TRUE(glIsEnabled(GL_FOG));
-        play(scene, 3, 0.1f);
-        scene.shutdown();
-        EXPECT_FALSE(glIsEnabled(GL_FOG));
-        EXPECT_EQ(LightMgr::getHandle()->find("SeaBedSun"), nullptr);
-    }
-    nothing.finish();
+    });
+    EXPECT_FALSE(glIsEnabled(GL_FOG));
+    EXPECT_EQ(LightMgr::getHandle()->find("SeaBedSun"), nullptr);
     // Every file of the scene's own named once, and nothing else said (the shared glow may already
     // be in the texture cache from another test).
     std::vector<std::string> files = {SeaBedLayout::TERRAIN,    SeaBedLayout::CAMERA_PATH, SeaBedLayout::FISH_PATH,

@@ -2,7 +2,6 @@
 // and engines' timing against the song, the baked starlight, and a start with and without its data.
 #include "effects/SpaceCraft.h"
 
-#include "MissingData.h"
 #include "SceneTest.h"
 #include "effects/OctreeBatch.h"
 #include "scene/Camera.h"
@@ -140,19 +139,10 @@ TEST_F(SpaceCraftTest, WithoutItsDataEachMissingPieceIsNamedOnceAndTheSceneStill
 {
     SceneHarness::forgetPictures();
     MissingData nothing;
-    ASSERT_TRUE(nothing.entered());
-    {
-        SpaceCraft scene(0, SPAN);
-        scene.initiate();
+    runWithoutData<SpaceCraft>(nothing, SPAN, 3, 0.1f, [](SpaceCraft& scene) {
         EXPECT_EQ(scene.getHull(), nullptr);
         EXPECT_EQ(scene.getCameraAnimation(), nullptr);
-        for (int i = 0; i < 3; ++i) {
-            scene.update(0.1f);
-            SceneHarness::drawFrame(scene);
-        }
-        scene.shutdown();
-    }
-    nothing.finish();
+    });
     const char* const files[] = {OCTREE,
                                  CAMERA_PATH,
                                  NEBULA_UP.file,

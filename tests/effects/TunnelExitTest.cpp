@@ -1,7 +1,6 @@
 // The tunnel exit: the light's timing against the song, the walls' burst, a start with and without its data.
 #include "effects/TunnelExit.h"
 
-#include "MissingData.h"
 #include "SceneTest.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
@@ -87,21 +86,12 @@ class TunnelExitTest : public SceneTest {};
 TEST_F(TunnelExitTest, WithoutItsDataTheSceneSaysWhatIsMissingAndStillRuns)
 {
     MissingData nothing;
-    ASSERT_TRUE(nothing.entered());
-    {
-        TunnelExit exit(0, SPAN);
-        exit.initiate();
+    // Through the hit and out, drawing every step.
+    runWithoutData<TunnelExit>(nothing, SPAN, 40, 0.2f, [](TunnelExit& exit) {
         EXPECT_EQ(exit.getTunnel(), nullptr);
         EXPECT_EQ(exit.getCameraAnimation(), nullptr);
-        // Through the hit and out, drawing every step.
-        for (int i = 0; i < 40; ++i) {
-            exit.update(0.2f);
-            exit.display();
-        }
-        exit.shutdown();
-        EXPECT_FALSE(glIsEnabled(GL_FOG));
-    }
-    nothing.finish();
+    });
+    EXPECT_FALSE(glIsEnabled(GL_FOG));
     for (const char* file : {OCTREE, SLAB_MESH, SHIP_PATH, CAMERA_PATH, "data/3d/ship.msh", ROCK.file, CAUSTICS.file,
                              LIGHT.file, RAY.file, "data/img/ship.png", "data/img/particle.png"})
         EXPECT_TRUE(nothing.saidOnce("TunnelExit", file));

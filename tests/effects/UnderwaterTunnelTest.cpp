@@ -1,7 +1,6 @@
 // The underwater tunnel: the angle's wrap, a start with and without its data, its fog, and what shutdown leaves.
 #include "effects/UnderwaterTunnel.h"
 
-#include "MissingData.h"
 #include "SceneTest.h"
 #include "scene/Camera.h"
 #include "scene/CameraAnimation.h"
@@ -43,10 +42,7 @@ class UnderwaterTunnelTest : public SceneTest {};
 TEST_F(UnderwaterTunnelTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns)
 {
     MissingData nothing;
-    ASSERT_TRUE(nothing.entered());
-    {
-        UnderwaterTunnel tunnel(0, SPAN);
-        tunnel.initiate();
+    runWithoutData<UnderwaterTunnel>(nothing, SPAN, 2, 0.1f, [](UnderwaterTunnel& tunnel) {
         EXPECT_EQ(tunnel.getTunnel(), nullptr);
         EXPECT_EQ(tunnel.getShipAnimation(), nullptr);
         // Fog in the clear colour; its start is set although the exponential mode does not use it.
@@ -60,14 +56,8 @@ TEST_F(UnderwaterTunnelTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns
         glGetFloatv(GL_COLOR_CLEAR_VALUE, fog + 6);
         EXPECT_EQ(std::vector<float>(fog, fog + 6), (std::vector<float>{0.1f, 190.0f, 0.1f, 0.15f, 0.2f, 1.0f}));
         EXPECT_EQ(std::vector<float>(fog + 2, fog + 6), std::vector<float>(fog + 6, fog + 10));
-        for (int i = 0; i < 2; ++i) {
-            tunnel.update(0.1f);
-            tunnel.display();
-        }
-        tunnel.shutdown();
-        EXPECT_FALSE(glIsEnabled(GL_FOG));
-    }
-    nothing.finish();
+    });
+    EXPECT_FALSE(glIsEnabled(GL_FOG));
     const std::string& errors = nothing.getErrors();
     for (const char* message : {"Unable to load tunnel data\n", "Unable to load ship\n",
                                 "Unable to load ship animation\n", "UNABLE TO LOAD data/3d/leaf.msh\n",
