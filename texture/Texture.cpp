@@ -2,6 +2,7 @@
 #include "texture/Texture.h"
 
 #include "gl/GLEXT.h"
+#include "texture/TextureLoader.h"
 #include "texture/TextureMgr.h"
 
 #include <GL/gl.h>
@@ -120,7 +121,7 @@ void Texture::prepareUpload(int minFilter, int magFilter)
 
 bool Texture::upload()
 {
-    if (!data)
+    if (!refill())
         return false;
     GLint filter = texQuality > 1 ? GL_LINEAR : GL_NEAREST;
     prepareUpload(filter, filter);
@@ -189,8 +190,31 @@ bool Texture::unload()
     return true;
 }
 
+void Texture::releasePixels()
+{
+    delete[] data;
+    data = nullptr;
+    pixelsInFile = true;
+}
+
+bool Texture::refill()
+{
+    if (data)
+        return true;
+    if (!pixelsInFile)
+        return false;
+    unsigned char* pixels = TextureLoader::allocPixels(width, height, format);
+    if (!pixels)
+        return false;
+    store(width, height, bitsPerPixel, format, pixels);
+    // A file changed or gone since leaves the picture black, as a damaged one would.
+    reload();
+    return true;
+}
+
 void Texture::reset()
 {
+    pixelsInFile = false;
     if (glName != noName)
         unload();
     delete[] data;

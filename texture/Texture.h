@@ -29,6 +29,13 @@ public:
     virtual bool unload();
     virtual void updateSubTex();
 
+    // Gives back the pixels of a picture loaded from the file it is named after, once GL holds it: an upload, and
+    // so a bind that finds the GL object gone, reads them again first.
+    void releasePixels();
+    // The pixels given back read again from the file, into a buffer of the size the texture keeps; true when the
+    // texture holds pixels.
+    bool refill();
+
     bool bind();
     void unbind();
     void bind(unsigned int unit);
@@ -72,6 +79,7 @@ protected:
     unsigned char* data;
     unsigned int glName;
     int storageFormat = 0;
+    bool pixelsInFile = false;
 
     static TexQuality texQuality;
 };

@@ -1,10 +1,13 @@
-// Texture and MipMapTexture: ownership rules of create, lazy upload, filters by quality, level chain.
+// Texture and MipMapTexture: ownership rules of create, lazy upload, filters by quality, level chain, pixels given back.
+#include "TestImages.h"
 #include "support/GLContext.h"
 
 #include "texture/MipMapTexture.h"
 #include "texture/Texture.h"
+#include "texture/TextureMgr.h"
 
 #include <GL/gl.h>
+#include <png.h>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <vector>
@@ -29,6 +32,14 @@ void drawQuad()
         glVertex2f(2 * u - 1, 2 * v - 1);
     }
     glEnd();
+}
+
+// What GL holds of the bound texture, as RGB rows.
+Bytes heldByGL(const Texture& t)
+{
+    Bytes rgb(static_cast<size_t>(t.getWidth() * t.getHeight() * 3));
+    glGetTexImage(GL_TEXTURE_2D, 0, GL_RGB, GL_UNSIGNED_BYTE, rgb.data());
+    return rgb;
 }
 
 } // namespace
@@ -96,6 +107,41 @@ TEST_F(TextureGL, AStorageFormatHoldsTheSamePixelsAcrossRecreation)
         GLuint name = t.getGLName();
         glDeleteTextures(1, &name);
     }
+}
+
+// A picture from the cache gives its pixels back once GL holds it; an upload, or a bind that finds the object gone,
+// reads them again from its file bit for bit. A reset texture reads nothing.
+TEST_F(TextureGL, PixelsGivenBackComeAgainFromTheFile)
+{
+    const std::string path = scratchPath("given-back.png");
+    const PngShape rgb = {2, 2, PNG_COLOR_TYPE_RGB, 8, {1, 2, 3, 40, 50, 60, 70, 80, 90, 200, 210, 220}, {}, {}};
+    ASSERT_TRUE(writePng(path, rgb));
+    Texture* t = TextureMgr::getHandle()->loadTexture(path.c_str(), 7);
+    ASSERT_NE(nullptr, t);
+    const Bytes original = pixelsOf(t);
+    ASSERT_TRUE(t->upload());
+    t->releasePixels();
+    EXPECT_EQ(nullptr, t->getDataPtr());
+    EXPECT_TRUE(glIsTexture(t->getGLName()));
+
+    GLuint name = t->getGLName();
+    glDeleteTextures(1, &name);
+    EXPECT_TRUE(t->bind());
+    EXPECT_EQ(original, heldByGL(*t));
+    EXPECT_EQ(original, pixelsOf(t));
+
+    t->unload();
+    t->releasePixels();
+    ASSERT_TRUE(t->upload());
+    t->bind();
+    EXPECT_EQ(original, heldByGL(*t));
+    t->unbind();
+
+    t->releasePixels();
+    t->reset();
+    EXPECT_FALSE(t->upload());
+    EXPECT_FALSE(t->refill());
+    TextureMgr::getHandle()->removeTexture(path.c_str());
 }
 
 TEST_F(TextureGL, UploadedAndUpdatedPixelsReachTheScreen)
