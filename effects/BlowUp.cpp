@@ -292,6 +292,10 @@ void BlowUp::shutdown()
     kaboom.release();
     rehearsed = false;
     cityCamera.release();
+    // The last scene in the city, and the last to draw the glow: their pictures go with it.
+    CityBlock::releasePictures();
+    OneWayStreet::releasePictures();
+    SceneKit::releaseTextures({FIRE, SMOKE, SHOCK, SharedLayout::PARTICLE});
     CityBlock::endNight();
     LightMgr::getHandle()->remove(SKY_LIGHT);
     LightMgr::getHandle()->remove(FIRE_LIGHT);

@@ -72,6 +72,8 @@ Texture* mipmapped(Texture* texture)
     texture->updateSubTex();
     glBindTexture(GL_TEXTURE_2D, texture->getGLName());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST_MIPMAP_NEAREST);
+    // GL holds every level now; an upload reads the picture again.
+    texture->releasePixels();
     return texture;
 }
 
@@ -196,6 +198,14 @@ void CityBlock::release()
     visible.clear();
     visibleCount = 0;
     drawnFaces = 0;
+}
+
+void CityBlock::releasePictures()
+{
+    if (!shared.expired())
+        return;
+    for (const SurfaceInfo& surface : SURFACES)
+        SceneKit::releaseTexture(surface.picture);
 }
 
 const Octree* CityBlock::getOctree() const

@@ -37,6 +37,9 @@ public:
     bool triedAll() const { return tried == PIECES; }
     bool load(const char* scene);
     void release();
+    // Gives back the surfaces' pictures, for the last scene in the city; nothing while a scene still holds the
+    // block. The next load reads them again.
+    static void releasePictures();
 
     // The leaves in view, one draw per run of neighbouring leaves of one surface; the pictures are
     // modulated by the tint. Texturing is left off and the depth and colour state as found.

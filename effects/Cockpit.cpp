@@ -201,6 +201,10 @@ void Cockpit::release()
 
 void Cockpit::shutdown()
 {
+    // The last scene under the space sky and the planet: their pictures go with it.
+    twins.releasePictures();
+    SpaceBackdrop::releasePictures();
+    Planet::releasePictures();
     release();
     backdrop.release();
     planet.shutdown();

@@ -70,6 +70,9 @@ void Credit::initiate()
         texture->setStorageFormat(CREDIT_STORAGE);
         texture->upload();
     }
+    // The ink is measured in the pixels, which the last credit gave back when the credits last ended.
+    if (texture)
+        texture->refill();
     const float v = CREDIT_V * static_cast<float>(index);
     pictureInk.measure(texture, PICTURE_S_RIGHT, PICTURE_S_LEFT, v, v + CREDIT_V, INK_BAND_ROWS);
     trailInk.measure(texture, TRAIL_S_RIGHT, TRAIL_S_LEFT, v, v + CREDIT_V, INK_BAND_ROWS);
@@ -89,8 +92,11 @@ void Credit::initiate()
 
 void Credit::shutdown()
 {
-    if (index == 3 && texture)
-        texture->unload();
+    if (index != 3 || !texture)
+        return;
+    texture->unload();
+    // Four megabytes no later scene reads: the texture stays in the cache and reads them again to be sent to GL.
+    texture->releasePixels();
 }
 
 void Credit::update(float seconds)

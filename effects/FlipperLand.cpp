@@ -427,6 +427,8 @@ void FlipperLand::release()
 void FlipperLand::shutdown()
 {
     release();
+    // The glow's picture stays for the city after it.
+    SceneKit::releaseTextures({FIELD, SKY, SHINE, SHADOW});
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
     LightMgr::getHandle()->remove(SUN_NAME);
     LightMgr::getHandle()->remove(FILL_NAME);

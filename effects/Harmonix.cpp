@@ -101,6 +101,8 @@ void Harmonix::shutdown()
 {
     SongMeter::getHandle()->release();
     font = nullptr;
+    // Only the cockpit has these displays.
+    SceneKit::releaseTexture(FONT);
     reading.clear();
     readLines();
 }

@@ -44,6 +44,8 @@ const float WAVE_SPEED = 45.0f;
 const float WATER_EXTENT = 200.0f;
 const float WATER_TEXTURE_REPEAT = 40.0f;
 const int MOUNTAIN_GRID = 10;
+// No later scene draws these; the sky alone holds fourteen megabytes, pixels and the renderer's copy.
+const TextureFile OWN_PICTURES[] = {SAND, WATER, SKY, WINDOW};
 
 const Vector3 BIRD_OFFSETS[Islands::NUM_BIRDS] = {
     Vector3(0.0f, 0.0f, 0.0f),    Vector3(20.0f, -0.5f, 8.0f),   Vector3(-6.0f, 5.0f, 4.0f),
@@ -478,6 +480,7 @@ void Islands::shutdown()
     unloadCluster();
     unloadCameraAnims();
     unloadWaterMesh();
+    SceneKit::releaseTextures(OWN_PICTURES);
 }
 
 void Islands::unloadBezierMeshes()

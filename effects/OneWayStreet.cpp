@@ -302,6 +302,11 @@ void OneWayStreet::load(const char* scene)
     }
 }
 
+void OneWayStreet::releasePictures()
+{
+    SceneKit::releaseTextures({TRAIL, POOL, BEAM, NEON});
+}
+
 void OneWayStreet::release()
 {
     delete car;

@@ -76,6 +76,9 @@ public:
     bool triedAll() const;
     void load(const char* scene);
     void release();
+    // Gives back the lights' own pictures (the glow's is shared), for the last scene in the city; load reads
+    // them again.
+    static void releasePictures();
 
     // The street's clock (seconds into the city) and how far the camera moved over the last trail time.
     void update(double time, const Vector3& cameraTravel);

@@ -60,6 +60,12 @@ void Planet::shutdown()
     ring.clear();
 }
 
+void Planet::releasePictures()
+{
+    using namespace CockpitLayout;
+    SceneKit::releaseTextures({PLANET_SURFACE, PLANET_CLOUDS, PLANET_HALO});
+}
+
 void Planet::makeSphere()
 {
     points.clear();

@@ -32,6 +32,9 @@ public:
     // Through the active camera, which the atmosphere always faces; nothing when out of its view.
     void display() override;
 
+    // Gives back the pictures, for the last scene that shows the planet; initiate reads them again.
+    static void releasePictures();
+
     void place(const Vector3& centre, float radius);
     const Vector3& getCentre() const { return centre; }
     float getRadius() const { return radius; }

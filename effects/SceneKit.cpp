@@ -14,16 +14,32 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
-Texture* SceneKit::loadTexture(const TextureFile& picture)
+namespace {
+
+// Through the cache as it is: an upload reads pixels given back again itself.
+Texture* cached(const TextureFile& picture)
 {
     return TextureMgr::getHandle()->loadTexture(picture.file, picture.format);
 }
 
+}  // namespace
+
+Texture* SceneKit::loadTexture(const TextureFile& picture)
+{
+    Texture* texture = cached(picture);
+    if (texture)
+        texture->refill();
+    return texture;
+}
+
 Texture* SceneKit::preloadTexture(const TextureFile& picture)
 {
-    Texture* texture = loadTexture(picture);
-    if (texture && texture->getGLName() == Texture::noName)
+    Texture* texture = cached(picture);
+    if (!texture)
+        return nullptr;
+    if (texture->getGLName() == Texture::noName)
         texture->upload();
+    texture->releasePixels();
     return texture;
 }
 
@@ -37,7 +53,7 @@ Texture* SceneKit::preloadOrReport(const char* scene, const TextureFile& picture
 
 Texture* SceneKit::preloadMipmapped(const TextureFile& picture)
 {
-    Texture* texture = loadTexture(picture);
+    Texture* texture = cached(picture);
     if (!texture)
         return nullptr;
     texture->upload();
@@ -48,6 +64,7 @@ Texture* SceneKit::preloadMipmapped(const TextureFile& picture)
     glBindTexture(GL_TEXTURE_2D, texture->getGLName());
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_NEAREST);
     texture->unbind();
+    texture->releasePixels();
     return texture;
 }
 
@@ -55,6 +72,15 @@ Texture* SceneKit::loadTextureAhead(const TextureFile& picture)
 {
     TextureStateKeeper kept;
     return preloadTexture(picture);
+}
+
+void SceneKit::releaseTexture(const TextureFile& picture)
+{
+    Texture* texture = TextureMgr::getHandle()->findTexture(picture.file);
+    if (!texture)
+        return;
+    texture->unload();
+    texture->releasePixels();
 }
 
 TextureMaterial* SceneKit::makeMaterial(const char* name, Texture* texture, int blendMode, unsigned long flags)
@@ -77,9 +103,10 @@ TextureMaterial* SceneKit::findOrMakeMaterial(const char* scene, const char* nam
                                               unsigned long flags, int blendMode)
 {
     TextureMaterial* existing = dynamic_cast<TextureMaterial*>(MaterialMgr::getHandle()->find(name));
-    if (existing)
-        return existing;
-    return makeMaterial(name, preloadOrReport(scene, picture), blendMode, flags);
+    if (!existing)
+        return makeMaterial(name, preloadOrReport(scene, picture), blendMode, flags);
+    preloadTexture(picture);
+    return existing;
 }
 
 TextureMaterial* SceneKit::overlayOrReport(const char* scene, const char* name, const TextureFile& picture,

@@ -5,6 +5,7 @@
 #include "math/Vector3.h"
 #include "texture/TextureFormat.h"
 
+#include <cstddef>
 #include <iostream>
 #include <string>
 
@@ -25,10 +26,11 @@ public:
         float attenuation[3];
     };
 
-    // Through the texture cache; null when it cannot be read.
+    // Through the texture cache, with its pixels (read again when they were given back); null when it cannot be read.
     static Texture* loadTexture(const TextureFile& picture);
     // The same, sent to GL now: no picture is uploaded in the frame loop, and an upload made
-    // at a bind on the second texture unit would land on the first.
+    // at a bind on the second texture unit would land on the first. GL holds the picture then, and the file:
+    // the pixels are given back, read again should it be sent once more.
     static Texture* preloadTexture(const TextureFile& picture);
     // The same, or null after printing the scenes' common message (below) for the picture; silent without a scene.
     static Texture* preloadOrReport(const char* scene, const TextureFile& picture);
@@ -38,9 +40,21 @@ public:
     // A picture through the cache and sent to GL while other scenes draw: the texture state is left as found.
     static Texture* loadTextureAhead(const TextureFile& picture);
 
+    // Gives back a scene's own pictures when it ends, GL's copy and the pixels: the last scene to draw a picture
+    // releases it. The textures stay in the cache, so the materials wearing them stay valid, and an upload
+    // reads the pixels again; a later start preloads them before drawing them or compiling them into a list.
+    template <size_t N>
+    static void releaseTextures(const TextureFile (&pictures)[N])
+    {
+        for (const TextureFile& picture : pictures)
+            releaseTexture(picture);
+    }
+    static void releaseTexture(const TextureFile& picture);
+
     // A textured material made with these values and registered (whether or not one of that name exists).
     static TextureMaterial* makeMaterial(const char* name, Texture* texture, int blendMode, unsigned long flags);
-    // The registered textured material of that name, or one made from the picture, preloaded, and registered.
+    // The registered textured material of that name, or one made from the picture, and either way the picture
+    // preloaded (a scene before may have released it).
     static TextureMaterial* findOrMakeMaterial(const char* name, const TextureFile& picture, unsigned long flags,
                                                int blendMode);
     // The same, a missing picture reported for the scene with preloadOrReport.

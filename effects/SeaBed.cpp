@@ -40,6 +40,8 @@ const int BUBBLES_PER_VENT = 40;
 const float FIELD_OF_VIEW = 58.0f;
 const float NEAR_CLIP = 0.3f;
 const float FAR_CLIP = 85.0f;
+// Every picture of the sea bed but the caustics, its own: each start loads them again through the kit.
+const TextureFile OWN_PICTURES[] = {SAND, ROCK, KELP, FAN, FISH, IRIS, SHAFT, BUBBLE, SURFACE};
 // The sun stands high and a little behind the way down; the shafts slant along it.
 const Vector3 SUN(0.3f, 1.0f, 0.45f);
 const SceneKit::LightSetup SUN_SETUP = {SUN,
@@ -686,6 +688,8 @@ void SeaBed::release()
 void SeaBed::shutdown()
 {
     release();
+    SceneKit::releaseTextures(OWN_PICTURES);
+    SceneKit::releaseTextures(CAUSTICS);
     glDisable(GL_FOG);
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
     LightMgr::getHandle()->remove(SUN_LIGHT);

@@ -117,6 +117,11 @@ void SpaceBackdrop::release()
     colours.clear();
 }
 
+void SpaceBackdrop::releasePictures()
+{
+    SceneKit::releaseTextures({SpaceCraftLayout::NEBULA_UP, SpaceCraftLayout::NEBULA_DOWN});
+}
+
 void SpaceBackdrop::draw(const Camera& camera) const
 {
     if (!dome)

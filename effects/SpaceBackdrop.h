@@ -22,6 +22,8 @@ public:
     // The pictures and the stars; a missing picture leaves its dome black.
     void load();
     void release();
+    // Gives back the nebula's pictures, for the last scene under this sky; load reads them again.
+    static void releasePictures();
     bool hasNebula() const { return upper && lower; }
 
     // Around the camera, beyond everything: drawn after the solid things, only where they left the

@@ -333,6 +333,9 @@ void SpaceCraft::release()
 
 void SpaceCraft::shutdown()
 {
+    // The hull's and the exhausts' pictures are its own; the sky and the planet are the cockpit's next.
+    twins.releasePictures();
+    SceneKit::releaseTexture(GLOW);
     release();
     backdrop.release();
     planet.shutdown();

@@ -4,6 +4,7 @@
 #include "effects/SceneKit.h"
 #include "texture/Material.h"
 #include "texture/MaterialMgr.h"
+#include "texture/Texture.h"
 #include "texture/TextureMaterial.h"
 
 #include <cstring>
@@ -23,8 +24,15 @@ void TextureTwins::make()
     for (int part = 0; part < count; ++part) {
         const std::string name = std::string(scene) + names[part];
         twins[part] = dynamic_cast<TextureMaterial*>(registry->find(name.c_str()));
+        if (twins[part]) {
+            // Its picture, released when the scene last ended, is made again the way it was first made.
+            const Texture* texture = twins[part]->getTexture();
+            if (texture && texture->getGLName() == Texture::noName && pictures[part])
+                load(*pictures[part]);
+            continue;
+        }
         const Material* named = registry->find(names[part]);
-        if (twins[part] || !named)
+        if (!named)
             continue;
         // A picture an earlier part loaded (or failed to) is not loaded again.
         const TextureFile* picture = pictures[part];
@@ -35,7 +43,7 @@ void TextureTwins::make()
         if (first < part) {
             texture = twins[first] ? twins[first]->getTexture() : nullptr;
         } else if (picture) {
-            texture = mipmapped ? SceneKit::preloadMipmapped(*picture) : SceneKit::preloadTexture(*picture);
+            texture = load(*picture);
             if (!texture)
                 std::cerr << SceneKit::missingMessage(scene, picture->file);
         }
@@ -48,6 +56,18 @@ void TextureTwins::make()
         twin->setShininess(named->getShininess());
         twins[part] = twin;
     }
+}
+
+Texture* TextureTwins::load(const TextureFile& picture) const
+{
+    return mipmapped ? SceneKit::preloadMipmapped(picture) : SceneKit::preloadTexture(picture);
+}
+
+void TextureTwins::releasePictures()
+{
+    for (int part = 0; part < count; ++part)
+        if (pictures[part])
+            SceneKit::releaseTexture(*pictures[part]);
 }
 
 void TextureTwins::forget()

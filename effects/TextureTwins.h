@@ -4,6 +4,7 @@
 #include "texture/TextureFormat.h"
 
 class Material;
+class Texture;
 class TextureMaterial;
 
 class TextureTwins {
@@ -19,12 +20,16 @@ public:
     // is reported once, however many parts it serves.
     void make();
     void forget();
+    // Gives back the parts' pictures when the scene ends; make reads them again.
+    void releasePictures();
 
     // The twin of a material by its name, or the material itself when it has none.
     Material* twinOf(Material* named) const;
     TextureMaterial* get(int part) const { return twins[part]; }
 
 private:
+    Texture* load(const TextureFile& picture) const;
+
     const char* scene;
     const char* const* names;
     const TextureFile* const* pictures;

@@ -39,6 +39,8 @@ const char* const SHIP_MATERIAL = "ShipExitMaterial";
 const char* const MOTE_MATERIAL = "ExitMote";
 const char* const LIGHT1_NAME = "ExitLight1";
 const char* const LIGHT2_NAME = "ExitLight2";
+// The exit's own pictures and the ship's, which no later scene draws.
+const TextureFile OWN_PICTURES[] = {ROCK, CAUSTICS, LIGHT, RAY, SharedLayout::SHIP_TEXTURE};
 
 // The deep's fog, as in the tunnel, and the white-blue of the water just under the surface.
 const Color DEEP(0.1f, 0.15f, 0.2f, 1.0f);
@@ -369,12 +371,16 @@ void TunnelExit::scatterMotes()
 
 void TunnelExit::loadMaterials()
 {
+    // Sent to GL at every start: a later start finds the material with the pictures the last end released, and
+    // the caustics, on the second texture unit, must not go to GL at a bind.
+    Texture* rock = SceneKit::preloadOrReport(SCENE, ROCK);
+    Texture* caustics = SceneKit::preloadOrReport(SCENE, CAUSTICS);
     MaterialMgr* materials = MaterialMgr::getHandle();
     rockMaterial = dynamic_cast<MulTextureMaterial*>(materials->find(ROCK_MATERIAL));
     if (!rockMaterial) {
         rockMaterial = new MulTextureMaterial(ROCK_MATERIAL);
-        rockMaterial->setTexture(SceneKit::preloadOrReport(SCENE, ROCK));
-        rockMaterial->setTexture2(SceneKit::preloadOrReport(SCENE, CAUSTICS));
+        rockMaterial->setTexture(rock);
+        rockMaterial->setTexture2(caustics);
         // The caustics are mapped from the view, so they swim over the rock as the camera moves.
         rockMaterial->setFlags(Material::defaultFlags | Material::sphereMap2);
         rockMaterial->setBlendMode(Material::blendNone);
@@ -658,6 +664,7 @@ void TunnelExit::shutdown()
         glDeleteLists(leaf.list, 1);
     leaves.clear();
     release();
+    SceneKit::releaseTextures(OWN_PICTURES);
     glDisable(GL_FOG);
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
     LightMgr::getHandle()->remove(LIGHT1_NAME);

@@ -357,6 +357,8 @@ void UnderwaterTunnel::release()
 void UnderwaterTunnel::shutdown()
 {
     release();
+    // Its own pictures, which each start loads again; the ship's and the glow's are drawn by the scenes after it.
+    SceneKit::releaseTextures({ROCK, CAUSTICS, REFLECTION});
     glDisable(GL_FOG);
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
     // The lights go with the scene, giving their units back.

@@ -13,6 +13,8 @@
 #include "scene/OctreeNode.h"
 #include "texture/Material.h"
 #include "texture/MaterialMgr.h"
+#include "texture/Texture.h"
+#include "texture/TextureMgr.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -181,4 +183,18 @@ TEST_F(SpaceCraftTest, WithItsDataEverythingLoadsDrawsAndLeavesNoLightsBehind)
     scene.shutdown();
     EXPECT_EQ(scene.getHull(), nullptr);
     EXPECT_EQ(LightMgr::getHandle()->getNumLights(), lightsBefore);
+
+    // The hull's picture goes with the scene; a second start, finding the twin materials registered, makes it
+    // again with its smaller levels.
+    const Texture* plates = TextureMgr::getHandle()->findTexture(PLATES.file);
+    ASSERT_NE(plates, nullptr);
+    EXPECT_EQ(plates->getGLName(), Texture::noName);
+    SpaceCraft again(0, SPAN);
+    again.initiate();
+    glBindTexture(GL_TEXTURE_2D, plates->getGLName());
+    GLint filter = 0;
+    glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, &filter);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    EXPECT_EQ(filter, GL_LINEAR_MIPMAP_NEAREST);
+    again.shutdown();
 }

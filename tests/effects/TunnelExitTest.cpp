@@ -1,14 +1,19 @@
-// The tunnel exit: the light's timing against the song, the walls' burst, a start with and without its data.
+// The tunnel exit: the light's timing against the song, the walls' burst, a start with and without its data, a second
+// start after its pictures were given back.
 #include "effects/TunnelExit.h"
 
 #include "SceneTest.h"
+#include "gl/GLEXT.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
 #include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
 #include "scene/Octree.h"
+#include "support/OffscreenFrame.h"
 #include "texture/MulTextureMaterial.h"
+#include "texture/Texture.h"
+#include "texture/TextureMgr.h"
 
 #include <gtest/gtest.h>
 #include <cmath>
@@ -124,4 +129,39 @@ TEST_F(TunnelExitTest, WithItsDataEverythingLoadsAndIsWiredTogether)
     EXPECT_EQ(exit.getTunnel(), nullptr);
     EXPECT_EQ(exit.getLeafCount(), 0);
     EXPECT_EQ(LightMgr::getHandle()->find("ExitLight1"), nullptr);
+}
+
+// Its pictures leave GL and memory when it ends. A later start finds its materials registered and sends the pictures
+// to GL again before anything is drawn or compiled into a list (an upload at a bind would be compiled into the
+// tunnel's lists, and one for the caustics on the second texture unit would land on the first); it draws the same
+// frame as the first start.
+TEST_F(TunnelExitTest, ItsPicturesGoAtTheEndAndASecondStartDrawsTheSameFrame)
+{
+    if (access(OCTREE, R_OK) != 0)
+        GTEST_SKIP() << "no forged data tree in the working directory";
+    SceneHarness::prepare();
+    const TextureFile pictures[] = {ROCK, CAUSTICS, LIGHT, RAY};
+    const float moment = HIT_TIME - 1.0f;
+    std::vector<unsigned char> first;
+    {
+        TunnelExit exit(0, SPAN);
+        exit.initiate();
+        exit.update(moment);
+        first = SceneHarness::drawFrame(exit);
+        exit.shutdown();
+    }
+    for (const TextureFile& picture : pictures) {
+        const Texture* texture = TextureMgr::getHandle()->findTexture(picture.file);
+        ASSERT_NE(texture, nullptr) << picture.file;
+        EXPECT_EQ(texture->getGLName(), Texture::noName) << picture.file;
+        EXPECT_EQ(texture->getDataPtr(), nullptr) << picture.file;
+    }
+    TunnelExit again(0, SPAN);
+    again.initiate();
+    for (const TextureFile& picture : pictures)
+        EXPECT_TRUE(glIsTexture(TextureMgr::getHandle()->findTexture(picture.file)->getGLName())) << picture.file;
+    again.update(moment);
+    const std::vector<unsigned char> second = SceneHarness::drawFrame(again);
+    again.shutdown();
+    EXPECT_EQ(OffscreenFrame::countDifferences(first, second, 0), 0u);
 }
