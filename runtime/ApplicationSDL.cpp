@@ -5,11 +5,17 @@
 
 #include <GL/gl.h>
 #include <SDL/SDL.h>
+#include <malloc.h>
 #include <cstdlib>
 #include <iostream>
 #include <string>
 
 namespace {
+
+// The allocator's own starting threshold for blocks in mappings of their own, kept from moving.
+const int BIG_BLOCK_BYTES = 128 * 1024;
+// Free memory at the top of the heap kept for the next frames rather than given back at once.
+const int KEPT_TOP_BYTES = 64 * 1024 * 1024;
 
 // SDL picks these by itself when it finds no X or Wayland display: the demo would then run unseen.
 bool isWindowlessDriver(const std::string& driver)
@@ -64,6 +70,13 @@ bool ApplicationSDL::setupGL()
     // the viewport follow it, and costs half the frame rate in software; full screen takes
     // the desktop's size, so it has nothing to scale either. The user's own setting wins.
     setenv("SDL12COMPAT_OPENGL_SCALING", "0", 0);
+    // Big blocks (pictures, meshes, the renderer's textures) each in a mapping of its own, given back when freed:
+    // left to itself the allocator raises this threshold once the first such block is freed, and what a scene held
+    // then stays in the heap after the scene has ended. Fixing it fixes the trim threshold too, at 128 KiB: the
+    // heap's top was then given back and taken again every frame, which doubled the sea scenes' frame times. The
+    // timeline gives the heap back when a scene ends instead.
+    mallopt(M_MMAP_THRESHOLD, BIG_BLOCK_BYTES);
+    mallopt(M_TRIM_THRESHOLD, KEPT_TOP_BYTES);
     if (SDL_Init(SDL_INIT_VIDEO) < 0) {
         std::cerr << "ERROR! Couldn't init SDL: " << SDL_GetError() << '\n';
         return false;

@@ -3,6 +3,8 @@
 
 #include "runtime/Effect.h"
 
+#include <malloc.h>
+
 EffectMgr::EffectMgr()
     : timer(), pendingCount(0), pending(nullptr), runningCount(0), running(nullptr)
 {
@@ -157,6 +159,7 @@ void EffectMgr::checkPendingList()
 
 void EffectMgr::checkRunningList()
 {
+    bool retired = false;
     node_t** link = &running;
     while (*link) {
         node_t* node = *link;
@@ -169,7 +172,12 @@ void EffectMgr::checkRunningList()
         delete node->effect;
         delete node;
         --runningCount;
+        retired = true;
     }
+    // What an ended scene freed between blocks still in use stays in the heap, counted as resident, until it is
+    // handed back to the system page by page.
+    if (retired)
+        malloc_trim(0);
 }
 
 void EffectMgr::addToRunningList(node_t* node, bool skipInitiate)
