@@ -22,6 +22,19 @@ Texture* cached(const TextureFile& picture)
     return TextureMgr::getHandle()->loadTexture(picture.file, picture.format);
 }
 
+// Whether GL holds the picture with the levels preloadMipmapped makes, bound to find out.
+bool holdsLevels(const Texture& texture)
+{
+    if (texture.getGLName() == Texture::noName || !glIsTexture(texture.getGLName()))
+        return false;
+    glBindTexture(GL_TEXTURE_2D, texture.getGLName());
+    GLint generated = GL_FALSE;
+    GLint minFilter = 0;
+    glGetTexParameteriv(GL_TEXTURE_2D, GL_GENERATE_MIPMAP, &generated);
+    glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, &minFilter);
+    return generated == GL_TRUE && minFilter == GL_LINEAR_MIPMAP_NEAREST;
+}
+
 }  // namespace
 
 Texture* SceneKit::loadTexture(const TextureFile& picture)
@@ -56,6 +69,11 @@ Texture* SceneKit::preloadMipmapped(const TextureFile& picture)
     Texture* texture = cached(picture);
     if (!texture)
         return nullptr;
+    // A scene before made them (the planet is the spacecraft's and the cockpit's): not sent, nor read, again.
+    if (holdsLevels(*texture)) {
+        texture->unbind();
+        return texture;
+    }
     texture->upload();
     // Sending the picture again with generation on fills the smaller levels.
     texture->bind();

@@ -34,7 +34,8 @@ public:
     static Texture* preloadTexture(const TextureFile& picture);
     // The same, or null after printing the scenes' common message (below) for the picture; silent without a scene.
     static Texture* preloadOrReport(const char* scene, const TextureFile& picture);
-    // Preloaded with a mipmap chain made by GL, for pictures seen from far away as well as close up.
+    // Preloaded with a mipmap chain made by GL, for pictures seen from far away as well as close up; a picture GL
+    // holds so already is left as it is.
     static Texture* preloadMipmapped(const TextureFile& picture);
 
     // A picture through the cache and sent to GL while other scenes draw: the texture state is left as found.
