@@ -6,6 +6,7 @@
 #include "effects/Dice.h"
 #include "effects/OwnLights.h"
 #include "effects/SceneKit.h"
+#include "effects/SharedLayout.h"
 
 #include "gl/GLF_checkError.h"
 #include "gl/OrthoView.h"
