@@ -1,10 +1,10 @@
 // Variable: text storage, conversions and the one-line record format.
 #include "config/Variable.h"
 
+#include <strings.h>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <strings.h>
 
 namespace {
 
@@ -33,11 +33,26 @@ void replace(char*& field, const char* text)
 
 Variable::Variable() : name(nullptr), value(nullptr), runtimeFlag(false), next(nullptr) {}
 
-Variable::Variable(const char* n, const char* v, bool runtime) : Variable() { assign(n, v, runtime); }
-Variable::Variable(const char* n, int v, bool runtime) : Variable() { assign(n, v, runtime); }
-Variable::Variable(const char* n, float v, bool runtime) : Variable() { assign(n, v, runtime); }
-Variable::Variable(const char* n, double v, bool runtime) : Variable() { assign(n, v, runtime); }
-Variable::Variable(const char* n, bool v, bool runtime) : Variable() { assign(n, v, runtime); }
+Variable::Variable(const char* n, const char* v, bool runtime) : Variable()
+{
+    assign(n, v, runtime);
+}
+Variable::Variable(const char* n, int v, bool runtime) : Variable()
+{
+    assign(n, v, runtime);
+}
+Variable::Variable(const char* n, float v, bool runtime) : Variable()
+{
+    assign(n, v, runtime);
+}
+Variable::Variable(const char* n, double v, bool runtime) : Variable()
+{
+    assign(n, v, runtime);
+}
+Variable::Variable(const char* n, bool v, bool runtime) : Variable()
+{
+    assign(n, v, runtime);
+}
 
 Variable::Variable(const Variable& other) : Variable()
 {

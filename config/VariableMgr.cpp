@@ -1,12 +1,12 @@
 // VariableMgr: the settings list, its file reader and writer.
 #include "config/VariableMgr.h"
 
-#include <cstring>
 #include <fcntl.h>
+#include <unistd.h>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 
 const char* const VariableMgr::IDENTIFICATION = "Settings Registry v0.1";
 const char* const VariableMgr::NOTICE = "(c) Quorvex Co - settings for Velmora Deep";

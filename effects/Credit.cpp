@@ -34,7 +34,7 @@ const int INK_BAND_ROWS = 64;
 // The credit texture is stored as RGBA: it samples to exactly the values luminance with alpha gives, and faster.
 const int CREDIT_STORAGE = GL_RGBA8;
 
-}
+}  // namespace
 
 Credit::Credit(int creditIndex, short layer, const EffectTimer& timer)
     : Effect(layer, timer), index(creditIndex), textAlpha(0.0f), textAlphaSpeed(0.0f), blurAlpha(0.0f),

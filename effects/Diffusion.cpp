@@ -11,7 +11,6 @@
 
 namespace {
 
-
 void quad(float u0, float v0, float u1, float v1)
 {
     glBegin(GL_QUADS);
@@ -26,11 +25,11 @@ void quad(float u0, float v0, float u1, float v1)
     glEnd();
 }
 
-}
+}  // namespace
 
 Diffusion::Diffusion(int strength_)
-    : strength(strength_ < 1 ? 1 : (strength_ > MAX_STRENGTH ? MAX_STRENGTH : strength_)), texture(0), begun(false),
-      viewport{0, 0, 0, 0}
+    : strength(strength_ < 1 ? 1 : (strength_ > MAX_STRENGTH ? MAX_STRENGTH : strength_)), texture(0),
+      begun(false), viewport{0, 0, 0, 0}
 {
 }
 

@@ -18,9 +18,7 @@ void Fader::initiate()
     rate = 2.0f / (timer.end - timer.start);
 }
 
-void Fader::shutdown()
-{
-}
+void Fader::shutdown() {}
 
 void Fader::update(float seconds)
 {

@@ -54,14 +54,13 @@ const char LINES[Greetings::LINE_COUNT][Greetings::LINE_SIZE] = {
     "",
 };
 
-}
+}  // namespace
 
 const char* const Greetings::FONT_FILE = "/usr/share/fonts/truetype/comic.ttf";
 const char* const Greetings::FALLBACK_FONT_FILE = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
 
 Greetings::Greetings(short layer, const EffectTimer& timer)
-    : Effect(layer, timer), font(nullptr), first(0), last(0), scroll(0.0f), lead(0.0f), speed(0.0f),
-      glyphsMade(false)
+    : Effect(layer, timer), font(nullptr), first(0), last(0), scroll(0.0f), lead(0.0f), speed(0.0f), glyphsMade(false)
 {
     font = new Fonter();
     if (font->loadTTF(FONT_FILE, Fonter::TEXTURE, FONT_SIZE, FONT_DEPTH))

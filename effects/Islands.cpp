@@ -48,8 +48,8 @@ const int MOUNTAIN_GRID = 10;
 const TextureFile OWN_PICTURES[] = {SAND, WATER, SKY, WINDOW};
 
 const Vector3 BIRD_OFFSETS[Islands::NUM_BIRDS] = {
-    Vector3(0.0f, 0.0f, 0.0f),    Vector3(20.0f, -0.5f, 8.0f),   Vector3(-6.0f, 5.0f, 4.0f),
-    Vector3(0.0f, 1.0f, 18.0f),   Vector3(-18.0f, 0.25f, 18.0f), Vector3(-15.0f, -0.5f, -15.0f),
+    Vector3(0.0f, 0.0f, 0.0f),  Vector3(20.0f, -0.5f, 8.0f),   Vector3(-6.0f, 5.0f, 4.0f),
+    Vector3(0.0f, 1.0f, 18.0f), Vector3(-18.0f, 0.25f, 18.0f), Vector3(-15.0f, -0.5f, -15.0f),
 };
 
 const Color GREY_AMBIENT(0.2f, 0.2f, 0.2f, 1.0f);
@@ -82,8 +82,8 @@ bool sphereVisible(const Camera* camera, const Mesh* mesh, const Vector3& moved)
 
 Islands::Islands(short layer, const EffectTimer& timer)
     : Effect(layer, timer), skyMaterial(nullptr), windowTexture(nullptr), sky(SKY_RADIUS), ship(nullptr),
-      shipAnim(nullptr), cameraAnim(nullptr), birdAnim(nullptr), birdMeshes{nullptr, nullptr}, birds(nullptr),
-      clusters{}, clusterInfo{}, water(nullptr), waterAngle(0.0f), waterPhase(0.0f), waterScroll(0.0f),
+      shipAnim(nullptr), cameraAnim(nullptr), birdAnim(nullptr), birdMeshes{nullptr, nullptr},
+      birds(nullptr), clusters{}, clusterInfo{}, water(nullptr), waterAngle(0.0f), waterPhase(0.0f), waterScroll(0.0f),
       vertexPhase(0.0f), mountains(nullptr)
 {
     loadBezierMeshes();
@@ -233,8 +233,7 @@ void Islands::loadCluster()
 void Islands::loadCameraAnims()
 {
     unloadCameraAnims();
-    cameraAnim =
-        SceneKit::loadOrSay<CameraAnimation>(CAMERA_PATH, "Couldn't load 'data/3d/camera_islands.cam'\n");
+    cameraAnim = SceneKit::loadOrSay<CameraAnimation>(CAMERA_PATH, "Couldn't load 'data/3d/camera_islands.cam'\n");
     if (cameraAnim)
         cameraAnim->setup();
 }

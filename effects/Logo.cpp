@@ -30,12 +30,9 @@ const float BASE_Y = -40.0f;
 const float PITCH_X = 63.333332f;
 const float PITCH_Y = 46.666668f;
 
-}
+}  // namespace
 
-Logo::Logo(short layer, const EffectTimer& timer)
-    : Effect(layer, timer), texture(nullptr), grid(), phase(0.0f)
-{
-}
+Logo::Logo(short layer, const EffectTimer& timer) : Effect(layer, timer), texture(nullptr), grid(), phase(0.0f) {}
 
 void Logo::initiate()
 {

@@ -20,7 +20,7 @@ const float POINT_SPACING = 0.16666667f;
 const int DIFFUSION_STRENGTH = 5;
 const int VIEW_SIZE = 256;
 
-}
+}  // namespace
 
 Swirl::Swirl(short layer, const EffectTimer& timer)
     : Effect(layer, timer), angle(0.0f), stepTimer(0.0f), count(0), points(nullptr), diffusion(nullptr), ready(false)

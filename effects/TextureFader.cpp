@@ -20,7 +20,7 @@ char* copyName(const char* name)
     return copy;
 }
 
-} // namespace
+}  // namespace
 
 TextureFader::TextureFader(const char* name, const Color& colour, short layer, const EffectTimer& timer)
     : Fader(colour, layer, timer), textureName(copyName(name)), texture(nullptr)

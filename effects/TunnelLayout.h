@@ -24,7 +24,7 @@ constexpr const char* OBJECT_FILES[OBJECT_COUNT] = {
     "data/3d/leaf.msh", "data/3d/worm.msh", "data/3d/spike.msh", "data/3d/fan2.msh", "data/3d/fanholder2.msh",
 };
 inline const Vector3 OBJECT_POSITIONS[OBJECT_COUNT] = {
-    Vector3(-135.0f, -200.0f, 5.0f), Vector3(-40.0f, -200.0f, 0.0f), Vector3(-187.0f, -201.0f, 11.0f),
+    Vector3(-135.0f, -200.0f, 5.0f), Vector3(-40.0f, -200.0f, 0.0f),  Vector3(-187.0f, -201.0f, 11.0f),
     Vector3(248.0f, -246.0f, 57.0f), Vector3(248.0f, -246.0f, 57.0f),
 };
 // Leaf, worm and spike turn and are drawn four times their size; the fan spins about its hub.
@@ -33,8 +33,8 @@ constexpr int FAN = 3;
 
 constexpr int CLUSTER_COUNT = 7;
 inline const Vector3 CLUSTER_POSITIONS[CLUSTER_COUNT] = {
-    Vector3(4.0f, -195.0f, -1.0f),   Vector3(5.0f, -190.0f, 2.0f),   Vector3(5.0f, -202.0f, -7.0f),
-    Vector3(158.0f, -245.0f, 26.0f), Vector3(-136.0f, -198.0f, 0.0f), Vector3(-135.0f, -200.0f, 4.0f),
+    Vector3(4.0f, -195.0f, -1.0f),    Vector3(5.0f, -190.0f, 2.0f),    Vector3(5.0f, -202.0f, -7.0f),
+    Vector3(158.0f, -245.0f, 26.0f),  Vector3(-136.0f, -198.0f, 0.0f), Vector3(-135.0f, -200.0f, 4.0f),
     Vector3(-215.0f, -201.0f, 15.0f),
 };
 inline const Color CLUSTER_COLORS[CLUSTER_COUNT] = {

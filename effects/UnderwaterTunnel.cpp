@@ -41,8 +41,10 @@ const int CLUSTER_SIZE = 64;
 const float CLUSTER_REACH = 0.5f;
 
 // Cold light from the surface far above, and a magenta bounce from the glows below.
-const SceneKit::LightSetup SURFACE_LIGHT = {Vector3(0.2f, 1.0f, 0.4f), Color(0.2f, 0.2f, 0.2f, 1.0f),
-                                            Color(0.55f, 0.8f, 0.8f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f),
+const SceneKit::LightSetup SURFACE_LIGHT = {Vector3(0.2f, 1.0f, 0.4f),
+                                            Color(0.2f, 0.2f, 0.2f, 1.0f),
+                                            Color(0.55f, 0.8f, 0.8f, 1.0f),
+                                            Color(1.0f, 1.0f, 1.0f, 1.0f),
                                             {1.0f, 0.0f, 0.0f}};
 // The files, loaded one at a time by preload or initiate: the pictures, sent to GL while whatever runs before the
 // tunnel draws, then these, then the objects.
@@ -51,16 +53,17 @@ const int PICTURE_COUNT = static_cast<int>(sizeof PICTURES / sizeof PICTURES[0])
 enum FilePiece { TUNNEL_PIECE, SHIP_PIECE, SHIP_PATH_PIECE, CAMERA_PATH_PIECE, FILE_PIECES };
 const int PIECE_COUNT = PICTURE_COUNT + FILE_PIECES + UnderwaterTunnel::OBJECT_COUNT;
 
-const SceneKit::LightSetup GLOW_LIGHT = {Vector3(-0.3f, -1.0f, -0.2f), Color(0.2f, 0.2f, 0.2f, 1.0f),
-                                         Color(0.5f, 0.15f, 0.45f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f),
+const SceneKit::LightSetup GLOW_LIGHT = {Vector3(-0.3f, -1.0f, -0.2f),
+                                         Color(0.2f, 0.2f, 0.2f, 1.0f),
+                                         Color(0.5f, 0.15f, 0.45f, 1.0f),
+                                         Color(1.0f, 1.0f, 1.0f, 1.0f),
                                          {1.0f, 0.0f, 0.0f}};
 
-}
+}  // namespace
 
 UnderwaterTunnel::UnderwaterTunnel(short layer, const EffectTimer& timer)
     : Effect(layer, timer), colour(0.1f, 0.15f, 0.2f, 1.0f), tunnel(nullptr), ship(nullptr), shipAnimation(nullptr),
-      cameraAnimation(nullptr), tunnelMaterial(nullptr), angle(0.0f), objects(), clusters(), emitters(),
-      piecesLoaded(0)
+      cameraAnimation(nullptr), tunnelMaterial(nullptr), angle(0.0f), objects(), clusters(), emitters(), piecesLoaded(0)
 {
 }
 
@@ -123,13 +126,19 @@ void UnderwaterTunnel::loadPiece(int piece)
         return;
     }
     switch (piece - PICTURE_COUNT) {
-    case TUNNEL_PIECE: tunnel = SceneKit::loadOrSay<Octree>(OCTREE, "Unable to load tunnel data\n"); break;
-    case SHIP_PIECE: ship = SceneKit::loadOrSay<Mesh>(SharedLayout::SHIP_MESH, "Unable to load ship\n"); break;
-    case SHIP_PATH_PIECE:
-        shipAnimation = SceneKit::loadOrSay<MeshAnimation>(SHIP_PATH, "Unable to load ship animation\n");
-        break;
-    // Without its path the camera stays where it was put.
-    default: cameraAnimation = SceneKit::loadOrSay<CameraAnimation>(CAMERA_PATH, ""); break;
+        case TUNNEL_PIECE:
+            tunnel = SceneKit::loadOrSay<Octree>(OCTREE, "Unable to load tunnel data\n");
+            break;
+        case SHIP_PIECE:
+            ship = SceneKit::loadOrSay<Mesh>(SharedLayout::SHIP_MESH, "Unable to load ship\n");
+            break;
+        case SHIP_PATH_PIECE:
+            shipAnimation = SceneKit::loadOrSay<MeshAnimation>(SHIP_PATH, "Unable to load ship animation\n");
+            break;
+        // Without its path the camera stays where it was put.
+        default:
+            cameraAnimation = SceneKit::loadOrSay<CameraAnimation>(CAMERA_PATH, "");
+            break;
     }
 }
 
@@ -194,8 +203,8 @@ void UnderwaterTunnel::loadTunnelMaterial()
 
 void UnderwaterTunnel::loadCluster()
 {
-    TextureMaterial* material = SceneKit::findOrMakeMaterial(CLUSTER_MATERIAL, SharedLayout::PARTICLE,
-                                                             Material::overlay, Material::blendGlow);
+    TextureMaterial* material =
+        SceneKit::findOrMakeMaterial(CLUSTER_MATERIAL, SharedLayout::PARTICLE, Material::overlay, Material::blendGlow);
     const Vector3 reach(CLUSTER_REACH, CLUSTER_REACH, CLUSTER_REACH);
     for (int i = 0; i < CLUSTER_COUNT; ++i) {
         const Color& start = CLUSTER_COLORS[i];

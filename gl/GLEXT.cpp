@@ -31,7 +31,7 @@ const EnvExtension envExtensions[] = {
     {"GL_NV_texgen_reflection", GLEXT::NV_texgen_reflection},
 };
 
-} // namespace
+}  // namespace
 
 bool GLEXT::findExtension(const char* extensions, const char* name)
 {
@@ -88,22 +88,70 @@ void GLEXT::bindAll()
         bindOne(e.name, e.bit);
 }
 
-bool GLEXT::bindMultiTexture() { return bindOne("GL_ARB_multitexture", ARB_multitexture); }
-bool GLEXT::bindTextureCompression() { return bindOne("GL_ARB_texture_compression", ARB_texture_compression); }
-bool GLEXT::bindTransposeMatrix() { return bindOne("GL_ARB_transpose_matrix", ARB_transpose_matrix); }
-bool GLEXT::bindVertexBlend() { return bindOne("GL_ARB_vertex_blend", ARB_vertex_blend); }
-bool GLEXT::bindEnvmapBumpmapATI() { return bindOne("GL_ATIX_envmap_bumpmap", ATIX_envmap_bumpmap); }
-bool GLEXT::bindPnTrianglesATI() { return bindOne("GL_ATIX_pn_triangles", ATIX_pn_triangles); }
-bool GLEXT::bindVertexStreamsATI() { return bindOne("GL_ATI_vertex_streams", ATI_vertex_streams); }
-bool GLEXT::bindCompiledVertexArrays() { return bindOne("GL_EXT_compiled_vertex_array", EXT_compiled_vertex_array); }
-bool GLEXT::bindDrawRangeElements() { return bindOne("GL_EXT_draw_range_elements", EXT_draw_range_elements); }
-bool GLEXT::bindFogCoord() { return bindOne("GL_EXT_fog_coord", EXT_fog_coord); }
-bool GLEXT::bindPointParameters() { return bindOne("GL_EXT_point_parameters", EXT_point_parameters); }
-bool GLEXT::bindSecondaryColor() { return bindOne("GL_EXT_secondary_color", EXT_secondary_color); }
-bool GLEXT::bindTextureObjects() { return bindOne("GL_EXT_texture_object", EXT_texture_object); }
-bool GLEXT::bindBufferRegionKTX() { return bindOne("GL_KTX_buffer_region", KTX_buffer_region); }
-bool GLEXT::bindVertexArray() { return bindOne("GL_EXT_vertex_array", EXT_vertex_array); }
-bool GLEXT::bindTexture3D() { return bindOne("GL_EXT_texture3D", EXT_texture3D); }
+bool GLEXT::bindMultiTexture()
+{
+    return bindOne("GL_ARB_multitexture", ARB_multitexture);
+}
+bool GLEXT::bindTextureCompression()
+{
+    return bindOne("GL_ARB_texture_compression", ARB_texture_compression);
+}
+bool GLEXT::bindTransposeMatrix()
+{
+    return bindOne("GL_ARB_transpose_matrix", ARB_transpose_matrix);
+}
+bool GLEXT::bindVertexBlend()
+{
+    return bindOne("GL_ARB_vertex_blend", ARB_vertex_blend);
+}
+bool GLEXT::bindEnvmapBumpmapATI()
+{
+    return bindOne("GL_ATIX_envmap_bumpmap", ATIX_envmap_bumpmap);
+}
+bool GLEXT::bindPnTrianglesATI()
+{
+    return bindOne("GL_ATIX_pn_triangles", ATIX_pn_triangles);
+}
+bool GLEXT::bindVertexStreamsATI()
+{
+    return bindOne("GL_ATI_vertex_streams", ATI_vertex_streams);
+}
+bool GLEXT::bindCompiledVertexArrays()
+{
+    return bindOne("GL_EXT_compiled_vertex_array", EXT_compiled_vertex_array);
+}
+bool GLEXT::bindDrawRangeElements()
+{
+    return bindOne("GL_EXT_draw_range_elements", EXT_draw_range_elements);
+}
+bool GLEXT::bindFogCoord()
+{
+    return bindOne("GL_EXT_fog_coord", EXT_fog_coord);
+}
+bool GLEXT::bindPointParameters()
+{
+    return bindOne("GL_EXT_point_parameters", EXT_point_parameters);
+}
+bool GLEXT::bindSecondaryColor()
+{
+    return bindOne("GL_EXT_secondary_color", EXT_secondary_color);
+}
+bool GLEXT::bindTextureObjects()
+{
+    return bindOne("GL_EXT_texture_object", EXT_texture_object);
+}
+bool GLEXT::bindBufferRegionKTX()
+{
+    return bindOne("GL_KTX_buffer_region", KTX_buffer_region);
+}
+bool GLEXT::bindVertexArray()
+{
+    return bindOne("GL_EXT_vertex_array", EXT_vertex_array);
+}
+bool GLEXT::bindTexture3D()
+{
+    return bindOne("GL_EXT_texture3D", EXT_texture3D);
+}
 
 void GLEXT::bindAllGLX()
 {
@@ -122,11 +170,35 @@ void GLEXT::bindAllWGL(void*)
     bindRenderTextureWGL();
 }
 
-bool GLEXT::hasExtensionWGL(const char*, void*) { return false; }
-bool GLEXT::bindExtensionsStringARBWGL() { return hasExtension("WGL_ARB_extensions_string"); }
-bool GLEXT::bindExtensionsStringEXTWGL() { return hasExtension("WGL_EXT_extensions_string"); }
-bool GLEXT::bindSwapControlWGL() { return hasExtension("WGL_EXT_swap_control"); }
-bool GLEXT::bindPixelFormatWGL() { return false; }
-bool GLEXT::bindMakeCurrentReadWGL() { return false; }
-bool GLEXT::bindPBufferWGL() { return false; }
-bool GLEXT::bindRenderTextureWGL() { return false; }
+bool GLEXT::hasExtensionWGL(const char*, void*)
+{
+    return false;
+}
+bool GLEXT::bindExtensionsStringARBWGL()
+{
+    return hasExtension("WGL_ARB_extensions_string");
+}
+bool GLEXT::bindExtensionsStringEXTWGL()
+{
+    return hasExtension("WGL_EXT_extensions_string");
+}
+bool GLEXT::bindSwapControlWGL()
+{
+    return hasExtension("WGL_EXT_swap_control");
+}
+bool GLEXT::bindPixelFormatWGL()
+{
+    return false;
+}
+bool GLEXT::bindMakeCurrentReadWGL()
+{
+    return false;
+}
+bool GLEXT::bindPBufferWGL()
+{
+    return false;
+}
+bool GLEXT::bindRenderTextureWGL()
+{
+    return false;
+}

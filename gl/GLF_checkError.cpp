@@ -9,17 +9,24 @@ namespace {
 const char* errorText(GLenum code)
 {
     switch (code) {
-    case GL_INVALID_ENUM: return "GLenum argument  out of range\n";
-    case GL_INVALID_VALUE: return "Numeric argument out of range\n";
-    case GL_INVALID_OPERATION: return "Operation illegal in current state\n";
-    case GL_STACK_OVERFLOW: return "Command would cause a stack overflow\n";
-    case GL_STACK_UNDERFLOW: return "Command would cause a stack underflow\n";
-    case GL_OUT_OF_MEMORY: return "Not enough memory left to execute command\n";
-    default: return nullptr;
+        case GL_INVALID_ENUM:
+            return "GLenum argument  out of range\n";
+        case GL_INVALID_VALUE:
+            return "Numeric argument out of range\n";
+        case GL_INVALID_OPERATION:
+            return "Operation illegal in current state\n";
+        case GL_STACK_OVERFLOW:
+            return "Command would cause a stack overflow\n";
+        case GL_STACK_UNDERFLOW:
+            return "Command would cause a stack underflow\n";
+        case GL_OUT_OF_MEMORY:
+            return "Not enough memory left to execute command\n";
+        default:
+            return nullptr;
     }
 }
 
-} // namespace
+}  // namespace
 
 bool GLF_checkError(const char* where)
 {

@@ -19,17 +19,72 @@ public:
     bool operator!=(const Color& o) const { return !(*this == o); }
 
     // Arithmetic is plain, over all four channels; call clamp() to bring it back to 0..1.
-    Color& operator+=(const Color& o) { r += o.r; g += o.g; b += o.b; a += o.a; return *this; }
-    Color& operator-=(const Color& o) { r -= o.r; g -= o.g; b -= o.b; a -= o.a; return *this; }
-    Color& operator*=(const Color& o) { r *= o.r; g *= o.g; b *= o.b; a *= o.a; return *this; }
-    Color& operator*=(float s) { r *= s; g *= s; b *= s; a *= s; return *this; }
-    Color& operator/=(float s) { r /= s; g /= s; b /= s; a /= s; return *this; }
+    Color& operator+=(const Color& o)
+    {
+        r += o.r;
+        g += o.g;
+        b += o.b;
+        a += o.a;
+        return *this;
+    }
+    Color& operator-=(const Color& o)
+    {
+        r -= o.r;
+        g -= o.g;
+        b -= o.b;
+        a -= o.a;
+        return *this;
+    }
+    Color& operator*=(const Color& o)
+    {
+        r *= o.r;
+        g *= o.g;
+        b *= o.b;
+        a *= o.a;
+        return *this;
+    }
+    Color& operator*=(float s)
+    {
+        r *= s;
+        g *= s;
+        b *= s;
+        a *= s;
+        return *this;
+    }
+    Color& operator/=(float s)
+    {
+        r /= s;
+        g /= s;
+        b /= s;
+        a /= s;
+        return *this;
+    }
 
-    Color operator+(const Color& o) const { Color t(*this); return t += o; }
-    Color operator-(const Color& o) const { Color t(*this); return t -= o; }
-    Color operator*(const Color& o) const { Color t(*this); return t *= o; }
-    Color operator*(float s) const { Color t(*this); return t *= s; }
-    Color operator/(float s) const { Color t(*this); return t /= s; }
+    Color operator+(const Color& o) const
+    {
+        Color t(*this);
+        return t += o;
+    }
+    Color operator-(const Color& o) const
+    {
+        Color t(*this);
+        return t -= o;
+    }
+    Color operator*(const Color& o) const
+    {
+        Color t(*this);
+        return t *= o;
+    }
+    Color operator*(float s) const
+    {
+        Color t(*this);
+        return t *= s;
+    }
+    Color operator/(float s) const
+    {
+        Color t(*this);
+        return t /= s;
+    }
 
     // Every channel into 0..1.
     Color& clamp();

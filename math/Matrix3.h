@@ -12,14 +12,10 @@ public:
     float m[9];
 
     Matrix3();  // all zero
-    Matrix3(float m0, float m1, float m2,
-            float m3, float m4, float m5,
-            float m6, float m7, float m8);
+    Matrix3(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8);
     explicit Matrix3(const float* values);
 
-    void assign(float m0, float m1, float m2,
-                float m3, float m4, float m5,
-                float m6, float m7, float m8);
+    void assign(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8);
 
     float& operator[](int i) { return m[i]; }
     float operator[](int i) const { return m[i]; }

@@ -14,16 +14,12 @@ public:
     float m[16];
 
     Matrix4();  // all zero
-    Matrix4(float m0, float m1, float m2, float m3,
-            float m4, float m5, float m6, float m7,
-            float m8, float m9, float m10, float m11,
-            float m12, float m13, float m14, float m15);
+    Matrix4(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8, float m9,
+            float m10, float m11, float m12, float m13, float m14, float m15);
     explicit Matrix4(const float* values);
 
-    void assign(float m0, float m1, float m2, float m3,
-                float m4, float m5, float m6, float m7,
-                float m8, float m9, float m10, float m11,
-                float m12, float m13, float m14, float m15);
+    void assign(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8, float m9,
+                float m10, float m11, float m12, float m13, float m14, float m15);
 
     float& operator[](int i) { return m[i]; }
     float operator[](int i) const { return m[i]; }

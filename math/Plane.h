@@ -18,8 +18,20 @@ public:
     Plane(const Vector3& normal, float d_) : a(normal.x), b(normal.y), c(normal.z), d(d_) {}
     Plane(float a_, float b_, float c_, float d_) : a(a_), b(b_), c(c_), d(d_) {}
 
-    void assign(const Vector3& normal, float d_) { a = normal.x; b = normal.y; c = normal.z; d = d_; }
-    void assign(float a_, float b_, float c_, float d_) { a = a_; b = b_; c = c_; d = d_; }
+    void assign(const Vector3& normal, float d_)
+    {
+        a = normal.x;
+        b = normal.y;
+        c = normal.z;
+        d = d_;
+    }
+    void assign(float a_, float b_, float c_, float d_)
+    {
+        a = a_;
+        b = b_;
+        c = c_;
+        d = d_;
+    }
 
     // Plane through three points, normal (p2 - p1) x (p3 - p1) made unit length.
     void create(const Vector3& p1, const Vector3& p2, const Vector3& p3);
@@ -58,8 +70,14 @@ public:
 };
 
 // Signed distance, both operand orders.
-inline float operator*(const Vector3& p, const Plane& plane) { return plane.distance(p); }
-inline float operator*(const Plane& plane, const Vector3& p) { return plane.distance(p); }
+inline float operator*(const Vector3& p, const Plane& plane)
+{
+    return plane.distance(p);
+}
+inline float operator*(const Plane& plane, const Vector3& p)
+{
+    return plane.distance(p);
+}
 
 std::istream& operator>>(std::istream& in, Plane& plane);
 std::ostream& operator<<(std::ostream& out, const Plane& plane);

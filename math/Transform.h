@@ -53,6 +53,4 @@ void ortho2D(Matrix4& mat, float left, float right, float top, float bottom);
 void lookAt(Matrix4& mat, const Vector3& eye, const Vector3& target, const Vector3& up);
 
 // Determinant of the 3x3 matrix given row by row.
-float det3(float a1, float a2, float a3,
-           float b1, float b2, float b3,
-           float c1, float c2, float c3);
+float det3(float a1, float a2, float a3, float b1, float b2, float b3, float c1, float c2, float c3);

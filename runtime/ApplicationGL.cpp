@@ -6,9 +6,8 @@
 #include <cstring>
 
 ApplicationGL::ApplicationGL()
-    : title(nullptr), info(), glReady(false), unusedFlag(true), currentFullscreen(false),
-      currentWidth(0), currentHeight(0), currentBitsPerPixel(0), currentDepthBits(0),
-      currentStencilBits(0), timer(nullptr)
+    : title(nullptr), info(), glReady(false), unusedFlag(true), currentFullscreen(false), currentWidth(0),
+      currentHeight(0), currentBitsPerPixel(0), currentDepthBits(0), currentStencilBits(0), timer(nullptr)
 {
 }
 

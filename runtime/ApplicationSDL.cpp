@@ -189,24 +189,24 @@ bool ApplicationSDL::handleEvents()
     // A quit still lets the rest of the batch be dispatched.
     for (int taken = 0; taken < EVENTS_PER_FRAME && SDL_PollEvent(&event); ++taken) {
         switch (event.type) {
-        case SDL_KEYDOWN:
-            onKey(static_cast<unsigned char>(event.key.keysym.sym & 0xFF));
-            break;
-        case SDL_MOUSEMOTION:
-            onMouseMove(event.motion.x, event.motion.y);
-            break;
-        case SDL_MOUSEBUTTONDOWN:
-            onMouseButton(event.button.x, event.button.y, event.button.button);
-            break;
-        case SDL_QUIT:
-            onQuit();
-            keepRunning = false;
-            break;
-        case SDL_VIDEORESIZE:
-            onResize(event.resize.w, event.resize.h);
-            break;
-        default:
-            break;
+            case SDL_KEYDOWN:
+                onKey(static_cast<unsigned char>(event.key.keysym.sym & 0xFF));
+                break;
+            case SDL_MOUSEMOTION:
+                onMouseMove(event.motion.x, event.motion.y);
+                break;
+            case SDL_MOUSEBUTTONDOWN:
+                onMouseButton(event.button.x, event.button.y, event.button.button);
+                break;
+            case SDL_QUIT:
+                onQuit();
+                keepRunning = false;
+                break;
+            case SDL_VIDEORESIZE:
+                onResize(event.resize.w, event.resize.h);
+                break;
+            default:
+                break;
         }
     }
     return keepRunning;

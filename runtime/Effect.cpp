@@ -1,19 +1,11 @@
 // Common state of every effect.
 #include "runtime/Effect.h"
 
-Effect::Effect()
-    : layer(0), timer()
-{
-}
+Effect::Effect() : layer(0), timer() {}
 
-Effect::Effect(short layer, const EffectTimer& timer)
-    : layer(layer), timer(timer)
-{
-}
+Effect::Effect(short layer, const EffectTimer& timer) : layer(layer), timer(timer) {}
 
-Effect::~Effect()
-{
-}
+Effect::~Effect() {}
 
 bool Effect::isRunning() const
 {

@@ -5,10 +5,7 @@
 
 #include <malloc.h>
 
-EffectMgr::EffectMgr()
-    : timer(), pendingCount(0), pending(nullptr), runningCount(0), running(nullptr)
-{
-}
+EffectMgr::EffectMgr() : timer(), pendingCount(0), pending(nullptr), runningCount(0), running(nullptr) {}
 
 EffectMgr::~EffectMgr()
 {

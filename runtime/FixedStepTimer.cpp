@@ -3,8 +3,7 @@
 
 #include <cmath>
 
-FixedStepTimer::FixedStepTimer(double seconds)
-    : step(0.0)
+FixedStepTimer::FixedStepTimer(double seconds) : step(0.0)
 {
     setStep(seconds);
 }

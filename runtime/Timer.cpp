@@ -1,14 +1,9 @@
 // The frame clock's sampling and averaging.
 #include "runtime/Timer.h"
 
-Timer::Timer()
-    : totalTime(0.0), deltaTime(0.0), sampleIndex(0), framesProcessed(0), samples()
-{
-}
+Timer::Timer() : totalTime(0.0), deltaTime(0.0), sampleIndex(0), framesProcessed(0), samples() {}
 
-Timer::~Timer()
-{
-}
+Timer::~Timer() {}
 
 void Timer::setup()
 {

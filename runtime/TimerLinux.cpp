@@ -4,8 +4,7 @@
 #include <sys/times.h>
 #include <unistd.h>
 
-TimerLinux::TimerLinux()
-    : lastTicks(0), ticksPerSecond(static_cast<int32_t>(sysconf(_SC_CLK_TCK)))
+TimerLinux::TimerLinux() : lastTicks(0), ticksPerSecond(static_cast<int32_t>(sysconf(_SC_CLK_TCK)))
 {
     // A system that cannot tell its tick rate still gets a usable clock.
     if (ticksPerSecond <= 0)

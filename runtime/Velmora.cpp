@@ -68,10 +68,9 @@ const char* glString(GLenum name)
     return text ? reinterpret_cast<const char*>(text) : "unknown";
 }
 
-}
+}  // namespace
 
-Velmora::Velmora()
-    : soundEnabled(false), showFPS(false), effects(nullptr)
+Velmora::Velmora() : soundEnabled(false), showFPS(false), effects(nullptr)
 {
     // A missing file leaves every key at its default.
     VariableMgr::getHandle()->load(CONFIG_FILE);
@@ -306,17 +305,11 @@ void Velmora::onMouseButton(int, int, int)
         console->activate();
 }
 
-void Velmora::onMouseMove(int, int)
-{
-}
+void Velmora::onMouseMove(int, int) {}
 
-void Velmora::onActivate()
-{
-}
+void Velmora::onActivate() {}
 
-void Velmora::onDeactivate()
-{
-}
+void Velmora::onDeactivate() {}
 
 void Velmora::onQuit()
 {

@@ -81,13 +81,9 @@ bool writeString(std::ostream& out, const char* text)
 
 }  // namespace
 
-BezierMesh::BezierMesh() : gridU(4), gridV(4), material(nullptr), drawnPatches(0)
-{
-}
+BezierMesh::BezierMesh() : gridU(4), gridV(4), material(nullptr), drawnPatches(0) {}
 
-BezierMesh::~BezierMesh()
-{
-}
+BezierMesh::~BezierMesh() {}
 
 bool BezierMesh::load(const char* file)
 {
@@ -217,8 +213,10 @@ void BezierMesh::tessellate()
             high = box.getMax();
             continue;
         }
-        low = Vector3(std::min(low.x, box.getMin().x), std::min(low.y, box.getMin().y), std::min(low.z, box.getMin().z));
-        high = Vector3(std::max(high.x, box.getMax().x), std::max(high.y, box.getMax().y), std::max(high.z, box.getMax().z));
+        low =
+            Vector3(std::min(low.x, box.getMin().x), std::min(low.y, box.getMin().y), std::min(low.z, box.getMin().z));
+        high = Vector3(std::max(high.x, box.getMax().x), std::max(high.y, box.getMax().y),
+                       std::max(high.z, box.getMax().z));
     }
     limits.create(low, high);
 }

@@ -1,12 +1,12 @@
 // Mesh of bicubic Bezier patches (the BMSH chunk of .bez files): tessellated on a grid, culled per patch, drawn with one material.
 #pragma once
-#include "math/Vector2.h"
-#include "math/Vector3.h"
-#include "scene/DrawableObject.h"
 #include <istream>
 #include <ostream>
 #include <string>
 #include <vector>
+#include "math/Vector2.h"
+#include "math/Vector3.h"
+#include "scene/DrawableObject.h"
 
 class Camera;
 class Material;

@@ -35,7 +35,7 @@ bool clipSlab(float start, float delta, float low, float high, float& t0, float&
     return t0 <= t1;
 }
 
-} // namespace
+}  // namespace
 
 BoundingBox::BoundingBox() : kind(FROM_CORNERS), padding{0, 0, 0}, radius(0.0f) {}
 
@@ -76,16 +76,12 @@ void BoundingBox::calcCorners(Vector3 out[8]) const
 
 Vector3 BoundingBox::getCorner(int direction) const
 {
-    return Vector3((direction & 4) ? max.x : min.x,
-                   (direction & 2) ? max.y : min.y,
-                   (direction & 1) ? max.z : min.z);
+    return Vector3((direction & 4) ? max.x : min.x, (direction & 2) ? max.y : min.y, (direction & 1) ? max.z : min.z);
 }
 
 bool BoundingBox::isPointInside(const Vector3& p) const
 {
-    return p.x >= min.x && p.x <= max.x
-        && p.y >= min.y && p.y <= max.y
-        && p.z >= min.z && p.z <= max.z;
+    return p.x >= min.x && p.x <= max.x && p.y >= min.y && p.y <= max.y && p.z >= min.z && p.z <= max.z;
 }
 
 bool BoundingBox::isSphereInside(const Vector3& c, float r) const
@@ -107,9 +103,7 @@ int BoundingBox::getPointLocation(const Vector3& p) const
 {
     if (!isPointInside(p))
         return OUTSIDE;
-    bool inner = p.x > min.x && p.x < max.x
-              && p.y > min.y && p.y < max.y
-              && p.z > min.z && p.z < max.z;
+    bool inner = p.x > min.x && p.x < max.x && p.y > min.y && p.y < max.y && p.z > min.z && p.z < max.z;
     return inner ? INSIDE : INTERSECTING;
 }
 
@@ -121,8 +115,7 @@ int BoundingBox::getLineLocation(const Vector3& p1, const Vector3& p2) const
     float t1 = 1.0f;
     Vector3 delta = p2 - p1;
     for (int axis = 0; axis < 3; ++axis) {
-        if (!clipSlab(component(p1, axis), component(delta, axis),
-                      component(min, axis), component(max, axis), t0, t1))
+        if (!clipSlab(component(p1, axis), component(delta, axis), component(min, axis), component(max, axis), t0, t1))
             return OUTSIDE;
     }
     return INTERSECTING;
@@ -146,8 +139,7 @@ int BoundingBox::getBoxLocation(const BoundingBox& box) const
     if (isBoxInside(box))
         return INSIDE;
     for (int axis = 0; axis < 3; ++axis) {
-        if (component(box.min, axis) > component(max, axis)
-            || component(box.max, axis) < component(min, axis))
+        if (component(box.min, axis) > component(max, axis) || component(box.max, axis) < component(min, axis))
             return OUTSIDE;
     }
     return INTERSECTING;
@@ -161,14 +153,12 @@ bool overlaps(float lowA, float highA, float lowB, float highB)
     return lowB < highA && highB > lowA && !sameCoordinate(lowB, highA) && !sameCoordinate(highB, lowA);
 }
 
-int adjacentOn(int axis, const Vector3& minA, const Vector3& maxA,
-               const Vector3& minB, const Vector3& maxB)
+int adjacentOn(int axis, const Vector3& minA, const Vector3& maxA, const Vector3& minB, const Vector3& maxB)
 {
     for (int other = 0; other < 3; ++other) {
         if (other == axis)
             continue;
-        if (!overlaps(component(minA, other), component(maxA, other),
-                      component(minB, other), component(maxB, other)))
+        if (!overlaps(component(minA, other), component(maxA, other), component(minB, other), component(maxB, other)))
             return 0;
     }
     if (sameCoordinate(component(minB, axis), component(maxA, axis)))
@@ -178,7 +168,7 @@ int adjacentOn(int axis, const Vector3& minA, const Vector3& maxA,
     return 0;
 }
 
-} // namespace
+}  // namespace
 
 int BoundingBox::adjacentX(const BoundingBox& box) const
 {
@@ -247,8 +237,7 @@ bool BoundingBox::saveFields(std::ostream& out, int paddingBytes) const
     Chunk::writeByte(out, kind);
     if (paddingBytes > 0)
         out.write(reinterpret_cast<const char*>(padding), paddingBytes);
-    const float values[10] = {radius, centre.x, centre.y, centre.z,
-                              min.x, min.y, min.z, max.x, max.y, max.z};
+    const float values[10] = {radius, centre.x, centre.y, centre.z, min.x, min.y, min.z, max.x, max.y, max.z};
     Chunk::writeFloats(out, values, 10);
     return Chunk::good(out);
 }

@@ -18,13 +18,13 @@ const float smallestNear = 0.000001f;
 Camera::Camera() : Camera("DefaultCamera") {}
 
 Camera::Camera(const char* name)
-    : NamedObject(name), fov(45.0f), nearClip(smallestNear), farClip(200000.0f),
-      target(0.0f, 0.0f, 100.0f), u(1.0f, 0.0f, 0.0f), v(0.0f, 1.0f, 0.0f), n(0.0f, 0.0f, 1.0f)
+    : NamedObject(name), fov(45.0f), nearClip(smallestNear), farClip(200000.0f), target(0.0f, 0.0f, 100.0f),
+      u(1.0f, 0.0f, 0.0f), v(0.0f, 1.0f, 0.0f), n(0.0f, 0.0f, 1.0f)
 {
 }
 
-Camera::Camera(const char* name, const Vector3& position_, const Vector3& target_,
-               float nearClip_, float farClip_, float fov_)
+Camera::Camera(const char* name, const Vector3& position_, const Vector3& target_, float nearClip_, float farClip_,
+               float fov_)
     : Camera(name)
 {
     position = position_;
@@ -58,9 +58,7 @@ bool Camera::save(std::ostream& out)
     Chunk::writeTag(out, "CAM0");
     if (!NamedObject::save(out))
         return false;
-    const float values[9] = {fov, nearClip, farClip,
-                             position.x, position.y, position.z,
-                             target.x, target.y, target.z};
+    const float values[9] = {fov, nearClip, farClip, position.x, position.y, position.z, target.x, target.y, target.z};
     Chunk::writeFloats(out, values, 9);
     return Chunk::good(out);
 }
@@ -145,8 +143,8 @@ void Camera::resize(int width, int height)
     if (GLF_checkError("Camera::resize()")) {
         std::cout << "New Window Size " << width << "x" << height << "\n"
                   << "FOV " << fov << "\n"
-                  << "glFrustum(" << -t * aspect << "," << t * aspect << "," << -t << ","
-                  << t << "," << nearClip << "," << farClip << ");\n";
+                  << "glFrustum(" << -t * aspect << "," << t * aspect << "," << -t << "," << t << "," << nearClip << ","
+                  << farClip << ");\n";
         std::cout.flush();
     }
     lookAt();
@@ -158,12 +156,30 @@ void Camera::shift(const Vector3& offset)
     target += offset;
 }
 
-void Camera::moveForward(float distance) { shift(n * distance); }
-void Camera::moveBackward(float distance) { shift(n * -distance); }
-void Camera::moveRight(float distance) { shift(u * distance); }
-void Camera::moveLeft(float distance) { shift(u * -distance); }
-void Camera::moveUp(float distance) { shift(v * distance); }
-void Camera::moveDown(float distance) { shift(v * -distance); }
+void Camera::moveForward(float distance)
+{
+    shift(n * distance);
+}
+void Camera::moveBackward(float distance)
+{
+    shift(n * -distance);
+}
+void Camera::moveRight(float distance)
+{
+    shift(u * distance);
+}
+void Camera::moveLeft(float distance)
+{
+    shift(u * -distance);
+}
+void Camera::moveUp(float distance)
+{
+    shift(v * distance);
+}
+void Camera::moveDown(float distance)
+{
+    shift(v * -distance);
+}
 
 void Camera::turnLeft(float degrees)
 {

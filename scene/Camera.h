@@ -14,8 +14,7 @@ public:
     // Named "DefaultCamera".
     Camera();
     explicit Camera(const char* name);
-    Camera(const char* name, const Vector3& position, const Vector3& target,
-           float nearClip, float farClip, float fov);
+    Camera(const char* name, const Vector3& position, const Vector3& target, float nearClip, float farClip, float fov);
     ~Camera() override;
 
     // CAM0: name, field of view, near, far, position, target.

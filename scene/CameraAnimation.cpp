@@ -3,9 +3,9 @@
 
 #include "scene/Camera.h"
 #include "scene/CameraMgr.h"
+#include "scene/LightMgr.h"
 #include "scene/Lin3Key.h"
 #include "scene/Lin3Track.h"
-#include "scene/LightMgr.h"
 #include "scene/object/Chunk.h"
 #include "scene/object/ChunkFile.h"
 
@@ -36,8 +36,8 @@ int lastFrameOf(const Lin3Track* a, const Lin3Track* b)
 }  // namespace
 
 CameraAnimation::CameraAnimation()
-    : framesPerSec(24.0f), currentFrame(0.0f), lastFrame(0), camera(nullptr),
-      positionTrack(nullptr), targetTrack(nullptr)
+    : framesPerSec(24.0f), currentFrame(0.0f), lastFrame(0), camera(nullptr), positionTrack(nullptr),
+      targetTrack(nullptr)
 {
 }
 

@@ -9,7 +9,7 @@
 namespace {
 // Tag, empty name and nine floats: the least a CAM0 record can take.
 const int smallestCameraRecord = 4 + 2 + 9 * 4;
-}
+}  // namespace
 
 CameraMgr* CameraMgr::getHandle()
 {

@@ -11,7 +11,7 @@ Basis basis(float t)
 {
     float t2 = t * t;
     float t3 = t2 * t;
-    return Basis{ 2.0f * t3 - 3.0f * t2 + 1.0f, -2.0f * t3 + 3.0f * t2, t3 - 2.0f * t2 + t, t3 - t2 };
+    return Basis{2.0f * t3 - 3.0f * t2 + 1.0f, -2.0f * t3 + 3.0f * t2, t3 - 2.0f * t2 + t, t3 - t2};
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ bool writeMaterialName(std::ostream& out, const Material* material)
     return Chunk::good(out);
 }
 
-} // namespace
+}  // namespace
 
 bool Face::load(std::istream& in)
 {

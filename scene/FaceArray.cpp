@@ -6,7 +6,7 @@
 namespace {
 // Flags, index count and normal: the least a face record can take.
 const int smallestFaceRecord = 2 + 2 + 12;
-}
+}  // namespace
 
 FaceArray::FaceArray() : numFaces(0), capacity(0), faces(nullptr) {}
 

@@ -7,12 +7,9 @@
 
 namespace {
 
-
 }  // namespace
 
-Hemisphere::Hemisphere(float r) : radius(r)
-{
-}
+Hemisphere::Hemisphere(float r) : radius(r) {}
 
 Vector3 Hemisphere::point(float azimuthTurns, float elevationDegrees) const
 {

@@ -11,12 +11,11 @@ int Light::unitCount = 0;
 namespace {
 // The mask has one bit per unit.
 const int maskBits = 32;
-}
+}  // namespace
 
 Light::Light()
-    : on(0), attenuation{0.0f, 0.0f, 0.0f}, ambient(0.2f, 0.2f, 0.2f, 1.0f),
-      diffuse(0.8f, 0.8f, 0.8f, 1.0f), specular(1.0f, 1.0f, 1.0f, 1.0f),
-      position(0.0f, 0.0f, 1.0f), unit(-1)
+    : on(0), attenuation{0.0f, 0.0f, 0.0f}, ambient(0.2f, 0.2f, 0.2f, 1.0f), diffuse(0.8f, 0.8f, 0.8f, 1.0f),
+      specular(1.0f, 1.0f, 1.0f, 1.0f), position(0.0f, 0.0f, 1.0f), unit(-1)
 {
     getUnitCount();
 }
@@ -154,7 +153,7 @@ void writeColor(std::ostream& out, const Color& colour)
     Chunk::writeFloats(out, values, 4);
 }
 
-} // namespace
+}  // namespace
 
 bool Light::load(std::istream& in)
 {

@@ -32,7 +32,7 @@ Light* makeLight(std::istream& in)
         return nullptr;
     return createLight(tag);
 }
-}
+}  // namespace
 
 LightMgr* LightMgr::getHandle()
 {

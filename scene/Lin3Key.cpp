@@ -31,7 +31,7 @@ bool Lin3Key::load(std::istream& in)
 {
     if (!TCB::load(in))
         return false;
-    float xyz[3] = { 0.0f, 0.0f, 0.0f };
+    float xyz[3] = {0.0f, 0.0f, 0.0f};
     if (!Chunk::readFloats(in, xyz, 3))
         return false;
     value.assign(xyz[0], xyz[1], xyz[2]);

@@ -121,9 +121,8 @@ Vector3 Lin3Track::evaluate(float t) const
     }
 
     const Lin3Key* n = k->getNextKey() ? lin3(k->getNextKey()) : lin3(firstKey);
-    long long span = n->getFrame() >= k->getFrame()
-                         ? static_cast<long long>(n->getFrame()) - k->getFrame()
-                         : n->getFrame();
+    long long span =
+        n->getFrame() >= k->getFrame() ? static_cast<long long>(n->getFrame()) - k->getFrame() : n->getFrame();
     if (span == 0)
         span = 1;
     float u = (t - static_cast<float>(k->getFrame())) / static_cast<float>(span);

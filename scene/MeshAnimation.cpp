@@ -73,10 +73,7 @@ Matrix4 MeshAnimation::placement() const
     // that the placement turns the mesh without mirroring it.
     Vector3 side = -u;
 
-    return Matrix4(side.x, v.x, n.x, p.x,
-                   side.y, v.y, n.y, p.y,
-                   side.z, v.z, n.z, p.z,
-                   0.0f, 0.0f, 0.0f, 1.0f);
+    return Matrix4(side.x, v.x, n.x, p.x, side.y, v.y, n.y, p.y, side.z, v.z, n.z, p.z, 0.0f, 0.0f, 0.0f, 1.0f);
 }
 
 void MeshAnimation::setMatrix() const
@@ -84,10 +81,8 @@ void MeshAnimation::setMatrix() const
     Matrix4 m = placement();
     glTranslatef(m[3], m[7], m[11]);
     // GL takes columns: the rotation part, transposed, without the translation.
-    float rotation[16] = {m[0], m[4], m[8], 0.0f,
-                          m[1], m[5], m[9], 0.0f,
-                          m[2], m[6], m[10], 0.0f,
-                          0.0f, 0.0f, 0.0f, 1.0f};
+    float rotation[16] = {m[0], m[4], m[8],  0.0f, m[1], m[5], m[9], 0.0f,
+                          m[2], m[6], m[10], 0.0f, 0.0f, 0.0f, 0.0f, 1.0f};
     glMultMatrixf(rotation);
 }
 

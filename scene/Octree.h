@@ -24,11 +24,7 @@ enum OctreeRenderMode : int {
 
 // A parse callback's answer; any other value stops the walk below the node
 // (the fixed underlying type makes every int a valid answer).
-enum OctreeParseCode : int {
-    OCTREE_PARSE_CHILDREN = 0,
-    OCTREE_PARSE_CHILDREN_REVERSED = 1,
-    OCTREE_PARSE_STOP = 2
-};
+enum OctreeParseCode : int { OCTREE_PARSE_CHILDREN = 0, OCTREE_PARSE_CHILDREN_REVERSED = 1, OCTREE_PARSE_STOP = 2 };
 
 typedef OctreeParseCode (*OctreeParseCallback)(OctreeNode* node);
 

@@ -17,10 +17,7 @@ const long long minRecordSize = 4 + 2 + 41;
 
 uint32_t OctreeNode::curPvsVisNr = 0;
 
-OctreeNode::OctreeNode()
-    : numFaces(0), faceIndices(nullptr), father(nullptr), children(nullptr), visNr(0)
-{
-}
+OctreeNode::OctreeNode() : numFaces(0), faceIndices(nullptr), father(nullptr), children(nullptr), visNr(0) {}
 
 OctreeNode::OctreeNode(const BoundingBox& box, OctreeNode* father_)
     : BoundingBox(box), numFaces(0), faceIndices(nullptr), father(father_), children(nullptr), visNr(0)

@@ -29,7 +29,7 @@ void drawCard(GLenum mode, int corners, float sx, float sy)
     }
     glEnd();
 }
-}
+}  // namespace
 
 Particle::Particle()
     : type(PARTICLE_POINT), flags(0), lifetime(0.0f), info(nullptr), material(nullptr), mesh(nullptr),
@@ -75,26 +75,26 @@ void Particle::draw() const
     const float sx = size.x;
     const float sy = size.y;
     switch (type) {
-    case PARTICLE_POINT:
-        // The frame is already at the position: the point lands at twice the
-        // offset, rotated. The plumes are tuned to it.
-        glBegin(GL_POINTS);
-        glVertex3f(position.x, position.y, position.z);
-        glEnd();
-        break;
-    case PARTICLE_TRIANGLE:
-        drawCard(GL_TRIANGLES, 3, sx, sy);
-        break;
-    case PARTICLE_QUAD:
-    case PARTICLE_SPHERE:
-        drawCard(GL_QUADS, 4, sx, sy);
-        break;
-    case PARTICLE_MESH:
-        if (mesh)
-            mesh->draw(7);
-        break;
-    default:
-        break;
+        case PARTICLE_POINT:
+            // The frame is already at the position: the point lands at twice the
+            // offset, rotated. The plumes are tuned to it.
+            glBegin(GL_POINTS);
+            glVertex3f(position.x, position.y, position.z);
+            glEnd();
+            break;
+        case PARTICLE_TRIANGLE:
+            drawCard(GL_TRIANGLES, 3, sx, sy);
+            break;
+        case PARTICLE_QUAD:
+        case PARTICLE_SPHERE:
+            drawCard(GL_QUADS, 4, sx, sy);
+            break;
+        case PARTICLE_MESH:
+            if (mesh)
+                mesh->draw(7);
+            break;
+        default:
+            break;
     }
 }
 

@@ -13,15 +13,13 @@ ParticleCluster::ParticleCluster()
 {
 }
 
-ParticleCluster::ParticleCluster(const char* name, int count_, ParticleInfo* info_, bool respawn_)
-    : ParticleCluster()
+ParticleCluster::ParticleCluster(const char* name, int count_, ParticleInfo* info_, bool respawn_) : ParticleCluster()
 {
     createCluster(name, count_, info_, respawn_);
 }
 
 ParticleCluster::ParticleCluster(const ParticleCluster& other)
-    : NamedObject(other), speed(1.0f), respawn(false), count(0), active(0), dead(0), particles(nullptr),
-      info(nullptr)
+    : NamedObject(other), speed(1.0f), respawn(false), count(0), active(0), dead(0), particles(nullptr), info(nullptr)
 {
 }
 

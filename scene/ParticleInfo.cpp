@@ -45,9 +45,8 @@ float cosOf(float a)
 
 ParticleInfo::ParticleInfo(ParticleType type_, float minLifetime_, float maxLifetime_, const Vector3& size_,
                            const Color& startColor_, const Color& endColor_, const BoundingBox& region_)
-    : type(type_), minLifetime(minLifetime_), maxLifetime(maxLifetime_), size(size_),
-      startColor(startColor_), endColor(endColor_), material(nullptr), region(region_),
-      plane(PCINFO_PLANE_XY), turns(0.0f)
+    : type(type_), minLifetime(minLifetime_), maxLifetime(maxLifetime_), size(size_), startColor(startColor_),
+      endColor(endColor_), material(nullptr), region(region_), plane(PCINFO_PLANE_XY), turns(0.0f)
 {
 }
 
@@ -100,8 +99,7 @@ void PCInfoPoint::create(Particle& particle)
 }
 
 PCInfoRect::PCInfoRect(ParticleType type_, float minLifetime_, float maxLifetime_, const Vector3& size_,
-                       const Color& startColor_, const Color& endColor_, const BoundingBox& region_,
-                       PCInfoPlane plane_)
+                       const Color& startColor_, const Color& endColor_, const BoundingBox& region_, PCInfoPlane plane_)
     : ParticleInfo(type_, minLifetime_, maxLifetime_, size_, startColor_, endColor_, region_)
 {
     plane = plane_;

@@ -13,16 +13,12 @@ class Material;
 
 // The plane a flat emitter lies in; any value other than XY and XZ means YZ.
 typedef uint32_t PCInfoPlane;
-enum {
-    PCINFO_PLANE_XY = 0,
-    PCINFO_PLANE_XZ = 1,
-    PCINFO_PLANE_YZ = 2
-};
+enum { PCINFO_PLANE_XY = 0, PCINFO_PLANE_XZ = 1, PCINFO_PLANE_YZ = 2 };
 
 class ParticleInfo {
 public:
-    ParticleInfo(ParticleType type, float minLifetime, float maxLifetime, const Vector3& size,
-                 const Color& startColor, const Color& endColor, const BoundingBox& region);
+    ParticleInfo(ParticleType type, float minLifetime, float maxLifetime, const Vector3& size, const Color& startColor,
+                 const Color& endColor, const BoundingBox& region);
     virtual ~ParticleInfo();
 
     // Type, size, a random lifetime and the colours, then the shape's place and
@@ -65,8 +61,8 @@ public:
 // Anywhere on the region's lower face in the plane, moving along the plane's normal either way.
 class PCInfoRect : public ParticleInfo {
 public:
-    PCInfoRect(ParticleType type, float minLifetime, float maxLifetime, const Vector3& size,
-               const Color& startColor, const Color& endColor, const BoundingBox& region, PCInfoPlane plane);
+    PCInfoRect(ParticleType type, float minLifetime, float maxLifetime, const Vector3& size, const Color& startColor,
+               const Color& endColor, const BoundingBox& region, PCInfoPlane plane);
     void create(Particle& particle) override;
 };
 
@@ -80,17 +76,16 @@ public:
 // A band around the centre in the plane, moving along the plane's normal either way.
 class PCInfoCircle : public ParticleInfo {
 public:
-    PCInfoCircle(ParticleType type, float minLifetime, float maxLifetime, const Vector3& size,
-                 const Color& startColor, const Color& endColor, const BoundingBox& region, PCInfoPlane plane);
+    PCInfoCircle(ParticleType type, float minLifetime, float maxLifetime, const Vector3& size, const Color& startColor,
+                 const Color& endColor, const BoundingBox& region, PCInfoPlane plane);
     void create(Particle& particle) override;
 };
 
 // On a helix about the plane's normal, moving along that normal.
 class PCInfoHelix : public ParticleInfo {
 public:
-    PCInfoHelix(ParticleType type, float minLifetime, float maxLifetime, const Vector3& size,
-                const Color& startColor, const Color& endColor, const BoundingBox& region,
-                PCInfoPlane plane, float turns);
+    PCInfoHelix(ParticleType type, float minLifetime, float maxLifetime, const Vector3& size, const Color& startColor,
+                const Color& endColor, const BoundingBox& region, PCInfoPlane plane, float turns);
     void create(Particle& particle) override;
 
     // The plane functions: the offset from the flattened centre for parameter t.

@@ -19,7 +19,7 @@ float wrapped(double value)
     return static_cast<float>(value);
 }
 
-} // namespace
+}  // namespace
 
 void SphericalUV::mapMesh(Mesh* mesh, int)
 {

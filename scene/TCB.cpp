@@ -5,10 +5,7 @@
 
 #include <cmath>
 
-TCB::TCB()
-    : frame(0), flags(0), tension(0.0f), continuity(0.0f), bias(0.0f), easeTo(0.0f), easeFrom(0.0f)
-{
-}
+TCB::TCB() : frame(0), flags(0), tension(0.0f), continuity(0.0f), bias(0.0f), easeTo(0.0f), easeFrom(0.0f) {}
 
 TCB::~TCB() {}
 
@@ -17,7 +14,7 @@ bool TCB::load(std::istream& in)
     if (!Chunk::readTag(in, "TCB0"))
         return false;
     int16_t rawFlags = 0;
-    float reals[5] = { 0.0f, 0.0f, 0.0f, 0.0f, 0.0f };
+    float reals[5] = {0.0f, 0.0f, 0.0f, 0.0f, 0.0f};
     if (!Chunk::readInt(in, frame) || !Chunk::readShort(in, rawFlags) || !Chunk::readFloats(in, reals, 5))
         return false;
     flags = static_cast<uint16_t>(rawFlags);
@@ -31,7 +28,7 @@ bool TCB::load(std::istream& in)
 
 bool TCB::save(std::ostream& out)
 {
-    const float reals[5] = { tension, continuity, bias, easeTo, easeFrom };
+    const float reals[5] = {tension, continuity, bias, easeTo, easeFrom};
     Chunk::writeTag(out, "TCB0");
     Chunk::writeInt(out, frame);
     Chunk::writeShort(out, static_cast<int16_t>(flags));
@@ -39,9 +36,8 @@ bool TCB::save(std::ostream& out)
     return Chunk::good(out);
 }
 
-void TCB::tcb(const TCB* prev, const TCB* prevAlt, const TCB* cur,
-              const TCB* nextAlt, const TCB* next,
-              float& ksm, float& ksp, float& kdm, float& kdp)
+void TCB::tcb(const TCB* prev, const TCB* prevAlt, const TCB* cur, const TCB* nextAlt, const TCB* next, float& ksm,
+              float& ksp, float& kdm, float& kdp)
 {
     if (!prevAlt)
         prevAlt = cur;

@@ -36,8 +36,7 @@ public:
     // Hermite tangent weights of cur from its neighbours, with cur's own parameters.
     // prevAlt and nextAlt stand in for cur when null; they let a closed track
     // measure intervals across its seam.
-    static void tcb(const TCB* prev, const TCB* prevAlt, const TCB* cur,
-                    const TCB* nextAlt, const TCB* next,
+    static void tcb(const TCB* prev, const TCB* prevAlt, const TCB* cur, const TCB* nextAlt, const TCB* next,
                     float& ksm, float& ksp, float& kdm, float& kdp);
 
 protected:

@@ -16,7 +16,6 @@ bool Vertex::load(std::istream& in)
 
 bool Vertex::save(std::ostream& out) const
 {
-    const float values[8] = {position.x, position.y, position.z,
-                             normal.x, normal.y, normal.z, uv.x, uv.y};
+    const float values[8] = {position.x, position.y, position.z, normal.x, normal.y, normal.z, uv.x, uv.y};
     return Chunk::writeFloats(out, values, 8);
 }

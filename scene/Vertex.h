@@ -15,7 +15,9 @@ public:
 
     Vertex() {}
     Vertex(const Vector3& position_, const Vector2& uv_, const Vector3& normal_)
-        : position(position_), normal(normal_), uv(uv_) {}
+        : position(position_), normal(normal_), uv(uv_)
+    {
+    }
 
     // Position x, y, z; normal x, y, z; u, v; each a little-endian float.
     bool load(std::istream& in);

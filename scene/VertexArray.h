@@ -9,12 +9,7 @@
 class VertexArray {
 public:
     // Client-array selection for upload/unload.
-    enum {
-        POSITIONS = 1,
-        NORMALS = 2,
-        TEXCOORDS = 4,
-        TEXCOORDS_UNIT1 = 8
-    };
+    enum { POSITIONS = 1, NORMALS = 2, TEXCOORDS = 4, TEXCOORDS_UNIT1 = 8 };
 
     VertexArray();
     VertexArray(const VertexArray& other);

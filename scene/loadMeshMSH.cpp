@@ -31,8 +31,7 @@ bool readVertices(std::istream& in, VertexArray& vertices)
         float values[8];
         if (!Chunk::readFloats(in, values, 8))
             return false;
-        Vertex vertex(Vector3(values[0], values[1], values[2]),
-                      Vector2(values[6], values[7]),
+        Vertex vertex(Vector3(values[0], values[1], values[2]), Vector2(values[6], values[7]),
                       Vector3(values[3], values[4], values[5]));
         vertex.normal.normalize();
         vertices.addVertex(vertex);
@@ -64,7 +63,7 @@ bool readFaces(std::istream& in, FaceArray& faces)
     return true;
 }
 
-} // namespace
+}  // namespace
 
 Mesh* loadMeshMSH(const char* file)
 {

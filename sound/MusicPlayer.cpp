@@ -4,25 +4,31 @@
 #include <cstring>
 
 MusicPlayer::MusicPlayer()
-    : filename(nullptr), looping(false), stopped(true), loopStart(0.0f), loopEnd(0.0f), location(0.0f) {}
+    : filename(nullptr), looping(false), stopped(true), loopStart(0.0f), loopEnd(0.0f), location(0.0f)
+{
+}
 
-MusicPlayer::~MusicPlayer() {
+MusicPlayer::~MusicPlayer()
+{
     delete[] filename;
 }
 
-void MusicPlayer::setLoop(float start, float end) {
+void MusicPlayer::setLoop(float start, float end)
+{
     loopStart = start;
     loopEnd = end;
     looping = true;
 }
 
-void MusicPlayer::unsetLoop() {
+void MusicPlayer::unsetLoop()
+{
     loopStart = 0.0f;
     loopEnd = 0.0f;
     looping = false;
 }
 
-void MusicPlayer::setFilename(const char* name) {
+void MusicPlayer::setFilename(const char* name)
+{
     // Copy first: the new name may be the old one.
     char* copy = nullptr;
     if (name) {

@@ -20,15 +20,15 @@ public:
     AudioLock& operator=(const AudioLock&) = delete;
 };
 
-openmpt_module* openModule(const char* file) {
+openmpt_module* openModule(const char* file)
+{
     FILE* stream = std::fopen(file, "rb");
     if (!stream)
         return nullptr;
     // libopenmpt reads the whole file while creating the module; the stream is done after.
-    openmpt_module* module = openmpt_module_create2(openmpt_stream_get_file_callbacks(), stream,
-                                                    openmpt_log_func_silent, nullptr,
-                                                    openmpt_error_func_ignore, nullptr,
-                                                    nullptr, nullptr, nullptr);
+    openmpt_module* module =
+        openmpt_module_create2(openmpt_stream_get_file_callbacks(), stream, openmpt_log_func_silent, nullptr,
+                               openmpt_error_func_ignore, nullptr, nullptr, nullptr, nullptr);
     std::fclose(stream);
     return module;
 }
@@ -36,15 +36,19 @@ openmpt_module* openModule(const char* file) {
 }  // namespace
 
 MusicPlayerMOD::MusicPlayerMOD()
-    : module(nullptr), bpm(0.0f), volume(MAX_VOLUME), paused(false), pastEnd(false),
-      clockMs(0.0), clockFrames(0), clockRate(0) {}
+    : module(nullptr), bpm(0.0f), volume(MAX_VOLUME), paused(false), pastEnd(false), clockMs(0.0), clockFrames(0),
+      clockRate(0)
+{
+}
 
-MusicPlayerMOD::~MusicPlayerMOD() {
+MusicPlayerMOD::~MusicPlayerMOD()
+{
     if (module)
         shutdown();
 }
 
-bool MusicPlayerMOD::load(const char* file) {
+bool MusicPlayerMOD::load(const char* file)
+{
     if (module) {
         if (!stopped)
             stop();
@@ -71,14 +75,16 @@ bool MusicPlayerMOD::load(const char* file) {
     return true;
 }
 
-void MusicPlayerMOD::initiate() {
+void MusicPlayerMOD::initiate()
+{
     if (!module || !stopped)
         return;
     setOrder(0);
     play();
 }
 
-bool MusicPlayerMOD::play() {
+bool MusicPlayerMOD::play()
+{
     if (!module || !stopped)
         return false;
     {
@@ -92,7 +98,8 @@ bool MusicPlayerMOD::play() {
     return true;
 }
 
-bool MusicPlayerMOD::stop() {
+bool MusicPlayerMOD::stop()
+{
     if (!module || stopped)
         return false;
     Sound::getHandle()->detach(this);
@@ -100,7 +107,8 @@ bool MusicPlayerMOD::stop() {
     return true;
 }
 
-bool MusicPlayerMOD::pause() {
+bool MusicPlayerMOD::pause()
+{
     if (!module || stopped)
         return false;
     AudioLock lock;
@@ -108,19 +116,22 @@ bool MusicPlayerMOD::pause() {
     return true;
 }
 
-void MusicPlayerMOD::update() {
+void MusicPlayerMOD::update()
+{
     if (!module)
         return;
     AudioLock lock;
     location = static_cast<float>(elapsedMs());
 }
 
-float MusicPlayerMOD::getCurrentLocation() {
+float MusicPlayerMOD::getCurrentLocation()
+{
     update();
     return location;
 }
 
-void MusicPlayerMOD::shutdown() {
+void MusicPlayerMOD::shutdown()
+{
     if (!module)
         return;
     if (!stopped)
@@ -129,15 +140,18 @@ void MusicPlayerMOD::shutdown() {
     module = nullptr;
 }
 
-bool MusicPlayerMOD::forward(float seconds) {
+bool MusicPlayerMOD::forward(float seconds)
+{
     return seek(1, seconds);
 }
 
-bool MusicPlayerMOD::backward(float seconds) {
+bool MusicPlayerMOD::backward(float seconds)
+{
     return seek(-1, seconds);
 }
 
-bool MusicPlayerMOD::seek(int direction, float seconds) {
+bool MusicPlayerMOD::seek(int direction, float seconds)
+{
     if (!module || stopped)
         return false;
     AudioLock lock;
@@ -162,7 +176,8 @@ bool MusicPlayerMOD::seek(int direction, float seconds) {
     return true;
 }
 
-void MusicPlayerMOD::setOrder(int order) {
+void MusicPlayerMOD::setOrder(int order)
+{
     if (order < openmpt_module_get_num_orders(module)) {
         openmpt_module_set_position_order_row(module, order < 0 ? 0 : order, 0);
         pastEnd = false;
@@ -173,20 +188,23 @@ void MusicPlayerMOD::setOrder(int order) {
     pastEnd = true;
 }
 
-int MusicPlayerMOD::currentOrder() const {
+int MusicPlayerMOD::currentOrder() const
+{
     if (pastEnd)
         return openmpt_module_get_num_orders(module);
     return openmpt_module_get_current_order(module);
 }
 
-int MusicPlayerMOD::getOrder() {
+int MusicPlayerMOD::getOrder()
+{
     if (!module)
         return -1;
     AudioLock lock;
     return currentOrder();
 }
 
-int MusicPlayerMOD::getNumOrders() {
+int MusicPlayerMOD::getNumOrders()
+{
     if (!module)
         return 0;
     return openmpt_module_get_num_orders(module);
@@ -196,7 +214,8 @@ void MusicPlayerMOD::setLoop(float, float) {}
 
 void MusicPlayerMOD::unsetLoop() {}
 
-bool MusicPlayerMOD::setVolume(int v) {
+bool MusicPlayerMOD::setVolume(int v)
+{
     if (!module)
         return false;
     if (v < 0)
@@ -208,18 +227,21 @@ bool MusicPlayerMOD::setVolume(int v) {
     return true;
 }
 
-int MusicPlayerMOD::getVolume() const {
+int MusicPlayerMOD::getVolume() const
+{
     if (!module)
         return -1;
     return volume;
 }
 
-size_t MusicPlayerMOD::render(int16_t* interleaved, size_t frames, int rate) {
+size_t MusicPlayerMOD::render(int16_t* interleaved, size_t frames, int rate)
+{
     AudioLock lock;
     return renderLocked(interleaved, frames, rate);
 }
 
-bool MusicPlayerMOD::setPosition(double seconds) {
+bool MusicPlayerMOD::setPosition(double seconds)
+{
     if (!module)
         return false;
     AudioLock lock;
@@ -228,7 +250,8 @@ bool MusicPlayerMOD::setPosition(double seconds) {
     return true;
 }
 
-size_t MusicPlayerMOD::renderLocked(int16_t* interleaved, size_t frames, int rate) {
+size_t MusicPlayerMOD::renderLocked(int16_t* interleaved, size_t frames, int rate)
+{
     if (!module || !interleaved || rate <= 0)
         return 0;
     size_t made = openmpt_module_read_interleaved_stereo(module, rate, frames, interleaved);
@@ -243,13 +266,15 @@ size_t MusicPlayerMOD::renderLocked(int16_t* interleaved, size_t frames, int rat
     return made;
 }
 
-void MusicPlayerMOD::resetClock() {
+void MusicPlayerMOD::resetClock()
+{
     clockMs = 0.0;
     clockFrames = 0;
     clockRate = 0;
 }
 
-double MusicPlayerMOD::elapsedMs() const {
+double MusicPlayerMOD::elapsedMs() const
+{
     if (clockRate <= 0)
         return clockMs;
     return clockMs + static_cast<double>(clockFrames) * 1000.0 / clockRate;

@@ -19,12 +19,14 @@ const int kBufferMs = 200;
 // Frames mixed per pass through the players: small enough to live on the stack.
 const size_t kBlockFrames = 512;
 
-void audioCallback(void* user, Uint8* stream, int length) {
+void audioCallback(void* user, Uint8* stream, int length)
+{
     static_cast<Sound*>(user)->mix(stream, length);
 }
 
 // SDL wants a power of two.
-Uint16 bufferFrames(int rate) {
+Uint16 bufferFrames(int rate)
+{
     long wanted = static_cast<long>(rate) * kBufferMs / 1000 / 4;
     Uint16 frames = 256;
     while (frames < 16384 && frames * 2 <= wanted)
@@ -32,7 +34,8 @@ Uint16 bufferFrames(int rate) {
     return frames;
 }
 
-int16_t saturate(int64_t value) {
+int16_t saturate(int64_t value)
+{
     if (value > 32767)
         return 32767;
     if (value < -32768)
@@ -42,18 +45,21 @@ int16_t saturate(int64_t value) {
 
 }  // namespace
 
-Sound* Sound::getHandle() {
+Sound* Sound::getHandle()
+{
     // Never destroyed: players deleted late still reach it.
     static Sound* handle = new Sound();
     return handle;
 }
 
 Sound::Sound()
-    : initialised(false), driver(0), mixRate(kStartRate), channels(kStartChannels),
-      head(nullptr), current(nullptr), globalVolume(MAX_GLOBAL_VOLUME),
-      outputOpen(false), startedSubsystem(false) {}
+    : initialised(false), driver(0), mixRate(kStartRate), channels(kStartChannels), head(nullptr), current(nullptr),
+      globalVolume(MAX_GLOBAL_VOLUME), outputOpen(false), startedSubsystem(false)
+{
+}
 
-bool Sound::initiate(int rate, int channelCount) {
+bool Sound::initiate(int rate, int channelCount)
+{
     if (initialised)
         return false;
     if (rate <= 0 || channelCount <= 0)
@@ -73,7 +79,8 @@ bool Sound::initiate(int rate, int channelCount) {
     return true;
 }
 
-bool Sound::openOutput(int rate) {
+bool Sound::openOutput(int rate)
+{
     if (!SDL_WasInit(SDL_INIT_AUDIO)) {
         if (SDL_InitSubSystem(SDL_INIT_AUDIO) < 0)
             return false;
@@ -99,7 +106,8 @@ bool Sound::openOutput(int rate) {
     return true;
 }
 
-void Sound::closeOutput() {
+void Sound::closeOutput()
+{
     if (outputOpen)
         SDL_CloseAudio();
     outputOpen = false;
@@ -108,7 +116,8 @@ void Sound::closeOutput() {
     startedSubsystem = false;
 }
 
-void Sound::shutdown() {
+void Sound::shutdown()
+{
     if (!initialised)
         return;
     if (current)
@@ -122,7 +131,8 @@ void Sound::shutdown() {
     channels = kStartChannels;
 }
 
-void Sound::deletePlayers() {
+void Sound::deletePlayers()
+{
     while (head) {
         Node* node = head;
         head = node->next;
@@ -136,14 +146,16 @@ void Sound::deletePlayers() {
     }
 }
 
-void Sound::update() {
+void Sound::update()
+{
     if (!initialised)
         return;
     if (current)
         current->player->update();
 }
 
-bool Sound::addMusic(MusicPlayer* player) {
+bool Sound::addMusic(MusicPlayer* player)
+{
     if (!player)
         return false;
     head = new Node{player, head};
@@ -152,7 +164,8 @@ bool Sound::addMusic(MusicPlayer* player) {
     return true;
 }
 
-bool Sound::removeMusic(MusicPlayer* player) {
+bool Sound::removeMusic(MusicPlayer* player)
+{
     Node** link = &head;
     while (*link && (*link)->player != player)
         link = &(*link)->next;
@@ -166,12 +179,14 @@ bool Sound::removeMusic(MusicPlayer* player) {
     return true;
 }
 
-MusicPlayer* Sound::findMusic(const char* filename) {
+MusicPlayer* Sound::findMusic(const char* filename)
+{
     const Sound* self = this;
     return const_cast<MusicPlayer*>(self->findMusic(filename));
 }
 
-const MusicPlayer* Sound::findMusic(const char* filename) const {
+const MusicPlayer* Sound::findMusic(const char* filename) const
+{
     if (!filename)
         return nullptr;
     for (Node* node = head; node; node = node->next) {
@@ -182,7 +197,8 @@ const MusicPlayer* Sound::findMusic(const char* filename) const {
     return nullptr;
 }
 
-bool Sound::setCurrentMusic(MusicPlayer* player) {
+bool Sound::setCurrentMusic(MusicPlayer* player)
+{
     Node* node = findNode(player);
     if (!node)
         return false;
@@ -195,18 +211,21 @@ bool Sound::setCurrentMusic(MusicPlayer* player) {
     return true;
 }
 
-bool Sound::setCurrentMusic(const char* filename) {
+bool Sound::setCurrentMusic(const char* filename)
+{
     MusicPlayer* player = findMusic(filename);
     if (!player)
         return false;
     return setCurrentMusic(player);
 }
 
-MusicPlayer* Sound::getCurrentMusic() const {
+MusicPlayer* Sound::getCurrentMusic() const
+{
     return current ? current->player : nullptr;
 }
 
-Sound::Node* Sound::findNode(const MusicPlayer* player) const {
+Sound::Node* Sound::findNode(const MusicPlayer* player) const
+{
     if (!player)
         return nullptr;
     for (Node* node = head; node; node = node->next) {
@@ -216,43 +235,50 @@ Sound::Node* Sound::findNode(const MusicPlayer* player) const {
     return nullptr;
 }
 
-void Sound::setGlobalVolume(int volume) {
+void Sound::setGlobalVolume(int volume)
+{
     volume = std::max(0, std::min(volume, MAX_GLOBAL_VOLUME));
     lockAudio();
     globalVolume = volume;
     unlockAudio();
 }
 
-int Sound::getGlobalVolume() const {
+int Sound::getGlobalVolume() const
+{
     return globalVolume;
 }
 
 void Sound::setWindow(void*) {}
 
-void Sound::lockAudio() {
+void Sound::lockAudio()
+{
     if (outputOpen)
         SDL_LockAudio();
 }
 
-void Sound::unlockAudio() {
+void Sound::unlockAudio()
+{
     if (outputOpen)
         SDL_UnlockAudio();
 }
 
-void Sound::attach(MusicPlayerMOD* player) {
+void Sound::attach(MusicPlayerMOD* player)
+{
     lockAudio();
     if (std::find(playing.begin(), playing.end(), player) == playing.end())
         playing.push_back(player);
     unlockAudio();
 }
 
-void Sound::detach(MusicPlayerMOD* player) {
+void Sound::detach(MusicPlayerMOD* player)
+{
     lockAudio();
     playing.erase(std::remove(playing.begin(), playing.end(), player), playing.end());
     unlockAudio();
 }
 
-void Sound::mix(uint8_t* stream, int length) {
+void Sound::mix(uint8_t* stream, int length)
+{
     if (!stream || length <= 0)
         return;
     std::memset(stream, 0, static_cast<size_t>(length));

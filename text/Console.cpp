@@ -38,7 +38,7 @@ int firstWordLength(const char* text, int width)
     return n;
 }
 
-}
+}  // namespace
 
 Console* Console::getHandle()
 {
@@ -47,9 +47,9 @@ Console* Console::getHandle()
 }
 
 Console::Console()
-    : initiated(false), active(false), flash(1.0f), lineCount(0), scroll(0), currentLine(0), cursor(0),
-      width(0), visibleLines(0), spare(0), buffer(nullptr), colour(1.0f, 1.0f, 1.0f, 1.0f),
-      fontMaterial(nullptr), backgroundMaterial(nullptr)
+    : initiated(false), active(false), flash(1.0f), lineCount(0), scroll(0), currentLine(0), cursor(0), width(0),
+      visibleLines(0), spare(0), buffer(nullptr), colour(1.0f, 1.0f, 1.0f, 1.0f), fontMaterial(nullptr),
+      backgroundMaterial(nullptr)
 {
 }
 

@@ -13,12 +13,9 @@ unsigned pointsOf(float size)
     return static_cast<unsigned>(size);
 }
 
-}
+}  // namespace
 
-Fonter::Fonter()
-    : type(NONE), font(nullptr)
-{
-}
+Fonter::Fonter() : type(NONE), font(nullptr) {}
 
 Fonter::~Fonter()
 {
@@ -29,20 +26,20 @@ Fonter::~Fonter()
 FTFont* Fonter::createFont(const char* file, Type type)
 {
     switch (type) {
-    case BITMAP:
-        return new FTGLBitmapFont(file);
-    case PIXMAP:
-        return new FTGLPixmapFont(file);
-    case OUTLINE:
-        return new FTGLOutlineFont(file);
-    case POLYGON:
-        return new FTGLPolygonFont(file);
-    case EXTRUDED:
-        return new FTGLExtrdFont(file);
-    case TEXTURE:
-        return new FTGLTextureFont(file);
-    default:
-        return nullptr;
+        case BITMAP:
+            return new FTGLBitmapFont(file);
+        case PIXMAP:
+            return new FTGLPixmapFont(file);
+        case OUTLINE:
+            return new FTGLOutlineFont(file);
+        case POLYGON:
+            return new FTGLPolygonFont(file);
+        case EXTRUDED:
+            return new FTGLExtrdFont(file);
+        case TEXTURE:
+            return new FTGLTextureFont(file);
+        default:
+            return nullptr;
     }
 }
 

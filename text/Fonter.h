@@ -6,15 +6,7 @@ class FTFont;
 class Fonter {
 public:
     // The FTGL style a font is drawn with; 0 and anything above 6 name none.
-    enum Type {
-        NONE = 0,
-        BITMAP = 1,
-        PIXMAP = 2,
-        OUTLINE = 3,
-        POLYGON = 4,
-        EXTRUDED = 5,
-        TEXTURE = 6
-    };
+    enum Type { NONE = 0, BITMAP = 1, PIXMAP = 2, OUTLINE = 3, POLYGON = 4, EXTRUDED = 5, TEXTURE = 6 };
 
     Fonter();
     ~Fonter();

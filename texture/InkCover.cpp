@@ -14,10 +14,14 @@ namespace {
 int alphaByte(int format)
 {
     switch (format) {
-    case TEXTURE_ALPHA: return 0;
-    case TEXTURE_LUMINANCE_ALPHA: return 1;
-    case TEXTURE_RGBA: return 3;
-    default: return -1;
+        case TEXTURE_ALPHA:
+            return 0;
+        case TEXTURE_LUMINANCE_ALPHA:
+            return 1;
+        case TEXTURE_RGBA:
+            return 3;
+        default:
+            return -1;
     }
 }
 
@@ -56,7 +60,7 @@ float highestReaching(int last, int size)
     return (static_cast<float>(last) + 1.5f + InkCover::MARGIN) / static_cast<float>(size);
 }
 
-}
+}  // namespace
 
 void InkCover::measure(const Texture* texture, float sLow, float sHigh, float tLow, float tHigh, int bandRows)
 {
@@ -116,9 +120,8 @@ void InkCover::measure(const Texture* texture, float sLow, float sHigh, float tL
         }
         if (columns.first > columns.last)
             continue;
-        boxes.push_back(Box{std::max(sLow, lowestReaching(columns.first, width)),
-                            std::min(sHigh, highestReaching(columns.last, width)),
-                            std::max(bandLow, lowestReaching(inkTop, height)),
-                            std::min(bandHigh, highestReaching(inkBottom, height))});
+        boxes.push_back(Box{
+            std::max(sLow, lowestReaching(columns.first, width)), std::min(sHigh, highestReaching(columns.last, width)),
+            std::max(bandLow, lowestReaching(inkTop, height)), std::min(bandHigh, highestReaching(inkBottom, height))});
     }
 }

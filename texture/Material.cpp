@@ -62,7 +62,7 @@ void setMaterialColor(GLenum face, GLenum what, const Color& c)
     glMaterialfv(face, what, values);
 }
 
-} // namespace
+}  // namespace
 
 Material::Material()
 {

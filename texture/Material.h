@@ -28,9 +28,9 @@ public:
     static constexpr unsigned long defaultFlags = highDefault | bothFaces;
 
     // The words the scenes make their materials with.
-    static constexpr unsigned long textured = defaultFlags | sceneBit;           // opaque, both sides
+    static constexpr unsigned long textured = defaultFlags | sceneBit;             // opaque, both sides
     static constexpr unsigned long overlay = noDepthWrite | bothFaces | sceneBit;  // blended, writes no depth
-    static constexpr unsigned long reflective = defaultFlags | sphereMap;        // sphere-mapped texture
+    static constexpr unsigned long reflective = defaultFlags | sphereMap;          // sphere-mapped texture
 
     // Blend modes, one per row of the table in bind(): an alpha test, a blend function, or both.
     enum : int {

@@ -27,7 +27,7 @@ Material* materialFor(const char tag[4])
     return nullptr;
 }
 
-} // namespace
+}  // namespace
 
 MaterialMgr* MaterialMgr::getHandle()
 {

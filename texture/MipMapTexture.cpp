@@ -71,8 +71,8 @@ bool MipMapTexture::scaleLevel(int level)
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     GLenum glFormat = getOpenGLFormat(format);
-    return gluScaleImage(glFormat, width, height, GL_UNSIGNED_BYTE, data, getLevelWidth(level),
-                         getLevelHeight(level), GL_UNSIGNED_BYTE, levels[level]) == 0;
+    return gluScaleImage(glFormat, width, height, GL_UNSIGNED_BYTE, data, getLevelWidth(level), getLevelHeight(level),
+                         GL_UNSIGNED_BYTE, levels[level]) == 0;
 }
 
 bool MipMapTexture::createMipMaps()
@@ -100,8 +100,8 @@ bool MipMapTexture::uploadMipMaps()
         return false;
     GLenum glFormat = getOpenGLFormat(format);
     for (int i = 0; i < levelCount; ++i)
-        glTexImage2D(GL_TEXTURE_2D, i, components, getLevelWidth(i), getLevelHeight(i), 0, glFormat,
-                     GL_UNSIGNED_BYTE, levels[i]);
+        glTexImage2D(GL_TEXTURE_2D, i, components, getLevelWidth(i), getLevelHeight(i), 0, glFormat, GL_UNSIGNED_BYTE,
+                     levels[i]);
     return true;
 }
 

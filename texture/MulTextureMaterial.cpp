@@ -43,13 +43,11 @@ bool multiTexture()
     return GLEXT::isSupported(GLEXT::ARB_multitexture);
 }
 
-} // namespace
+}  // namespace
 
 MulTextureMaterial::MulTextureMaterial() : texBlendMode(0), texture2(nullptr) {}
 
-MulTextureMaterial::MulTextureMaterial(const char* name) : TextureMaterial(name), texBlendMode(0), texture2(nullptr)
-{
-}
+MulTextureMaterial::MulTextureMaterial(const char* name) : TextureMaterial(name), texBlendMode(0), texture2(nullptr) {}
 
 MulTextureMaterial::~MulTextureMaterial() {}
 

@@ -10,20 +10,15 @@
 
 TexQuality Texture::texQuality = 0;
 
-Texture::Texture()
-    : width(0), height(0), bitsPerPixel(0), format(0), components(0), data(nullptr), glName(noName)
-{
-}
+Texture::Texture() : width(0), height(0), bitsPerPixel(0), format(0), components(0), data(nullptr), glName(noName) {}
 
 Texture::Texture(const char* name)
-    : NamedObject(name), width(0), height(0), bitsPerPixel(0), format(0), components(0), data(nullptr),
-      glName(noName)
+    : NamedObject(name), width(0), height(0), bitsPerPixel(0), format(0), components(0), data(nullptr), glName(noName)
 {
 }
 
 Texture::Texture(const char* name, int w, int h, int bpp, int fmt, unsigned char* pixels)
-    : NamedObject(name), width(0), height(0), bitsPerPixel(0), format(0), components(0), data(nullptr),
-      glName(noName)
+    : NamedObject(name), width(0), height(0), bitsPerPixel(0), format(0), components(0), data(nullptr), glName(noName)
 {
     // Not the virtual one: a derived class is not built yet.
     Texture::create(w, h, bpp, fmt, pixels);
@@ -52,14 +47,22 @@ int Texture::componentsOf(int fmt)
 unsigned int Texture::getOpenGLFormat(int fmt) const
 {
     switch (fmt) {
-    case 1: return GL_RED;
-    case 2: return GL_GREEN;
-    case 3: return GL_BLUE;
-    case 4: return GL_ALPHA;
-    case 5: return GL_LUMINANCE;
-    case 6: return GL_LUMINANCE_ALPHA;
-    case 8: return GL_RGBA;
-    default: return GL_RGB;
+        case 1:
+            return GL_RED;
+        case 2:
+            return GL_GREEN;
+        case 3:
+            return GL_BLUE;
+        case 4:
+            return GL_ALPHA;
+        case 5:
+            return GL_LUMINANCE;
+        case 6:
+            return GL_LUMINANCE_ALPHA;
+        case 8:
+            return GL_RGBA;
+        default:
+            return GL_RGB;
     }
 }
 

@@ -3,8 +3,8 @@
 
 #include "texture/Texture.h"
 
-#include <cstring>
 #include <strings.h>
+#include <cstring>
 
 TextureLoader::TextureLoader(const char* list) : extensions(nullptr)
 {
@@ -86,26 +86,37 @@ int TextureLoader::storePixel(unsigned char* out, int format, const unsigned cha
     // Luminance takes the blue channel and a missing alpha is replaced by red: both intended.
     unsigned char alphaOrRed = hasAlpha ? rgba[3] : rgba[0];
     switch (format) {
-    case 1: out[0] = rgba[0]; return 1;
-    case 2: out[0] = rgba[1]; return 1;
-    case 3: out[0] = rgba[2]; return 1;
-    case 4: out[0] = alphaOrRed; return 1;
-    case 5: out[0] = rgba[2]; return 1;
-    case 6:
-        out[0] = rgba[2];
-        out[1] = alphaOrRed;
-        return 2;
-    case 7:
-        out[0] = rgba[0];
-        out[1] = rgba[1];
-        out[2] = rgba[2];
-        return 3;
-    case 8:
-        out[0] = rgba[0];
-        out[1] = rgba[1];
-        out[2] = rgba[2];
-        out[3] = hasAlpha ? rgba[3] : 255;
-        return 4;
-    default: return 0;
+        case 1:
+            out[0] = rgba[0];
+            return 1;
+        case 2:
+            out[0] = rgba[1];
+            return 1;
+        case 3:
+            out[0] = rgba[2];
+            return 1;
+        case 4:
+            out[0] = alphaOrRed;
+            return 1;
+        case 5:
+            out[0] = rgba[2];
+            return 1;
+        case 6:
+            out[0] = rgba[2];
+            out[1] = alphaOrRed;
+            return 2;
+        case 7:
+            out[0] = rgba[0];
+            out[1] = rgba[1];
+            out[2] = rgba[2];
+            return 3;
+        case 8:
+            out[0] = rgba[0];
+            out[1] = rgba[1];
+            out[2] = rgba[2];
+            out[3] = hasAlpha ? rgba[3] : 255;
+            return 4;
+        default:
+            return 0;
     }
 }

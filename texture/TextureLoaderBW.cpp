@@ -90,7 +90,7 @@ bool readRle(std::istream& in, int width, int height, unsigned char* out)
     return ok;
 }
 
-} // namespace
+}  // namespace
 
 TextureLoaderBW::TextureLoaderBW() : TextureLoader("bw") {}
 

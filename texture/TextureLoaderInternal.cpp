@@ -5,15 +5,15 @@
 #include "texture/MipMapTexture.h"
 #include "texture/Texture.h"
 
+#include <zlib.h>
 #include <cstring>
 #include <fstream>
-#include <zlib.h>
 
 namespace {
 
 const int bufferSize = 256;
 
-} // namespace
+}  // namespace
 
 TextureLoaderInternal::TextureLoaderInternal() : TextureLoader("ctx,mtx") {}
 

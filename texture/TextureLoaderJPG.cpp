@@ -3,9 +3,9 @@
 
 #include "texture/Texture.h"
 
+#include <jpeglib.h>
 #include <csetjmp>
 #include <cstdio>
-#include <jpeglib.h>
 
 namespace {
 
@@ -31,7 +31,7 @@ long fileSize(FILE* file)
 // Every 8x8 block costs at least one Huffman-coded bit.
 const long long maxPixelsPerByte = 512;
 
-} // namespace
+}  // namespace
 
 static unsigned char* decodeJpeg(FILE* file, int format, int* width, int* height)
 {

@@ -123,7 +123,7 @@ bool decodeIndices(std::istream& in, const PcxImage& image, int format, unsigned
     return ok;
 }
 
-} // namespace
+}  // namespace
 
 TextureLoaderPCX::TextureLoaderPCX() : TextureLoader("pcx") {}
 

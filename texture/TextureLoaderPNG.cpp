@@ -3,9 +3,9 @@
 
 #include "texture/Texture.h"
 
+#include <png.h>
 #include <csetjmp>
 #include <cstdio>
-#include <png.h>
 
 namespace {
 
@@ -38,11 +38,10 @@ long fileSize(FILE* file)
     return size;
 }
 
-} // namespace
+}  // namespace
 
 // Sets up the target once the header is known; false for sizes or formats it cannot take.
-static bool preparePngTarget(PngTarget* target, png_uint_32 w, png_uint_32 h, int bitDepth, int channels,
-                             long size)
+static bool preparePngTarget(PngTarget* target, png_uint_32 w, png_uint_32 h, int bitDepth, int channels, long size)
 {
     if (target->pixels)
         return static_cast<long long>(w) == target->width && static_cast<long long>(h) == target->height;

@@ -20,7 +20,7 @@ bool depthAccepted(int depth)
     return depth == 8 || depth == 15 || depth == 16 || depth == 24 || depth == 32;
 }
 
-} // namespace
+}  // namespace
 
 TextureLoaderTGA::TextureLoaderTGA() : TextureLoader("tga") {}
 

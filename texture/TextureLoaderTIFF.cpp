@@ -83,7 +83,7 @@ bool decodeTiff(const char* name, int format, int& w, int& h, unsigned char*& pi
     return true;
 }
 
-} // namespace
+}  // namespace
 
 TextureLoaderTIFF::TextureLoaderTIFF() : TextureLoader("tif") {}
 

@@ -15,8 +15,8 @@
 #include "texture/TextureLoaderTIFF.h"
 
 #include <GL/gl.h>
-#include <cstring>
 #include <strings.h>
+#include <cstring>
 
 namespace {
 
@@ -31,7 +31,7 @@ bool sameList(const char* a, const char* b)
 // Built before main runs, so the loaders are in place for anything that starts later.
 TextureMgr* const builtBeforeMain = TextureMgr::getHandle();
 
-} // namespace
+}  // namespace
 
 TextureMgr* TextureMgr::getHandle()
 {

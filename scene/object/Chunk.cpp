@@ -28,7 +28,7 @@ bool readLE(std::istream& in, uint32_t& value, int bytes)
     return true;
 }
 
-} // namespace
+}  // namespace
 
 bool Chunk::good(const std::ios& stream)
 {

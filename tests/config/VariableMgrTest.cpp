@@ -2,10 +2,10 @@
 #include "config/VariableMgr.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 
 namespace {
 

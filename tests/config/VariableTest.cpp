@@ -7,7 +7,10 @@
 
 namespace {
 
-Variable withText(const char* text) { return Variable("Key", text, false); }
+Variable withText(const char* text)
+{
+    return Variable("Key", text, false);
+}
 
 bool loads(Variable& v, const std::string& text)
 {

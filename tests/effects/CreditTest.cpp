@@ -11,10 +11,10 @@
 
 #include <GL/gl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <algorithm>
 #include <cstring>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -58,7 +58,7 @@ protected:
     }
 };
 
-}
+}  // namespace
 
 TEST_F(CreditTest, PictureStopsAtZeroWhileTheTrailBounces)
 {
@@ -236,7 +236,7 @@ protected:
     }
 };
 
-}
+}  // namespace
 
 // Quads cut to their ink and the picture stored as RGBA draw the picture of the whole quads: every credit through
 // its span, the trail pointing every way, at both bench sizes; a pixel differs from it by at most a few levels

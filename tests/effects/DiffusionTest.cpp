@@ -39,7 +39,7 @@ protected:
     }
 };
 
-}
+}  // namespace
 
 TEST(DiffusionStrength, IsKeptBetweenOneAndSixteenCopies)
 {

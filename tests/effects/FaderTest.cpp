@@ -55,7 +55,7 @@ Fader started(const Color& colour, std::initializer_list<float> frames)
     return fader;
 }
 
-}
+}  // namespace
 
 TEST(FaderRamp, RisesToOneAtTheMiddleAndFallsToZeroAtTheEnd)
 {

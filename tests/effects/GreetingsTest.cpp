@@ -24,7 +24,7 @@ Greetings& roll()
     return *greetings;
 }
 
-}
+}  // namespace
 
 TEST(GreetingsFont, TheMissingFontIsReportedByTheOtherNameAndTheFallbackLoads)
 {
@@ -106,7 +106,7 @@ protected:
     }
 };
 
-}
+}  // namespace
 
 TEST_F(GreetingsGLTest, TheHeadingRisesIntoViewFromBelowTheBottomEdgeAndShutdownKeepsTheFont)
 {
@@ -137,7 +137,7 @@ namespace {
 
 class GreetingsPicture : public GLTest {};
 
-}
+}  // namespace
 
 // Glyphs made ahead in the roll's order: every frame of the roll is the one drawn with glyphs made as the lines
 // first show, and the texture state of whatever drew before is left alone.

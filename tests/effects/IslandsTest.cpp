@@ -10,10 +10,10 @@
 #include "texture/MaterialMgr.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <cmath>
 #include <cstdlib>
 #include <string>
-#include <unistd.h>
 
 namespace {
 

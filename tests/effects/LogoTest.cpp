@@ -30,7 +30,7 @@ protected:
     void TearDown() override { TextureMgr::getHandle()->removeTexture(LOGO); }
 };
 
-}
+}  // namespace
 
 TEST_F(LogoTest, RestingGridStopsOneTwelfthShortOfThePicturesEdges)
 {

@@ -12,7 +12,7 @@
 #include <unistd.h>
 
 // Skips a test that needs the forged data tree when `file` is not in the working directory.
-#define SKIP_WITHOUT_DATA(file) \
+#define SKIP_WITHOUT_DATA(file)  \
     if (access(file, R_OK) != 0) \
     GTEST_SKIP() << "no forged data tree in the working directory"
 

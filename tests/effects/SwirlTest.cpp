@@ -17,7 +17,7 @@ const EffectTimer SPAN(259.5f, 289.5f);
 
 const float CLOSE = 1e-4f;
 
-}
+}  // namespace
 
 TEST(SwirlCurve, TakesDegrees)
 {
@@ -86,7 +86,7 @@ protected:
     }
 };
 
-}
+}  // namespace
 
 TEST_F(SwirlGLTest, DrawsOnlyWhileStartedAndLeavesLightingOffEvenWhenItWasOn)
 {

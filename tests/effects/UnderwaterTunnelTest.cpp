@@ -21,12 +21,16 @@ namespace {
 const EffectTimer SPAN(109.0f, 142.5f);
 const float STEP = UnderwaterTunnel::TURN * 0.03125f;
 
-}
+}  // namespace
 
 // One turn in 32 seconds; a full turn wraps to the start, but a very long frame is reduced only once.
 TEST(UnderwaterTunnelAngle, WrapsOnceAtAFullTurn)
 {
-    const struct { int frames; float seconds; float angle; } cases[] = {
+    const struct {
+        int frames;
+        float seconds;
+        float angle;
+    } cases[] = {
         {1, 1.0f, STEP}, {1, 32.0f, 0.0f}, {33, 1.0f, STEP}, {1, 70.0f, 70.0f * STEP - UnderwaterTunnel::TURN}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.frames * c.seconds);
@@ -59,9 +63,9 @@ TEST_F(UnderwaterTunnelTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns
     });
     EXPECT_FALSE(glIsEnabled(GL_FOG));
     const std::string& errors = nothing.getErrors();
-    for (const char* message : {"Unable to load tunnel data\n", "Unable to load ship\n",
-                                "Unable to load ship animation\n", "UNABLE TO LOAD data/3d/leaf.msh\n",
-                                "UNABLE TO LOAD data/3d/fanholder2.msh\n"})
+    for (const char* message :
+         {"Unable to load tunnel data\n", "Unable to load ship\n", "Unable to load ship animation\n",
+          "UNABLE TO LOAD data/3d/leaf.msh\n", "UNABLE TO LOAD data/3d/fanholder2.msh\n"})
         EXPECT_NE(errors.find(message), std::string::npos) << message << errors;
     // The camera path's absence is not among the scene's messages.
     EXPECT_EQ(errors.find("camera_tunnel.cam"), std::string::npos) << errors;
@@ -205,5 +209,6 @@ TEST_F(UnderwaterTunnelTest, LoadedAheadItDrawsWhatAFreshStartDraws)
     const std::vector<unsigned char> ahead = run(true);
     const std::vector<unsigned char> fresh = run(false);
     EXPECT_EQ(OffscreenFrame::countDifferences(ahead, fresh, 0), 0u);
-    EXPECT_GT(OffscreenFrame::countDifferences(ahead, std::vector<unsigned char>(ahead.size(), 0), 0), ahead.size() / 2);
+    EXPECT_GT(OffscreenFrame::countDifferences(ahead, std::vector<unsigned char>(ahead.size(), 0), 0),
+              ahead.size() / 2);
 }

@@ -7,9 +7,9 @@
 #include "math/Matrix4.h"
 #include "scene/BezierMesh.h"
 #include "scene/Camera.h"
-#include "scene/Frustum.h"
 #include "scene/CameraAnimation.h"
 #include "scene/CameraMgr.h"
+#include "scene/Frustum.h"
 #include "scene/LightMgr.h"
 #include "scene/Mesh.h"
 #include "scene/MeshAnimation.h"
@@ -21,15 +21,15 @@
 #include "texture/Texture.h"
 #include "texture/TextureMgr.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -75,8 +75,8 @@ Outcome configFile(const uint8_t* data, size_t size)
     VariableMgr variables;
     variables.load(path.c_str());
     // The keys the driver reads, read the way it reads them.
-    static const char* const keys[] = {"Cursor", "Fullscreen", "Width", "Height", "BitsPerPixel", "DepthBuffer",
-                                       "ShowFPS", "Sound", "Frequency", "Volume", "Song"};
+    static const char* const keys[] = {"Cursor",  "Fullscreen", "Width",     "Height", "BitsPerPixel", "DepthBuffer",
+                                       "ShowFPS", "Sound",      "Frequency", "Volume", "Song"};
     size_t seen = 0;
     for (const char* key : keys) {
         const Variable* v = variables.find(key);
@@ -155,9 +155,18 @@ Outcome registrySet(Registry* registry, const uint8_t* data, size_t size)
     return result;
 }
 
-Outcome materialSet(const uint8_t* data, size_t size) { return registrySet(MaterialMgr::getHandle(), data, size); }
-Outcome lightSet(const uint8_t* data, size_t size) { return registrySet(LightMgr::getHandle(), data, size); }
-Outcome cameraSet(const uint8_t* data, size_t size) { return registrySet(CameraMgr::getHandle(), data, size); }
+Outcome materialSet(const uint8_t* data, size_t size)
+{
+    return registrySet(MaterialMgr::getHandle(), data, size);
+}
+Outcome lightSet(const uint8_t* data, size_t size)
+{
+    return registrySet(LightMgr::getHandle(), data, size);
+}
+Outcome cameraSet(const uint8_t* data, size_t size)
+{
+    return registrySet(CameraMgr::getHandle(), data, size);
+}
 
 Outcome textureList(const uint8_t* data, size_t size)
 {
@@ -369,11 +378,26 @@ const ImageKind pcxKind = {"pcx", {8, 1, 2, 3, 4, 5, 6, 7}, true};
 const ImageKind tgaKind = {"tga", {8, 1, 7}, false};
 const ImageKind bwKind = {"bw", {5, 1, 2, 3, 4}, false};
 
-Outcome pngFile(const uint8_t* data, size_t size) { return imageFile(pngKind, data, size); }
-Outcome jpegFile(const uint8_t* data, size_t size) { return imageFile(jpegKind, data, size); }
-Outcome tiffFile(const uint8_t* data, size_t size) { return imageFile(tiffKind, data, size); }
-Outcome pcxFile(const uint8_t* data, size_t size) { return imageFile(pcxKind, data, size); }
-Outcome tgaFile(const uint8_t* data, size_t size) { return imageFile(tgaKind, data, size); }
+Outcome pngFile(const uint8_t* data, size_t size)
+{
+    return imageFile(pngKind, data, size);
+}
+Outcome jpegFile(const uint8_t* data, size_t size)
+{
+    return imageFile(jpegKind, data, size);
+}
+Outcome tiffFile(const uint8_t* data, size_t size)
+{
+    return imageFile(tiffKind, data, size);
+}
+Outcome pcxFile(const uint8_t* data, size_t size)
+{
+    return imageFile(pcxKind, data, size);
+}
+Outcome tgaFile(const uint8_t* data, size_t size)
+{
+    return imageFile(tgaKind, data, size);
+}
 
 Outcome bwFile(const uint8_t* data, size_t size)
 {
@@ -473,7 +497,7 @@ void writeSharedTexture()
     ScratchFile::publish(sharedTexture, bytes.str());
 }
 
-} // namespace
+}  // namespace
 
 void FuzzReaders::prepare()
 {

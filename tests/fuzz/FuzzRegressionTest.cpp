@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <dirent.h>
+#include <algorithm>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -58,7 +58,7 @@ std::vector<const FuzzReaders::Reader*> allReaders()
     return readers;
 }
 
-} // namespace
+}  // namespace
 
 TEST(FuzzReaderTable, EveryBuiltTargetHasAReaderAndSeeds)
 {
@@ -90,9 +90,8 @@ TEST_P(FuzzFiles, SeedsLoadBadSeedsAreRefusedAndSavedFindingsStayHarmless)
 // Readers whose files end with their last declared field must refuse any cut-off copy.
 TEST_P(FuzzFiles, CutOffSeedsNeverCrashAndStrictReadersRefuseThem)
 {
-    static const std::set<std::string> strict = {"mesh",     "plainmesh", "materials", "lights", "cameras",
-                                                 "textures", "octree",    "bezier",    "terrain", "png",
-                                                 "bw"};
+    static const std::set<std::string> strict = {"mesh",   "plainmesh", "materials", "lights", "cameras", "textures",
+                                                 "octree", "bezier",    "terrain",   "png",    "bw"};
     const FuzzReaders::Reader& reader = *GetParam();
     for (const std::string& file : filesIn(dirOf("corpus", reader.name))) {
         std::string bytes = bytesOf(dirOf("corpus", reader.name) + "/" + file);

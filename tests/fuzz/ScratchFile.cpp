@@ -1,11 +1,11 @@
 // A per-process scratch file for readers that take a file name rather than a stream.
 #include "ScratchFile.h"
 
+#include <unistd.h>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <set>
-#include <unistd.h>
 
 namespace {
 
@@ -38,11 +38,12 @@ const std::string& scratchDir()
     return dir;
 }
 
-} // namespace
+}  // namespace
 
 std::string ScratchFile::write(const char* extension, const uint8_t* data, size_t size)
 {
-    std::string path = scratchDir() + "/velmora-fuzz-" + std::to_string(getpid()) + "." + (extension ? extension : "bin");
+    std::string path =
+        scratchDir() + "/velmora-fuzz-" + std::to_string(getpid()) + "." + (extension ? extension : "bin");
     if (createdPaths().empty())
         std::atexit(removeAll);
     createdPaths().insert(path);

@@ -2,8 +2,8 @@
 #include "runtime/ApplicationSDL.h"
 #include "runtime/Timer.h"
 
-#include <SDL/SDL.h>
 #include <GL/gl.h>
+#include <SDL/SDL.h>
 #include <gtest/gtest.h>
 #include <cstdlib>
 #include <cstring>
@@ -19,7 +19,10 @@ public:
     double getUpdateSecs() override { return 0.5; }
 };
 
-std::string pair(int a, int b) { return std::to_string(a) + "," + std::to_string(b); }
+std::string pair(int a, int b)
+{
+    return std::to_string(a) + "," + std::to_string(b);
+}
 
 // Records every handler call; quits on its own after a frame budget when one is set.
 class Recorder : public ApplicationSDL {
@@ -42,7 +45,10 @@ public:
     }
     void onResize(int w, int h) override { log.push_back("resize " + pair(w, h)); }
     void onKey(unsigned char key) override { log.push_back("key " + std::to_string(key)); }
-    void onMouseButton(int x, int y, int b) override { log.push_back("button " + pair(x, y) + "," + std::to_string(b)); }
+    void onMouseButton(int x, int y, int b) override
+    {
+        log.push_back("button " + pair(x, y) + "," + std::to_string(b));
+    }
     void onMouseMove(int x, int y) override { log.push_back("move " + pair(x, y)); }
     void onInit() override { log.push_back("init"); }
     void onQuit() override { log.push_back("quit"); }
@@ -108,7 +114,7 @@ void push(Uint8 type, int a = 0, int b = 0, int c = 0)
     SDL_PushEvent(&event);
 }
 
-}
+}  // namespace
 
 TEST(ShellSettings, ColourChannelsFollowTheDesktopDepth)
 {

@@ -15,7 +15,9 @@ typedef std::vector<std::string> Log;
 class Probe : public Effect {
 public:
     Probe(const std::string& name, short layer, float start, float end, Log& log)
-        : Effect(layer, EffectTimer(start, end)), name(name), log(log) {}
+        : Effect(layer, EffectTimer(start, end)), name(name), log(log)
+    {
+    }
     ~Probe() override { log.push_back("delete " + name); }
     void initiate() override { log.push_back("initiate " + name); }
     // Logs only when it has pieces to load.
@@ -62,7 +64,7 @@ protected:
     }
 };
 
-}
+}  // namespace
 
 TEST(EffectBase, RunningIncludesBothEndsOfTheSpan)
 {

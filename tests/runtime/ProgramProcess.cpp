@@ -1,15 +1,15 @@
 // Runs the real velmora program as a child process in a scratch directory, for the end-to-end tests.
 #include "ProgramProcess.h"
 
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <sstream>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -27,7 +27,7 @@ std::string readFile(const std::string& path)
     return text.str();
 }
 
-}
+}  // namespace
 
 ProgramProcess::ProgramProcess()
 {

@@ -1,8 +1,8 @@
 // Runs the real velmora program as a child process in a scratch directory, for the end-to-end tests.
 #pragma once
 
-#include <string>
 #include <sys/types.h>
+#include <string>
 
 class ProgramProcess {
 public:

@@ -20,7 +20,7 @@ public:
     }
 };
 
-}
+}  // namespace
 
 TEST(FrameTimer, SetupStartsOverWithoutTheOldRingAndTheRateIsInfiniteUntilSomethingIsMeasured)
 {

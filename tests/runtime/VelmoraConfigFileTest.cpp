@@ -45,7 +45,7 @@ std::vector<ConfigCase> cases()
 
 class ConfigFileRun : public ::testing::TestWithParam<ConfigCase> {};
 
-} // namespace
+}  // namespace
 
 TEST_P(ConfigFileRun, OpensTheWindowItCouldReadAndRunsOn)
 {
@@ -63,4 +63,6 @@ TEST_P(ConfigFileRun, OpensTheWindowItCouldReadAndRunsOn)
 }
 
 INSTANTIATE_TEST_SUITE_P(DamagedConfig, ConfigFileRun, ::testing::ValuesIn(cases()),
-                         [](const ::testing::TestParamInfo<ConfigCase>& info) { return std::string(info.param.label); });
+                         [](const ::testing::TestParamInfo<ConfigCase>& info) {
+                             return std::string(info.param.label);
+                         });

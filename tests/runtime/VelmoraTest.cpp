@@ -17,17 +17,17 @@
 #include "text/Console.h"
 #include "texture/TextureMgr.h"
 
-#include <SDL/SDL.h>
 #include <GL/gl.h>
+#include <SDL/SDL.h>
+#include <cxxabi.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <cstdio>
 #include <cstdlib>
-#include <cxxabi.h>
 #include <fstream>
 #include <memory>
 #include <string>
 #include <typeinfo>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -35,14 +35,16 @@ namespace {
 const char* const HEADER = "Settings Registry v0.1\n(c) Quorvex Co - settings for Velmora Deep\n";
 
 // The schedule's table: start, end and layer of its 24 entries, in order.
-struct Entry { float start, end; short layer; };
-const Entry TABLE[24] = {
-    {0.0f, 8.875f, 4},      {8.875f, 17.75f, 3},    {17.75f, 26.625f, 2},   {26.625f, 35.5f, 1},
-    {35.0f, 36.0f, 100},    {35.5f, 68.5f, 0},      {68.0f, 69.0f, 100},    {68.5f, 76.0f, 0},
-    {75.5f, 76.5f, 100},    {76.0f, 109.0f, 0},     {108.5f, 109.5f, 100},  {109.0f, 142.5f, 0},
-    {141.5f, 143.5f, 100},  {142.5f, 150.5f, 0},    {150.0f, 151.0f, 100},  {150.5f, 168.5f, 0},
-    {168.0f, 169.0f, 100},  {168.5f, 201.5f, 0},    {199.5f, 203.5f, 100},  {201.5f, 214.5f, 0},
-    {214.5f, 247.5f, 0},    {247.5f, 259.5f, 0},    {259.5f, 289.5f, 0},    {259.5f, 289.5f, 1}};
+struct Entry {
+    float start, end;
+    short layer;
+};
+const Entry TABLE[24] = {{0.0f, 8.875f, 4},     {8.875f, 17.75f, 3}, {17.75f, 26.625f, 2},  {26.625f, 35.5f, 1},
+                         {35.0f, 36.0f, 100},   {35.5f, 68.5f, 0},   {68.0f, 69.0f, 100},   {68.5f, 76.0f, 0},
+                         {75.5f, 76.5f, 100},   {76.0f, 109.0f, 0},  {108.5f, 109.5f, 100}, {109.0f, 142.5f, 0},
+                         {141.5f, 143.5f, 100}, {142.5f, 150.5f, 0}, {150.0f, 151.0f, 100}, {150.5f, 168.5f, 0},
+                         {168.0f, 169.0f, 100}, {168.5f, 201.5f, 0}, {199.5f, 203.5f, 100}, {201.5f, 214.5f, 0},
+                         {214.5f, 247.5f, 0},   {247.5f, 259.5f, 0}, {259.5f, 289.5f, 0},   {259.5f, 289.5f, 1}};
 // The class of each entry, in the table's order.
 const char* const CLASSES[24] = {"Credit", "Credit",     "Credit",     "Credit",      "Fader", "Islands",
                                  "Fader",  "Logo",       "Fader",      "SeaBed",      "Fader", "UnderwaterTunnel",
@@ -151,7 +153,7 @@ public:
     }
 };
 
-}
+}  // namespace
 
 TEST_F(Driver, ConfigurationFillsTheDisplayRequest)
 {
@@ -162,7 +164,8 @@ TEST_F(Driver, ConfigurationFillsTheDisplayRequest)
     EXPECT_EQ(demo->getEffects(), nullptr);
 
     VariableMgr::getHandle()->shutdown();
-    writeConfig(std::string(HEADER) + "Cursor = no\nFullscreen = YES\nWidth = 800\nHeight = 600\n"
+    writeConfig(std::string(HEADER) +
+                "Cursor = no\nFullscreen = YES\nWidth = 800\nHeight = 600\n"
                 "BitsPerPixel = 16\nDepthBuffer = 24\nShowFPS = yes\nSound = Yes\n");
     demo = build();
     const AppInfo& info = demo->getInfo();
@@ -283,7 +286,7 @@ protected:
     MusicPlayerMOD* newMusicPlayer() override { return player = new Player(deleted); }
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(Driver, ASongThatFailsToLoadLeavesItsPlayerNeitherRegisteredNorDeleted)
 {
@@ -337,8 +340,9 @@ TEST_F(Driver, InitSetsTheFixedStateAndFadesFlashTheirColourAtEachCut)
     ASSERT_TRUE(demo->open()) << SDL_GetError();
     EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST) && glIsEnabled(GL_CULL_FACE));
     EXPECT_FALSE(glIsEnabled(GL_DITHER) || glIsEnabled(GL_COLOR_MATERIAL));
-    const GLenum queries[] = {GL_DEPTH_FUNC, GL_CULL_FACE_MODE, GL_FRONT_FACE, GL_SHADE_MODEL,
-                              GL_PERSPECTIVE_CORRECTION_HINT, GL_POLYGON_SMOOTH_HINT};
+    const GLenum queries[] = {
+        GL_DEPTH_FUNC,         GL_CULL_FACE_MODE, GL_FRONT_FACE, GL_SHADE_MODEL, GL_PERSPECTIVE_CORRECTION_HINT,
+        GL_POLYGON_SMOOTH_HINT};
     const GLint expected[] = {GL_LESS, GL_BACK, GL_CCW, GL_SMOOTH, GL_NICEST, GL_NICEST};
     for (int i = 0; i < 6; ++i) {
         GLint value = 0;
@@ -351,8 +355,8 @@ TEST_F(Driver, InitSetsTheFixedStateAndFadesFlashTheirColourAtEachCut)
     EXPECT_EQ(clear[0] + clear[1] + clear[2] + clear[3] + clear[4], 2.0f);
     // A grey background tells a black fade from an empty frame.
     glClearColor(0.5f, 0.5f, 0.5f, 1.0f);
-    const bool whiteFade[24] = {false, false, false, false, true, false, true, false, false, false, false, false,
-                                false, false, false, false, true};
+    const bool whiteFade[24] = {false, false, false, false, true,  false, true,  false, false,
+                                false, false, false, false, false, false, false, true};
     for (int row = 0; row < 24; ++row) {
         if (TABLE[row].layer != 100)
             continue;
@@ -425,7 +429,7 @@ public:
     }
 };
 
-}
+}  // namespace
 
 TEST_F(Driver, ResizedWindowIsFilledByTheNextFrame)
 {

@@ -1,8 +1,8 @@
 // Bezier patch meshes: the BMSH round trip and its bad input, normals, the grid and culling.
 #include "scene/BezierMesh.h"
 
-#include "scene/Camera.h"
 #include "ByteImage.h"
+#include "scene/Camera.h"
 #include "support/GLContext.h"
 
 #include <GL/gl.h>
@@ -56,8 +56,9 @@ TEST(BezierMeshChunk, RefusesWrongTagTruncationAbsurdCountsAndMissingFiles)
     expectEveryPrefixFails<BezierMesh>(image);
     // The count sits after the two names: a wrong tag, a billion patches and a negative count.
     const size_t countAt = 4 + 2 + 1 + 2;
-    for (const std::string& bad : {"X" + image.substr(1), image.substr(0, countAt) + le32(1000000000) + image.substr(countAt + 4),
-                                   image.substr(0, countAt) + le32(0xffffffffu) + image.substr(countAt + 4)}) {
+    for (const std::string& bad :
+         {"X" + image.substr(1), image.substr(0, countAt) + le32(1000000000) + image.substr(countAt + 4),
+          image.substr(0, countAt) + le32(0xffffffffu) + image.substr(countAt + 4)}) {
         std::istringstream in(bad);
         EXPECT_FALSE(BezierMesh().load(in));
     }

@@ -12,7 +12,7 @@ namespace {
 
 BoundingBox unit(Vector3(0, 0, 0), Vector3(1, 1, 1));
 
-} // namespace
+}  // namespace
 
 TEST(BoundingBoxConstruction, CornersGiveHalfTheDiagonalButCentreAndRadiusHalfTheSide)
 {
@@ -49,10 +49,10 @@ TEST(BoundingBoxLocation, PointsLinesSpheresAndBoxes)
         int expected;
     } lines[] = {
         {{0.2f, 0.2f, 0.2f}, {0.8f, 0.8f, 0.8f}, IN},
-        {{-1, 0.5f, 0.5f}, {2, 0.5f, 0.5f}, CUT},          // both ends outside, passing through
-        {{-3, 0.5f, 0.5f}, {-0.1f, 0.5f, 0.5f}, OUT},      // stops short
-        {{-1, 2, 0.5f}, {2, 2, 0.5f}, OUT},                // parallel to a face, beside it
-        {{1.5f, 0, 0.5f}, {3, 1.5f, 0.5f}, OUT},           // diagonal past a corner
+        {{-1, 0.5f, 0.5f}, {2, 0.5f, 0.5f}, CUT},      // both ends outside, passing through
+        {{-3, 0.5f, 0.5f}, {-0.1f, 0.5f, 0.5f}, OUT},  // stops short
+        {{-1, 2, 0.5f}, {2, 2, 0.5f}, OUT},            // parallel to a face, beside it
+        {{1.5f, 0, 0.5f}, {3, 1.5f, 0.5f}, OUT},       // diagonal past a corner
     };
     for (const auto& l : lines)
         EXPECT_EQ(unit.getLineLocation(l.a, l.b), l.expected) << l.a << " " << l.b;

@@ -10,8 +10,14 @@
 
 namespace bytes {
 
-inline std::string le16(uint16_t v) { return std::string{char(v & 0xff), char(v >> 8)}; }
-inline std::string le32(uint32_t v) { return le16(uint16_t(v & 0xffff)) + le16(uint16_t(v >> 16)); }
+inline std::string le16(uint16_t v)
+{
+    return std::string{char(v & 0xff), char(v >> 8)};
+}
+inline std::string le32(uint32_t v)
+{
+    return le16(uint16_t(v & 0xffff)) + le16(uint16_t(v >> 16));
+}
 
 inline float fromBits(uint32_t bits)
 {
@@ -54,4 +60,4 @@ void expectEveryPrefixFails(const std::string& whole)
     expectEveryPrefixFails<T>(whole, [](T&) {});
 }
 
-} // namespace bytes
+}  // namespace bytes

@@ -1,10 +1,10 @@
 // Cameras: the CAM0 chunk, limits, the UVN basis, the GL matrices, the frustum tests and the registry.
+#include "ByteImage.h"
 #include "scene/BoundingBox.h"
 #include "scene/Camera.h"
 #include "scene/CameraMgr.h"
 #include "scene/Frustum.h"
 #include "support/GLContext.h"
-#include "ByteImage.h"
 #include "support/VectorNear.h"
 
 #include <GL/gl.h>
@@ -58,13 +58,13 @@ protected:
     Camera camera;
 };
 
-} // namespace
+}  // namespace
 
 TEST(CameraChunk, ByteImageAndBitForBitRoundTrip)
 {
     Camera camera("Cam", Vector3(1, 2, 3), Vector3(4, 5, 6), 0.5f, 1000.0f, 60.0f);
-    EXPECT_EQ(saved(camera), std::string("CAM0") + le16(3) + "Cam" + f32(60.0f) + f32(0.5f) + f32(1000.0f) + f32(1)
-                                 + f32(2) + f32(3) + f32(4) + f32(5) + f32(6));
+    EXPECT_EQ(saved(camera), std::string("CAM0") + le16(3) + "Cam" + f32(60.0f) + f32(0.5f) + f32(1000.0f) + f32(1) +
+                                 f32(2) + f32(3) + f32(4) + f32(5) + f32(6));
     Camera odd("odd", Vector3(fromBits(0x7fa00001u), -0.0f, 1e-40f), Vector3(3, 2, 1), 1e-6f, 2e5f, 179.5f);
     const std::string first = saved(odd);
     std::istringstream in(first);
@@ -231,7 +231,7 @@ TEST_F(FrustumGL, PointsOnEachSide)
 {
     EXPECT_TRUE(frustum().isPointInside(Vector3(9.99f, -9.99f, -10)));
     const Vector3 outside[] = {{10.1f, 0, -10}, {-10.1f, 0, -10}, {0, 10.1f, -10}, {0, -10.1f, -10},
-                               {0, 0, -0.5f}, {0, 0, 10}, {0, 0, -150}};
+                               {0, 0, -0.5f},   {0, 0, 10},       {0, 0, -150}};
     for (const Vector3& p : outside)
         EXPECT_FALSE(frustum().isPointInside(p)) << p;
     EXPECT_EQ(frustum().getPointLocation(Vector3(0, 0, -10)), Frustum::INSIDE);

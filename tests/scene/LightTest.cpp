@@ -1,10 +1,10 @@
 // Lights: DLIT, SLIT and LMGR chunks, light units and the GL states they upload.
+#include "ByteImage.h"
 #include "scene/Camera.h"
 #include "scene/DirectionalLight.h"
 #include "scene/LightMgr.h"
 #include "scene/SpotLight.h"
 #include "support/GLContext.h"
-#include "ByteImage.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>
@@ -33,7 +33,7 @@ protected:
     LightMgr* lights = LightMgr::getHandle();
 };
 
-} // namespace
+}  // namespace
 
 TEST(LightChunk, RoundTripKeepsEveryBitAndTheOnByte)
 {

@@ -17,7 +17,10 @@ using namespace bytes;
 
 namespace {
 
-Vector3 column(const Matrix4& m, int c) { return Vector3(m[c], m[4 + c], m[8 + c]); }
+Vector3 column(const Matrix4& m, int c)
+{
+    return Vector3(m[c], m[4 + c], m[8 + c]);
+}
 
 // A proper rotation: orthonormal columns and a right-handed basis.
 void expectRotation(const Matrix4& m)
@@ -56,8 +59,8 @@ TEST_P(MeshPlacementTest, ForwardAxisFollowsAStraightPath)
 }
 
 INSTANTIATE_TEST_SUITE_P(EachAxis, MeshPlacementTest,
-                         ::testing::Values(Vector3(1, 0, 0), Vector3(-1, 0, 0), Vector3(0, 1, 0),
-                                           Vector3(0, -1, 0), Vector3(0, 0, 1), Vector3(0, 0, -1)));
+                         ::testing::Values(Vector3(1, 0, 0), Vector3(-1, 0, 0), Vector3(0, 1, 0), Vector3(0, -1, 0),
+                                           Vector3(0, 0, 1), Vector3(0, 0, -1)));
 
 TEST(MeshAnimationTest, WithoutATrackOrAlongPlusZTheMeshIsUnturnedAndPastTheEndItStops)
 {
@@ -119,9 +122,8 @@ TEST(MeshAnimationTest, TruncatedOrWrongInputFailsAndLeavesNoTrack)
     MeshAnimation anim;
     straightPath(anim, Vector3(), Vector3(0, 0, 1));
     anim.setLabel("worm");
-    expectEveryPrefixFails<MeshAnimation>(saved(anim), [](MeshAnimation& a) {
-        EXPECT_EQ(a.getPositionTrack(), nullptr);
-    });
+    expectEveryPrefixFails<MeshAnimation>(saved(anim),
+                                          [](MeshAnimation& a) { EXPECT_EQ(a.getPositionTrack(), nullptr); });
     MeshAnimation empty;
     std::istringstream wrongTag(std::string("CAMI\0\0\xc0\x41\0\0", 10));
     EXPECT_FALSE(empty.load(wrongTag));

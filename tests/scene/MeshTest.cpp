@@ -1,8 +1,8 @@
 // Meshes: VARR, FARR and MESH chunks, .msh files, the headerless importer, drawing and spherical mapping.
 #include "scene/FaceArray.h"
 #include "scene/Mesh.h"
-#include "scene/VertexArray.h"
 #include "scene/SphericalUV.h"
+#include "scene/VertexArray.h"
 #include "scene/loadMeshMSH.h"
 #include "support/GLContext.h"
 #include "texture/Material.h"
@@ -31,7 +31,10 @@ Face face(uint32_t a, uint32_t b, uint32_t c, Material* material = nullptr)
     return f;
 }
 
-std::string tempPath(const char* name) { return ::testing::TempDir() + "velmora_scene_" + name; }
+std::string tempPath(const char* name)
+{
+    return ::testing::TempDir() + "velmora_scene_" + name;
+}
 
 void writeFile(const std::string& path, const std::string& content)
 {
@@ -131,7 +134,7 @@ protected:
     }
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(MeshChunk, FaceByteImagesWithAndWithoutMaterial)
 {
@@ -149,12 +152,12 @@ TEST_F(MeshChunk, MeshImageIsLimitsThenArraysAndRoundTripsBitForBit)
     Mesh* mesh = builtMesh(hull);
     const std::string image = saved(*mesh);
     const Vector3 centre = mesh->getLimits().getCentre();
-    EXPECT_EQ(image.substr(0, 48), std::string("MESH") + std::string(4, '\0') + f32(mesh->getLimits().getRadius())
-                                       + f32(centre.x) + f32(centre.y) + f32(centre.z) + f32(-1) + f32(-2) + f32(-3)
-                                       + f32(4) + f32(5) + f32(6));
+    EXPECT_EQ(image.substr(0, 48), std::string("MESH") + std::string(4, '\0') + f32(mesh->getLimits().getRadius()) +
+                                       f32(centre.x) + f32(centre.y) + f32(centre.z) + f32(-1) + f32(-2) + f32(-3) +
+                                       f32(4) + f32(5) + f32(6));
     // A vertex is position, normal, uv.
-    EXPECT_EQ(image.substr(48, 40), "VARR" + le32(3) + f32(-1) + f32(-2) + f32(-3) + f32(fromBits(1u)) + f32(1e30f)
-                                        + f32(-3.25f) + le32(0x7fc12345u) + f32(-0.0f));
+    EXPECT_EQ(image.substr(48, 40), "VARR" + le32(3) + f32(-1) + f32(-2) + f32(-3) + f32(fromBits(1u)) + f32(1e30f) +
+                                        f32(-3.25f) + le32(0x7fc12345u) + f32(-0.0f));
     EXPECT_EQ(image.substr(48 + 8 + 3 * 32, 4), "FARR");
     Mesh copy;
     std::istringstream in(image);
@@ -272,8 +275,8 @@ TEST_F(MeshGL, EachMaterialRunIsBoundAndAFaceWithoutOneDrawsUnboundInBothPaths)
     LoggingMaterial moss("moss", 0, 1);
     Mesh* mesh = columns(&stone, &moss, &stone);
     mesh->draw(0);
-    EXPECT_EQ(events, (std::vector<std::string>{"bind stone", "unbind stone", "bind moss", "unbind moss",
-                                                "bind stone", "unbind stone"}));
+    EXPECT_EQ(events, (std::vector<std::string>{"bind stone", "unbind stone", "bind moss", "unbind moss", "bind stone",
+                                                "unbind stone"}));
     EXPECT_EQ(pixel(60, 50), green);
     EXPECT_EQ(pixel(100, 50), red);
     delete mesh;
@@ -298,8 +301,8 @@ TEST_F(MeshGL, FourIndexFacesDrawTheirFirstThreeAndFacesNamingMissingVerticesAre
     Face quad = face(0, 1, 2);
     quad.create(4);
     quad.indices[3] = 3;
-    Mesh* mesh = meshOf({Vector3(0, 0, 0), Vector3(100, 0, 0), Vector3(100, 100, 0), Vector3(0, 100, 0)},
-                        {face(0, 3, 7), quad});
+    Mesh* mesh =
+        meshOf({Vector3(0, 0, 0), Vector3(100, 0, 0), Vector3(100, 100, 0), Vector3(0, 100, 0)}, {face(0, 3, 7), quad});
     mesh->draw(0);
     mesh->preLoad(VertexArray::POSITIONS);
     mesh->drawLoaded();
@@ -312,8 +315,7 @@ TEST_F(MeshGL, FourIndexFacesDrawTheirFirstThreeAndFacesNamingMissingVerticesAre
 
 TEST_F(MeshGL, TextureCallTakesThreeComponentsFromU)
 {
-    Mesh* mesh = meshOf({Vector3(0, 0, 0), Vector3(10, 0, 0), Vector3(10, 10, 0), Vector3(7, 10, 0)},
-                        {face(0, 1, 2)});
+    Mesh* mesh = meshOf({Vector3(0, 0, 0), Vector3(10, 0, 0), Vector3(10, 10, 0), Vector3(7, 10, 0)}, {face(0, 1, 2)});
     VertexArray& v = *mesh->getVertices();
     for (int i = 0; i < 4; ++i)
         v[i].uv = Vector2(0.1f + 0.2f * static_cast<float>(i), 0.2f + 0.2f * static_cast<float>(i));
@@ -336,9 +338,9 @@ TEST_F(MeshGL, TextureCallTakesThreeComponentsFromU)
 TEST(SphericalMapping, ElevationIsDividedByAFullTurnFromTheCentreOfTheLimits)
 {
     // Centred on (1, 5, 5), so a mapping measured from the origin would go wrong.
-    Mesh* mesh = meshOf({Vector3(3, 5, 5), Vector3(-1, 5, 5), Vector3(1, 7, 5), Vector3(1, 3, 5), Vector3(1, 5, 7),
-                         Vector3(1, 5, 3)},
-                        {});
+    Mesh* mesh = meshOf(
+        {Vector3(3, 5, 5), Vector3(-1, 5, 5), Vector3(1, 7, 5), Vector3(1, 3, 5), Vector3(1, 5, 7), Vector3(1, 5, 3)},
+        {});
     ASSERT_EQ(mesh->getLimits().getCentre(), Vector3(1, 5, 5));
     SphericalUV().mapMesh(mesh, 12345);
     const VertexArray& v = *mesh->getVertices();

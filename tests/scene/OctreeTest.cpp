@@ -13,10 +13,10 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
 #include <functional>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 using namespace bytes;
@@ -80,7 +80,8 @@ TEST(OctreeNodeTest, ChildrenSplitTheBoxByIndexBitsAndSetFaceIndexAcceptsTheCoun
     ASSERT_TRUE(node.createChildren());
     EXPECT_FALSE(node.createChildren());
     for (int i = 0; i < 8; ++i)
-        EXPECT_EQ(node.getChild(i)->getMin(), Vector3((i & 4) ? 2.f : 0.f, (i & 2) ? 14.f : 10.f, (i & 1) ? 28.f : 20.f));
+        EXPECT_EQ(node.getChild(i)->getMin(),
+                  Vector3((i & 4) ? 2.f : 0.f, (i & 2) ? 14.f : 10.f, (i & 1) ? 28.f : 20.f));
     EXPECT_FALSE(node.createFaceIndices(-1));
     ASSERT_TRUE(node.createFaceIndices(2));
     node.setFaceIndex(2, 9);   // inclusive bound: stored in the spare slot
@@ -249,7 +250,7 @@ std::vector<unsigned char> tunnelFrame(const OffscreenFrame& frame, Camera& came
     return frame.read();
 }
 
-}
+}  // namespace
 
 // One call per run of faces draws the same picture as a begin/end pair per face, and leaves the same normal and
 // texture coordinates current: the tunnel seen from three places along its length.

@@ -36,7 +36,10 @@ std::vector<float> draws(unsigned seed, int n)
     return u;
 }
 
-float between(float a, float b, float u) { return a + u * (b - a); }
+float between(float a, float b, float u)
+{
+    return a + u * (b - a);
+}
 
 void expectVec(const Vector3& a, const Vector3& b)
 {
@@ -56,8 +59,14 @@ Vector3 along(int row, float d)
     return row == 0 ? Vector3(0, 0, sign) : row == 1 ? Vector3(0, sign, 0) : Vector3(sign, 0, 0);
 }
 
-float sinf64(float a) { return static_cast<float>(std::sin(static_cast<double>(a))); }
-float cosf64(float a) { return static_cast<float>(std::cos(static_cast<double>(a))); }
+float sinf64(float a)
+{
+    return static_cast<float>(std::sin(static_cast<double>(a)));
+}
+float cosf64(float a)
+{
+    return static_cast<float>(std::cos(static_cast<double>(a)));
+}
 
 // Fixed lifetime so that deaths fall on known updates.
 PCInfoCube fixedLife(float life)
@@ -219,10 +228,11 @@ TEST(ParticleInfoTest, HelixPlanesFollowTheirOwnAngleRules)
             Particle p;
             helix.create(p);
             const float t = plane == 0 ? between(3, 11, u[2]) : plane == 1 ? between(1, 5, u[2]) : between(-2, 4, u[2]);
-            const float a = plane == 1 ? std::fabs(zExtent - t) / turns * 6.2831855f : (6.2831855f * turns / zExtent) / t;
+            const float a =
+                plane == 1 ? std::fabs(zExtent - t) / turns * 6.2831855f : (6.2831855f * turns / zExtent) / t;
             const float c = cosf64(a) * r, s = sinf64(a) * r;
-            const Vector3 expected[3] = {{m.x + c - s, m.y + s + c, t}, {m.x + c + s, t, m.z + c - s},
-                                         {t, m.y + c - s, m.z + s + c}};
+            const Vector3 expected[3] = {
+                {m.x + c - s, m.y + s + c, t}, {m.x + c + s, t, m.z + c - s}, {t, m.y + c - s, m.z + s + c}};
             expectVec(p.getPosition(), expected[plane]);
             EXPECT_EQ(p.getDirection(), along(plane, 1.0f));
         }

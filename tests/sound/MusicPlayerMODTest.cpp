@@ -15,13 +15,15 @@ namespace {
 
 const int kRate = 44100;
 
-std::string writeModule(const std::string& name, const TinyModule& module = TinyModule()) {
+std::string writeModule(const std::string& name, const TinyModule& module = TinyModule())
+{
     std::string path = scratchPath(name);
     EXPECT_TRUE(module.write(path));
     return path;
 }
 
-std::string writeBytes(const std::string& name, const std::string& bytes) {
+std::string writeBytes(const std::string& name, const std::string& bytes)
+{
     std::string path = scratchPath(name);
     std::ofstream(path, std::ios::binary) << bytes;
     return path;
@@ -29,7 +31,8 @@ std::string writeBytes(const std::string& name, const std::string& bytes) {
 
 class MusicPlayerMODTest : public ::testing::Test {
 protected:
-    void SetUp() override {
+    void SetUp() override
+    {
         path = writeModule("tiny.xm");
         ASSERT_TRUE(player.load(path.c_str()));
     }
@@ -39,7 +42,8 @@ protected:
 
 }  // namespace
 
-TEST(MusicPlayerMODLoad, MissingAndDamagedFilesFail) {
+TEST(MusicPlayerMODLoad, MissingAndDamagedFilesFail)
+{
     const std::string bad[] = {scratchPath("no-such-song.xm"), writeBytes("empty.xm", ""),
                                writeBytes("text.xm", "just some words, no music\n"),
                                writeBytes("cut.xm", "Extended Module: tiny"), "/tmp"};
@@ -56,7 +60,8 @@ TEST(MusicPlayerMODLoad, MissingAndDamagedFilesFail) {
     EXPECT_EQ(0u, player.render(pcm, 16, kRate));
 }
 
-TEST_F(MusicPlayerMODTest, ReloadStopsAndReplacesAndAFailedOneDropsTheSongButKeepsTheName) {
+TEST_F(MusicPlayerMODTest, ReloadStopsAndReplacesAndAFailedOneDropsTheSongButKeepsTheName)
+{
     // Its own name again must not read freed memory.
     player.setFilename(player.getFilename());
     EXPECT_STREQ(path.c_str(), player.getFilename());
@@ -76,7 +81,8 @@ TEST_F(MusicPlayerMODTest, ReloadStopsAndReplacesAndAFailedOneDropsTheSongButKee
     EXPECT_STREQ(otherPath.c_str(), player.getFilename());
 }
 
-TEST_F(MusicPlayerMODTest, PlayStopAndPauseRefuseTheWrongState) {
+TEST_F(MusicPlayerMODTest, PlayStopAndPauseRefuseTheWrongState)
+{
     EXPECT_FALSE(player.stop());
     EXPECT_FALSE(player.pause());
     EXPECT_TRUE(player.play());
@@ -94,14 +100,18 @@ TEST_F(MusicPlayerMODTest, PlayStopAndPauseRefuseTheWrongState) {
 }
 
 // 16 rows at 125 bpm: 0.128 orders per second.
-TEST_F(MusicPlayerMODTest, SeekStepsTruncateTowardZeroAndClampToOnePastTheLastOrder) {
+TEST_F(MusicPlayerMODTest, SeekStepsTruncateTowardZeroAndClampToOnePastTheLastOrder)
+{
     EXPECT_FALSE(player.forward(10.0f));
     ASSERT_TRUE(player.play());
     const float inf = std::numeric_limits<float>::infinity();
-    const struct { bool ahead; float seconds; int order; } steps[] = {
-        {true, 7.7f, 0},   {true, 7.9f, 1},    {true, 15.7f, 3},   {false, 7.7f, 3},  {false, 15.7f, 1},
-        {true, -7.9f, 0},  {true, 1000.0f, 4}, {false, 1000.0f, 0}, {true, inf, 4},   {false, inf, 0},
-        {true, 1e30f, 4},  {false, 1000.0f, 0}, {true, 8.0f, 1},   {true, std::nanf(""), 1}};
+    const struct {
+        bool ahead;
+        float seconds;
+        int order;
+    } steps[] = {{true, 7.7f, 0},  {true, 7.9f, 1},     {true, 15.7f, 3},    {false, 7.7f, 3},        {false, 15.7f, 1},
+                 {true, -7.9f, 0}, {true, 1000.0f, 4},  {false, 1000.0f, 0}, {true, inf, 4},          {false, inf, 0},
+                 {true, 1e30f, 4}, {false, 1000.0f, 0}, {true, 8.0f, 1},     {true, std::nanf(""), 1}};
     for (const auto& step : steps) {
         SCOPED_TRACE(step.seconds);
         EXPECT_TRUE(step.ahead ? player.forward(step.seconds) : player.backward(step.seconds));
@@ -114,7 +124,8 @@ TEST_F(MusicPlayerMODTest, SeekStepsTruncateTowardZeroAndClampToOnePastTheLastOr
     EXPECT_EQ(0, player.getOrder());
 }
 
-TEST(MusicPlayerMODSeek, PastTheEndWrapsToTheRestartOrderOncePlayed) {
+TEST(MusicPlayerMODSeek, PastTheEndWrapsToTheRestartOrderOncePlayed)
+{
     TinyModule module;
     module.restart = 1;
     MusicPlayerMOD player;
@@ -126,7 +137,8 @@ TEST(MusicPlayerMODSeek, PastTheEndWrapsToTheRestartOrderOncePlayed) {
     EXPECT_EQ(1, player.getOrder());
 }
 
-TEST_F(MusicPlayerMODTest, VolumeClampsToZeroThrough256AndLoopPointsAreIgnored) {
+TEST_F(MusicPlayerMODTest, VolumeClampsToZeroThrough256AndLoopPointsAreIgnored)
+{
     EXPECT_TRUE(player.setVolume(300));
     EXPECT_EQ(256, player.getVolume());
     EXPECT_TRUE(player.setVolume(-3));
@@ -139,7 +151,8 @@ TEST_F(MusicPlayerMODTest, VolumeClampsToZeroThrough256AndLoopPointsAreIgnored) 
     EXPECT_EQ(-1, player.getVolume());
 }
 
-TEST_F(MusicPlayerMODTest, TheSongLoopsForever) {
+TEST_F(MusicPlayerMODTest, TheSongLoopsForever)
+{
     const size_t end = static_cast<size_t>(TinyModule().seconds() * kRate);
     std::vector<int16_t> pcm(2 * 4096);
     bool soundAfterTheEnd = false;
@@ -151,7 +164,8 @@ TEST_F(MusicPlayerMODTest, TheSongLoopsForever) {
     EXPECT_TRUE(soundAfterTheEnd);
 }
 
-TEST_F(MusicPlayerMODTest, LocationCountsTheSoundProducedSincePlay) {
+TEST_F(MusicPlayerMODTest, LocationCountsTheSoundProducedSincePlay)
+{
     ASSERT_TRUE(player.play());
     std::vector<int16_t> pcm(2 * kRate);
     ASSERT_EQ(static_cast<size_t>(kRate), player.render(pcm.data(), kRate, kRate));

@@ -28,8 +28,18 @@ public:
     void shutdown() override {}
     void update() override {}
     bool load(const char*) override { return true; }
-    bool play() override { ++calls.plays; stopped = false; return true; }
-    bool stop() override { ++calls.stops; stopped = true; return true; }
+    bool play() override
+    {
+        ++calls.plays;
+        stopped = false;
+        return true;
+    }
+    bool stop() override
+    {
+        ++calls.stops;
+        stopped = true;
+        return true;
+    }
     bool pause() override { return false; }
     bool forward(float) override { return false; }
     bool backward(float) override { return false; }
@@ -44,34 +54,40 @@ private:
 // The silent driver: no audio thread, the test pulls the mix itself.
 class SoundTest : public ::testing::Test {
 protected:
-    void SetUp() override {
+    void SetUp() override
+    {
         setenv("SDL_AUDIODRIVER", "dummy", 0);
         sound->setDriver(-1);
         ASSERT_TRUE(sound->initiate(44100, 32));
         ASSERT_TRUE(TinyModule().write(module));
     }
-    void TearDown() override {
+    void TearDown() override
+    {
         sound->shutdown();
         sound->setGlobalVolume(Sound::MAX_GLOBAL_VOLUME);
     }
-    void start(MusicPlayerMOD& player) {
+    void start(MusicPlayerMOD& player)
+    {
         ASSERT_TRUE(player.load(module.c_str()));
         ASSERT_TRUE(player.play());
     }
-    std::vector<int16_t> mix(size_t frames) {
+    std::vector<int16_t> mix(size_t frames)
+    {
         std::vector<int16_t> out(2 * frames, 123);
         sound->mix(reinterpret_cast<uint8_t*>(out.data()), static_cast<int>(out.size() * sizeof(int16_t)));
         return out;
     }
     // The tiny module as a fresh player renders it on its own.
-    std::vector<int16_t> reference(size_t frames) {
+    std::vector<int16_t> reference(size_t frames)
+    {
         MusicPlayerMOD player;
         EXPECT_TRUE(player.load(module.c_str()));
         std::vector<int16_t> out(2 * frames);
         EXPECT_EQ(frames, player.render(out.data(), frames, 44100));
         return out;
     }
-    static bool silent(const std::vector<int16_t>& pcm) {
+    static bool silent(const std::vector<int16_t>& pcm)
+    {
         return std::all_of(pcm.begin(), pcm.end(), [](int16_t v) { return v == 0; });
     }
     Sound* sound = Sound::getHandle();
@@ -80,7 +96,8 @@ protected:
 
 }  // namespace
 
-TEST_F(SoundTest, InitiatesOnceRefusesBadArgumentsAndAMissingDeviceLeavesNothingHalfOpen) {
+TEST_F(SoundTest, InitiatesOnceRefusesBadArgumentsAndAMissingDeviceLeavesNothingHalfOpen)
+{
     EXPECT_TRUE(sound->isInitialised());
     EXPECT_FALSE(sound->isOutputOpen());
     EXPECT_FALSE(sound->initiate(44100, 32));
@@ -97,14 +114,16 @@ TEST_F(SoundTest, InitiatesOnceRefusesBadArgumentsAndAMissingDeviceLeavesNothing
     EXPECT_EQ(22050, sound->getMixRate());
 }
 
-TEST_F(SoundTest, GlobalVolumeIsClampedToZeroThrough255) {
+TEST_F(SoundTest, GlobalVolumeIsClampedToZeroThrough255)
+{
     sound->setGlobalVolume(300);
     EXPECT_EQ(255, sound->getGlobalVolume());
     sound->setGlobalVolume(-5);
     EXPECT_EQ(0, sound->getGlobalVolume());
 }
 
-TEST_F(SoundTest, FirstPlayerAddedIsCurrentAndShutdownStopsItAndDeletesEveryPlayer) {
+TEST_F(SoundTest, FirstPlayerAddedIsCurrentAndShutdownStopsItAndDeletesEveryPlayer)
+{
     Calls current, other;
     CountingPlayer* first = new CountingPlayer(current, "first.xm");
     EXPECT_FALSE(sound->addMusic(nullptr));
@@ -120,7 +139,8 @@ TEST_F(SoundTest, FirstPlayerAddedIsCurrentAndShutdownStopsItAndDeletesEveryPlay
     EXPECT_EQ(2, other.deletes);
 }
 
-TEST_F(SoundTest, AddMusicRefusesOnlyNullAndAPlayerAddedTwiceIsDeletedOnce) {
+TEST_F(SoundTest, AddMusicRefusesOnlyNullAndAPlayerAddedTwiceIsDeletedOnce)
+{
     Calls calls;
     CountingPlayer* twice = new CountingPlayer(calls, "twice.xm");
     EXPECT_TRUE(sound->addMusic(twice));
@@ -133,7 +153,8 @@ TEST_F(SoundTest, AddMusicRefusesOnlyNullAndAPlayerAddedTwiceIsDeletedOnce) {
     EXPECT_EQ(1, calls.deletes);
 }
 
-TEST_F(SoundTest, SetCurrentMusicStopsTheOldAndPlaysTheNewAndRemoveUnlinksWithoutDeleting) {
+TEST_F(SoundTest, SetCurrentMusicStopsTheOldAndPlaysTheNewAndRemoveUnlinksWithoutDeleting)
+{
     Calls oldCalls, newCalls;
     CountingPlayer* old = new CountingPlayer(oldCalls, "old.xm");
     CountingPlayer* next = new CountingPlayer(newCalls, "new.xm");
@@ -160,7 +181,8 @@ TEST_F(SoundTest, SetCurrentMusicStopsTheOldAndPlaysTheNewAndRemoveUnlinksWithou
     delete next;
 }
 
-TEST_F(SoundTest, FullVolumesPassTheModuleThroughBitForBitAndHalfVolumeHalves) {
+TEST_F(SoundTest, FullVolumesPassTheModuleThroughBitForBitAndHalfVolumeHalves)
+{
     MusicPlayerMOD heard, half;
     start(heard);
     std::vector<int16_t> raw = reference(3000);
@@ -174,7 +196,8 @@ TEST_F(SoundTest, FullVolumesPassTheModuleThroughBitForBitAndHalfVolumeHalves) {
         ASSERT_EQ(raw[i] / 2, mixed[i]) << "sample " << i;
 }
 
-TEST_F(SoundTest, TwoSongsAddUpAndSaturate) {
+TEST_F(SoundTest, TwoSongsAddUpAndSaturate)
+{
     MusicPlayerMOD a, b;
     start(a);
     start(b);
@@ -186,7 +209,8 @@ TEST_F(SoundTest, TwoSongsAddUpAndSaturate) {
     }
 }
 
-TEST_F(SoundTest, SilencedPausedAndStoppedSongsAreNotHeard) {
+TEST_F(SoundTest, SilencedPausedAndStoppedSongsAreNotHeard)
+{
     MusicPlayerMOD player;
     start(player);
     sound->setGlobalVolume(0);
@@ -203,7 +227,8 @@ TEST_F(SoundTest, SilencedPausedAndStoppedSongsAreNotHeard) {
     EXPECT_TRUE(silent(mix(1024)));
 }
 
-TEST_F(SoundTest, ABufferOfOddLengthIsFilledWithoutOverrun) {
+TEST_F(SoundTest, ABufferOfOddLengthIsFilledWithoutOverrun)
+{
     MusicPlayerMOD player;
     start(player);
     std::vector<uint8_t> buffer(4 * 100 + 3, 0xAA);

@@ -10,8 +10,16 @@ namespace {
 struct Bytes {
     std::string data;
     void u8(int v) { data += static_cast<char>(v & 0xff); }
-    void u16(int v) { u8(v); u8(v >> 8); }
-    void u32(uint32_t v) { u16(static_cast<int>(v & 0xffff)); u16(static_cast<int>(v >> 16)); }
+    void u16(int v)
+    {
+        u8(v);
+        u8(v >> 8);
+    }
+    void u32(uint32_t v)
+    {
+        u16(static_cast<int>(v & 0xffff));
+        u16(static_cast<int>(v >> 16));
+    }
     void text(const char* s, size_t width) { data += std::string(s).append(width, '\0').substr(0, width); }
     void zeros(size_t n) { data.append(n, '\0'); }
 };
@@ -19,7 +27,8 @@ struct Bytes {
 const int ROWS = 16;
 
 // Pattern 0 strikes C-4 on its first row; pattern 1 adds G-4 on the second channel.
-void writePattern(Bytes& b, int index) {
+void writePattern(Bytes& b, int index)
+{
     Bytes cells;
     for (int row = 0; row < ROWS; ++row) {
         for (int channel = 0; channel < 2; ++channel) {
@@ -40,7 +49,8 @@ void writePattern(Bytes& b, int index) {
 }
 
 // A 32-byte looping square wave, its samples stored as deltas.
-void writeInstrument(Bytes& b) {
+void writeInstrument(Bytes& b)
+{
     b.u32(263);
     b.text("square", 22);
     b.u8(0);
@@ -59,7 +69,8 @@ void writeInstrument(Bytes& b) {
 
 }  // namespace
 
-bool TinyModule::write(const std::string& path) const {
+bool TinyModule::write(const std::string& path) const
+{
     Bytes b;
     b.text("Extended Module: ", 17);
     b.text("tiny", 20);
@@ -80,7 +91,8 @@ bool TinyModule::write(const std::string& path) const {
     return static_cast<bool>(out);
 }
 
-std::string scratchPath(const std::string& name) {
+std::string scratchPath(const std::string& name)
+{
     static std::string directory;
     if (directory.empty()) {
         char pattern[] = "/tmp/velmora-sound-XXXXXX";

@@ -1,8 +1,8 @@
 // The shared GL window of the test programs.
 #include "support/GLContext.h"
 
-#include <SDL/SDL.h>
 #include <GL/gl.h>
+#include <SDL/SDL.h>
 #include <cstdlib>
 
 namespace {
@@ -10,7 +10,7 @@ bool opened = false;
 bool failed = false;
 int openWidth = 0;
 int openHeight = 0;
-}
+}  // namespace
 
 bool GLContext::ensure(int width, int height)
 {
@@ -38,8 +38,14 @@ bool GLContext::ensure(int width, int height)
     return true;
 }
 
-int GLContext::width() { return openWidth; }
-int GLContext::height() { return openHeight; }
+int GLContext::width()
+{
+    return openWidth;
+}
+int GLContext::height()
+{
+    return openHeight;
+}
 
 void GLContext::readPixel(int x, int y, unsigned char rgba[4])
 {

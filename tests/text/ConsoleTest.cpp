@@ -11,7 +11,10 @@
 
 namespace {
 
-Console* console() { return Console::getHandle(); }
+Console* console()
+{
+    return Console::getHandle();
+}
 
 // A line's stored bytes with the trailing blanks dropped.
 std::string line(int number)
@@ -30,7 +33,7 @@ protected:
     void TearDown() override { console()->shutdown(); }
 };
 
-}
+}  // namespace
 
 TEST_F(ConsoleText, PrintStartsALineBeforeItsFirstCharacter)
 {
@@ -174,7 +177,7 @@ protected:
     static int green(int x, int y) { return channel(x, y, 1); }
 };
 
-}
+}  // namespace
 
 TEST_F(ConsoleDrawing, ImmediateTextSkipsBlanksButKeepsTheirColumns)
 {

@@ -12,7 +12,7 @@ const char* const FONT = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
 
 class FonterTest : public GLTest {};
 
-}
+}  // namespace
 
 TEST_F(FonterTest, StylesOneToSixLoadAndMeasureAndOthersAreRefused)
 {

@@ -48,19 +48,33 @@ Bytes pcxPalette()
 }
 
 // 3 x 2 with a run, a literal and an index above 191 that must be run-coded.
-Bytes pcxFile() { return makePcx(3, 2, 3, {7, 7, 7, 200, 1, 255}, pcxPalette()); }
+Bytes pcxFile()
+{
+    return makePcx(3, 2, 3, {7, 7, 7, 200, 1, 255}, pcxPalette());
+}
 
 Bytes tgaFile(int type, int depth, int mapType = 0, int mapLength = 0, int mapBits = 0)
 {
-    return patched(Bytes(18 + 32, 0x55), {{0, 0}, {1, mapType}, {2, type}, {3, 0}, {4, 0}, {5, mapLength & 0xff},
-                                          {6, mapLength >> 8}, {7, mapBits}, {12, 4}, {13, 0}, {14, 2}, {15, 0},
-                                          {16, depth}, {17, 0}});
+    return patched(Bytes(18 + 32, 0x55), {{0, 0},
+                                          {1, mapType},
+                                          {2, type},
+                                          {3, 0},
+                                          {4, 0},
+                                          {5, mapLength & 0xff},
+                                          {6, mapLength >> 8},
+                                          {7, mapBits},
+                                          {12, 4},
+                                          {13, 0},
+                                          {14, 2},
+                                          {15, 0},
+                                          {16, depth},
+                                          {17, 0}});
 }
 
 // 5 x 2, bottom row first, with repeat and literal packets when run-length coded.
 const Bytes sgiRows = {9, 9, 9, 9, 1, 2, 3, 4, 5, 5};
 
-} // namespace
+}  // namespace
 
 TEST(ImageLoad, EachFormatCodeTakesItsChannels)
 {
@@ -75,7 +89,8 @@ TEST(ImageLoad, EachFormatCodeTakesItsChannels)
     TexturePtr rgb = loadBytes(pcx, pcxFile(), "image.pcx", 7);
     ASSERT_TRUE(rgb);
     EXPECT_EQ(Bytes({7, 248, 3, 7, 248, 3, 7, 248, 3, 200, 55, 100, 1, 254, 0, 255, 0, 127}), pixelsOf(rgb.get()));
-    EXPECT_EQ(Bytes({3, 7, 3, 7, 3, 7, 100, 200, 0, 1, 127, 255}), pixelsOf(loadBytes(pcx, pcxFile(), "image.pcx", 6).get()));
+    EXPECT_EQ(Bytes({3, 7, 3, 7, 3, 7, 100, 200, 0, 1, 127, 255}),
+              pixelsOf(loadBytes(pcx, pcxFile(), "image.pcx", 6).get()));
     // Runs may cross row ends.
     TexturePtr runs = loadBytes(pcx, makePcx(100, 3, 100, Bytes(300, 42), pcxPalette()), "runs.pcx", 1);
     ASSERT_TRUE(runs);
@@ -133,7 +148,10 @@ TEST(ImageLoad, BadFilesGiveNull)
     std::string grey = scratchPath("grey.jpg");
     ASSERT_TRUE(writeJpeg(grey, 8, 8, Bytes(64, 77), 1));
     const Bytes sgi = makeSgi(5, 2, sgiRows, false), sgiRle = makeSgi(5, 2, sgiRows, true);
-    const struct { TextureLoader& loader; Bytes file; } cases[] = {
+    const struct {
+        TextureLoader& loader;
+        Bytes file;
+    } cases[] = {
         {jpg, readBytes(grey)},
         {jpg, {0x89, 'P', 'N', 'G', 0, 0, 0, 0}},
         {tif, {'I', 'I', 43, 0, 8, 0, 0, 0}},

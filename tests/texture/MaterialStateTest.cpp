@@ -11,9 +11,24 @@
 
 namespace {
 
-GLint getInt(GLenum name) { GLint v = 0; glGetIntegerv(name, &v); return v; }
-GLint envInt(GLenum name) { GLint v = 0; glGetTexEnviv(GL_TEXTURE_ENV, name, &v); return v; }
-GLint texGenMode(GLenum coord) { GLint v = 0; glGetTexGeniv(coord, GL_TEXTURE_GEN_MODE, &v); return v; }
+GLint getInt(GLenum name)
+{
+    GLint v = 0;
+    glGetIntegerv(name, &v);
+    return v;
+}
+GLint envInt(GLenum name)
+{
+    GLint v = 0;
+    glGetTexEnviv(GL_TEXTURE_ENV, name, &v);
+    return v;
+}
+GLint texGenMode(GLenum coord)
+{
+    GLint v = 0;
+    glGetTexGeniv(coord, GL_TEXTURE_GEN_MODE, &v);
+    return v;
+}
 
 class MaterialState : public GLTest {
 protected:
@@ -41,17 +56,24 @@ protected:
     Texture* second = new Texture("second", 1, 1, 8, 5, new unsigned char[1]{128});
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(MaterialState, EachBlendModeSetsItsAlphaTestAndBlendFactors)
 {
     // Alpha test function (0: none), source and destination factors (0: no blending); 12 does nothing.
-    const GLenum modes[13][3] = {
-        {0, 0, 0}, {GL_GEQUAL, 0, 0}, {0, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA},
-        {GL_GREATER, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA}, {0, GL_ONE_MINUS_DST_COLOR, GL_ONE_MINUS_SRC_COLOR},
-        {GL_GREATER, GL_ONE_MINUS_DST_COLOR, GL_ONE_MINUS_SRC_COLOR}, {0, GL_SRC_ALPHA, GL_ONE},
-        {GL_GREATER, GL_SRC_ALPHA, GL_ONE}, {0, GL_ONE, GL_SRC_COLOR}, {GL_GREATER, GL_ONE, GL_SRC_COLOR},
-        {0, GL_ONE, GL_ONE}, {GL_GREATER, GL_ONE, GL_ONE}, {0, 0, 0}};
+    const GLenum modes[13][3] = {{0, 0, 0},
+                                 {GL_GEQUAL, 0, 0},
+                                 {0, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA},
+                                 {GL_GREATER, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA},
+                                 {0, GL_ONE_MINUS_DST_COLOR, GL_ONE_MINUS_SRC_COLOR},
+                                 {GL_GREATER, GL_ONE_MINUS_DST_COLOR, GL_ONE_MINUS_SRC_COLOR},
+                                 {0, GL_SRC_ALPHA, GL_ONE},
+                                 {GL_GREATER, GL_SRC_ALPHA, GL_ONE},
+                                 {0, GL_ONE, GL_SRC_COLOR},
+                                 {GL_GREATER, GL_ONE, GL_SRC_COLOR},
+                                 {0, GL_ONE, GL_ONE},
+                                 {GL_GREATER, GL_ONE, GL_ONE},
+                                 {0, 0, 0}};
     for (int mode = 0; mode < 13; ++mode) {
         SCOPED_TRACE(mode);
         glBlendFunc(GL_ZERO, GL_ZERO);
@@ -97,8 +119,10 @@ TEST_F(MaterialState, DepthWriteBitClearsTheMaskWhileBoundButAMulTextureMaterial
 
 TEST_F(MaterialState, TextureCoordinateGenerationByTheFirstFlagSet)
 {
-    const struct { unsigned long flags; GLint mode; } cases[] = {
-        {0x40, GL_SPHERE_MAP}, {0x400, GL_OBJECT_LINEAR}, {0x540, GL_SPHERE_MAP}, {0x500, GL_EYE_LINEAR}};
+    const struct {
+        unsigned long flags;
+        GLint mode;
+    } cases[] = {{0x40, GL_SPHERE_MAP}, {0x400, GL_OBJECT_LINEAR}, {0x540, GL_SPHERE_MAP}, {0x500, GL_EYE_LINEAR}};
     for (const auto& c : cases) {
         TextureMaterial m("tm");
         m.setTexture(first);

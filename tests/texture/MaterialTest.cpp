@@ -53,7 +53,7 @@ protected:
     MaterialMgr* mgr = MaterialMgr::getHandle();
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(Materials, CmatBytesAreTagNameLowFlagsModeColoursShininess)
 {

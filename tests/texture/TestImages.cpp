@@ -3,14 +3,14 @@
 
 #include "texture/TextureLoaderInternal.h"
 
-#include <csetjmp>
-#include <cstdio>
-#include <cstring>
-#include <fstream>
 #include <jpeglib.h>
 #include <png.h>
 #include <tiffio.h>
 #include <unistd.h>
+#include <csetjmp>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
 
 std::string scratchPath(const std::string& fileName)
 {
@@ -203,13 +203,21 @@ Bytes sgiRow(const unsigned char* row, int width)
     return out;
 }
 
-} // namespace
+}  // namespace
 
 Bytes makePcx(int width, int height, int bytesPerLine, const Bytes& indices, const Bytes& palette)
 {
-    Bytes file = patched(Bytes(128, 0), {{0, 0x0a}, {1, 5}, {2, 1}, {3, 8}, {8, (width - 1) & 0xff}, {9, (width - 1) >> 8},
-                                         {10, (height - 1) & 0xff}, {11, (height - 1) >> 8}, {65, 1},
-                                         {66, bytesPerLine & 0xff}, {67, bytesPerLine >> 8}});
+    Bytes file = patched(Bytes(128, 0), {{0, 0x0a},
+                                         {1, 5},
+                                         {2, 1},
+                                         {3, 8},
+                                         {8, (width - 1) & 0xff},
+                                         {9, (width - 1) >> 8},
+                                         {10, (height - 1) & 0xff},
+                                         {11, (height - 1) >> 8},
+                                         {65, 1},
+                                         {66, bytesPerLine & 0xff},
+                                         {67, bytesPerLine >> 8}});
     for (size_t i = 0, run = 1; i < indices.size(); i += run) {
         for (run = 1; i + run < indices.size() && run < 63 && indices[i + run] == indices[i];)
             ++run;
@@ -225,8 +233,17 @@ Bytes makePcx(int width, int height, int bytesPerLine, const Bytes& indices, con
 Bytes makeSgi(int width, int height, const Bytes& pixels, bool rle)
 {
     // Magic 474, storage, one byte per channel, two dimensions, the size, one channel, pixmax 255.
-    Bytes file = patched(Bytes(512, 0), {{0, 0x01}, {1, 0xda}, {2, rle ? 1 : 0}, {3, 1}, {5, 2}, {6, width >> 8},
-                                         {7, width & 0xff}, {8, height >> 8}, {9, height & 0xff}, {11, 1}, {19, 255}});
+    Bytes file = patched(Bytes(512, 0), {{0, 0x01},
+                                         {1, 0xda},
+                                         {2, rle ? 1 : 0},
+                                         {3, 1},
+                                         {5, 2},
+                                         {6, width >> 8},
+                                         {7, width & 0xff},
+                                         {8, height >> 8},
+                                         {9, height & 0xff},
+                                         {11, 1},
+                                         {19, 255}});
     if (!rle) {
         file.resize(512 + pixels.size());
         std::copy(pixels.begin(), pixels.end(), file.begin() + 512);

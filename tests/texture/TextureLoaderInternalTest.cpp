@@ -1,14 +1,14 @@
 // The CTX1 container: byte layout, save then load bit for bit, reload checks, .ctx versus .mtx, bad files.
-#include "support/GLContext.h"
 #include "TestImages.h"
+#include "support/GLContext.h"
 
 #include "texture/MipMapTexture.h"
 #include "texture/TextureLoaderInternal.h"
 
-#include <algorithm>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <zlib.h>
+#include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -40,7 +40,7 @@ protected:
     TextureLoaderInternal loader;
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(Container, FileIsHeaderThenOneZlibStreamAtLevelNine)
 {
@@ -80,7 +80,9 @@ TEST_F(Container, ReloadFillsTheSameBufferOnlyWhenEveryHeaderFieldMatches)
     TexturePtr t(loader.loadTexture(path.c_str(), 1));
     ASSERT_TRUE(t);
     const unsigned char* buffer = t->getDataPtr();
-    const struct { int w, h, bpp, format; } changes[] = {{2, 4, 8, 1}, {4, 1, 8, 1}, {4, 2, 16, 1}, {4, 2, 8, 2}};
+    const struct {
+        int w, h, bpp, format;
+    } changes[] = {{2, 4, 8, 1}, {4, 1, 8, 1}, {4, 2, 16, 1}, {4, 2, 8, 2}};
     for (const auto& c : changes) {
         saved("reload.ctx", c.w, c.h, c.bpp, c.format, Bytes(8, 0xee));
         EXPECT_FALSE(loader.reloadTexture(path.c_str(), t.get()));
@@ -103,8 +105,10 @@ TEST_F(Container, BadFilesGiveNull)
                           size_t(20 + (good.size() - 20) / 2)})
         EXPECT_FALSE(loadBytes(loader, Bytes(good.begin(), good.begin() + length), "cut.ctx", 7)) << length;
     // Absurd formats and sizes are refused before allocating.
-    const struct { size_t at; int32_t value; } fields[] = {
-        {16, 0}, {16, 9}, {16, -7}, {4, -8}, {8, -1}, {4, 0x7fffffff}, {8, 0x10000}, {4, 16385}};
+    const struct {
+        size_t at;
+        int32_t value;
+    } fields[] = {{16, 0}, {16, 9}, {16, -7}, {4, -8}, {8, -1}, {4, 0x7fffffff}, {8, 0x10000}, {4, 16385}};
     for (const auto& f : fields) {
         Bytes v = good;
         putInt(v, f.at, f.value);

@@ -18,7 +18,7 @@ Bytes pngFile(const PngShape& shape)
     return readBytes(scratchPath("image.png"));
 }
 
-} // namespace
+}  // namespace
 
 TEST(PngLoad, EachColourTypeGivesEachCodeItsChannels)
 {
@@ -26,12 +26,17 @@ TEST(PngLoad, EachColourTypeGivesEachCodeItsChannels)
     expectEveryCode(loader, pngFile(rgba), "rgba.png", {10, 20, 30, 40}, {50, 60, 70, 80});
     // No alpha: red stands in for the alpha code, opaque for RGBA.
     expectEveryCode(loader, pngFile(rgb), "rgb.png", {10, 20, 30, 10}, {50, 60, 70, 50}, false);
-    const struct { PngShape shape; int code; Bytes expected; } cases[] = {
+    const struct {
+        PngShape shape;
+        int code;
+        Bytes expected;
+    } cases[] = {
         {{2, 1, PNG_COLOR_TYPE_GRAY, 8, {100, 200}, {}, {}}, 7, {100, 100, 100, 200, 200, 200}},
         {{2, 1, PNG_COLOR_TYPE_GRAY, 8, {100, 200}, {}, {}}, 8, {100, 100, 100, 255, 200, 200, 200, 255}},
         {{2, 1, PNG_COLOR_TYPE_GRAY, 4, {0xf8}, {}, {}}, 5, {0xff, 0x88}},
         {{1, 1, PNG_COLOR_TYPE_GRAY_ALPHA, 8, {90, 33}, {}, {}}, 8, {90, 90, 90, 33}},
-        {{3, 1, PNG_COLOR_TYPE_PALETTE, 8, {0, 1, 2}, {255, 0, 0, 0, 255, 0, 0, 0, 255}, {0, 128}}, 8,
+        {{3, 1, PNG_COLOR_TYPE_PALETTE, 8, {0, 1, 2}, {255, 0, 0, 0, 255, 0, 0, 0, 255}, {0, 128}},
+         8,
          {255, 0, 0, 0, 0, 255, 0, 128, 0, 0, 255, 255}},
         {{1, 1, PNG_COLOR_TYPE_RGB, 16, {0x12, 0x34, 0xab, 0xcd, 0xfe, 0x01}, {}, {}}, 7, {0x12, 0xab, 0xfe}},
         {{1, 2, PNG_COLOR_TYPE_RGB, 8, {255, 0, 0, 0, 0, 255}, {}, {}}, 7, {255, 0, 0, 0, 0, 255}},

@@ -27,8 +27,11 @@ TEST(ExtensionMatching, StandardLoadersAreFoundByExtension)
 {
     TextureMgr* mgr = TextureMgr::getHandle();
     EXPECT_EQ(7, mgr->getLoaderCount());
-    const struct { const char* file; const char* list; } cases[] = {
-        {"a.png", "png"}, {"a.PNG", "png"}, {"a.jpg", "jpg"}, {"a.pcx", "pcx"}, {"a.tga", "tga"},
+    const struct {
+        const char* file;
+        const char* list;
+    } cases[] = {
+        {"a.png", "png"},  {"a.PNG", "png"},   {"a.jpg", "jpg"},     {"a.pcx", "pcx"},      {"a.tga", "tga"},
         {"a.tiff", "tif"}, {"a.tar.bw", "bw"}, {"a.mtx", "ctx,mtx"}, {"a.jpeg", "ctx,mtx"}, {"a.bwx", "bw"},
     };
     for (const auto& c : cases) {

@@ -41,7 +41,7 @@ protected:
     }
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(Cache, SameNameGivesTheSameTextureWhateverTheFormatButCaseMatters)
 {
@@ -63,7 +63,8 @@ TEST_F(Cache, SaveWritesSixteenBitNamesNewestFirstThatLoadCannotReadBack)
     mgr()->addTexture(new Texture("a.ctx", 1, 1, 8, 5, new unsigned char[1]()));
     mgr()->addTexture(new Texture("bc.png", 1, 1, 8, 8, new unsigned char[4]()));
     std::string file = saved(*mgr());
-    EXPECT_EQ("TMGR" + bytesOf({2, 0, 0, 0, 8, 0, 0, 0, 6, 0}) + "bc.png" + bytesOf({5, 0, 0, 0, 5, 0}) + "a.ctx", file);
+    EXPECT_EQ("TMGR" + bytesOf({2, 0, 0, 0, 8, 0, 0, 0, 6, 0}) + "bc.png" + bytesOf({5, 0, 0, 0, 5, 0}) + "a.ctx",
+              file);
     reset();
     EXPECT_FALSE(loads(*mgr(), file));
     EXPECT_EQ(0, mgr()->getTextureCount());

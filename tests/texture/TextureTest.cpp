@@ -7,9 +7,9 @@
 #include "texture/TextureMgr.h"
 
 #include <GL/gl.h>
+#include <gtest/gtest.h>
 #include <png.h>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <vector>
 
 namespace {
@@ -21,7 +21,12 @@ unsigned char* filled(size_t size, unsigned char value)
     return p;
 }
 
-GLint boundParameter(GLenum name) { GLint v = 0; glGetTexParameteriv(GL_TEXTURE_2D, name, &v); return v; }
+GLint boundParameter(GLenum name)
+{
+    GLint v = 0;
+    glGetTexParameteriv(GL_TEXTURE_2D, name, &v);
+    return v;
+}
 
 void drawQuad()
 {
@@ -42,7 +47,7 @@ Bytes heldByGL(const Texture& t)
     return rgb;
 }
 
-} // namespace
+}  // namespace
 
 TEST(TextureCreate, TakesThePixelsOnceAndRefusesNullOrUnknownCodes)
 {

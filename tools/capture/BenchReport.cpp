@@ -34,7 +34,7 @@ const ScheduleEntry* fadeOver(const Schedule& schedule, double start)
     return nullptr;
 }
 
-}
+}  // namespace
 
 BenchReport::Budget BenchReport::budgetFor(int width, int height)
 {
@@ -45,10 +45,14 @@ BenchReport::Budget BenchReport::budgetFor(int width, int height)
 const char* BenchReport::kindName(FrameKind kind)
 {
     switch (kind) {
-    case RUN_START: return "run-start";
-    case SCENE_START: return "scene-start";
-    case COVERED_START: return "covered-start";
-    default: return "frame";
+        case RUN_START:
+            return "run-start";
+        case SCENE_START:
+            return "scene-start";
+        case COVERED_START:
+            return "covered-start";
+        default:
+            return "frame";
     }
 }
 
@@ -123,8 +127,8 @@ FrameStats BenchReport::allFrames() const
     return stats;
 }
 
-void BenchReport::print(std::ostream& out, const Schedule& schedule, const std::string& renderer, int width,
-                        int height, int fps) const
+void BenchReport::print(std::ostream& out, const Schedule& schedule, const std::string& renderer, int width, int height,
+                        int fps) const
 {
     const Budget budget = budgetFor(width, height);
     const std::vector<FrameKind> kinds = classify(schedule);
@@ -142,8 +146,8 @@ void BenchReport::print(std::ostream& out, const Schedule& schedule, const std::
     std::snprintf(line, sizeof line, "empty frame (clear and swap): %zu frames, median %.2f ms, p99 %.2f ms\n",
                   baseline.getCount(), empty, baseline.getPercentile(99.0));
     out << line;
-    std::snprintf(line, sizeof line, "%-42s %6s %8s %8s %8s %8s  %s\n", "entry (frame times in ms)", "frames",
-                  "median", "p99", "max", "x empty", "verdict");
+    std::snprintf(line, sizeof line, "%-42s %6s %8s %8s %8s %8s  %s\n", "entry (frame times in ms)", "frames", "median",
+                  "p99", "max", "x empty", "verdict");
     out << line;
     int within = 0, judgedEntries = 0;
     std::string over;
@@ -197,13 +201,13 @@ void BenchReport::printStarts(std::ostream& out, const Schedule& schedule, const
                        : std::string("under a fade: excused");
         } else {
             why = frames[i].milliseconds <= budget.worstFrame ? "no fade covers the cut: within"
-                                                               : "no fade covers the cut: OVER";
+                                                              : "no fade covers the cut: OVER";
         }
         const Split& split = frames[i].split;
         char line[300];
-        std::snprintf(line, sizeof line, "  %8.3f s  %-28.28s %8.2f ms (update %.2f, draw %.2f, swap %.2f)  %s\n",
-                      time, schedule.scenesAt(time).c_str(), frames[i].milliseconds, split.update, split.draw,
-                      split.present, why.c_str());
+        std::snprintf(line, sizeof line, "  %8.3f s  %-28.28s %8.2f ms (update %.2f, draw %.2f, swap %.2f)  %s\n", time,
+                      schedule.scenesAt(time).c_str(), frames[i].milliseconds, split.update, split.draw, split.present,
+                      why.c_str());
         out << line;
     }
 }

@@ -17,9 +17,9 @@ public:
     enum FrameKind { PLAIN_FRAME, RUN_START, SCENE_START, COVERED_START };
 
     struct Budget {
-        double median;     // ms, the most an entry's median frame may take
-        double spread;     // p99 at most this many times the median
-        double worstFrame; // ms, the most any frame but an excused one may take
+        double median;      // ms, the most an entry's median frame may take
+        double spread;      // p99 at most this many times the median
+        double worstFrame;  // ms, the most any frame but an excused one may take
     };
     // 120 fps up to 640 x 480 pixels, 60 fps above; the spread and the worst frame hold at every size.
     static Budget budgetFor(int width, int height);

@@ -126,10 +126,9 @@ void pinLoadedLibraries()
         nullptr);
 }
 
-}
+}  // namespace
 
-Capture::Capture(const CaptureOptions& chosen)
-    : options(chosen), clock(nullptr), quitDone(false), firstFrameShown(-1.0)
+Capture::Capture(const CaptureOptions& chosen) : options(chosen), clock(nullptr), quitDone(false), firstFrameShown(-1.0)
 {
     AppInfo info = getInfo();
     if (options.hasSize) {
@@ -196,9 +195,7 @@ bool Capture::fail(const std::string& message)
     return false;
 }
 
-void Capture::onMouseButton(int, int, int)
-{
-}
+void Capture::onMouseButton(int, int, int) {}
 
 void Capture::onResize(int, int)
 {
@@ -454,8 +451,7 @@ bool Capture::runBaseline()
         report.addBaseline(millisecondsSince(started));
     }
     const char* renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
-    report.print(std::cout, schedule, renderer ? renderer : "unknown", getInfo().width, getInfo().height,
-                 options.fps);
+    report.print(std::cout, schedule, renderer ? renderer : "unknown", getInfo().width, getInfo().height, options.fps);
     char line[200];
     std::snprintf(line, sizeof line,
                   "start-up: %.3f s from the process start to the first frame shown (at %.3f s of scene time)\n",

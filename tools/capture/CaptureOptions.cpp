@@ -88,20 +88,19 @@ bool isFlagOption(const std::string& name)
 
 bool isValueOption(const std::string& name)
 {
-    for (const char* known :
-         {"--size", "--fps", "--from", "--to", "--frames", "--shot", "--shot-dir", "--video", "--sheet", "--memory",
-          "--csv"}) {
+    for (const char* known : {"--size", "--fps", "--from", "--to", "--frames", "--shot", "--shot-dir", "--video",
+                              "--sheet", "--memory", "--csv"}) {
         if (name == known)
             return true;
     }
     return false;
 }
 
-}
+}  // namespace
 
 CaptureOptions::CaptureOptions()
-    : help(false), hasSize(false), width(0), height(0), fps(30), from(0.0), hasTo(false), to(0.0),
-      shotDir("."), bench(false), memoryEvery(0.0), list(false)
+    : help(false), hasSize(false), width(0), height(0), fps(30), from(0.0), hasTo(false), to(0.0), shotDir("."),
+      bench(false), memoryEvery(0.0), list(false)
 {
 }
 

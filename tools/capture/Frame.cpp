@@ -5,10 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-Frame::Frame()
-    : width(0), height(0)
-{
-}
+Frame::Frame() : width(0), height(0) {}
 
 bool Frame::read(int w, int h)
 {

@@ -45,7 +45,7 @@ long ownStatusFigure(const std::string& key)
     return MemoryProbe::parseKilobytes(text.str(), key);
 }
 
-}
+}  // namespace
 
 long MemoryProbe::residentKilobytes()
 {

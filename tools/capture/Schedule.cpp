@@ -4,10 +4,10 @@
 #include "runtime/Effect.h"
 #include "runtime/EffectMgr.h"
 
+#include <cxxabi.h>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cxxabi.h>
 #include <typeinfo>
 
 namespace {
@@ -22,7 +22,7 @@ std::string className(const Effect& effect)
     return name;
 }
 
-}
+}  // namespace
 
 void Schedule::read(const EffectMgr& effects)
 {
@@ -74,8 +74,8 @@ void Schedule::print(std::ostream& out) const
 {
     char line[160];
     for (const ScheduleEntry& entry : entries) {
-        std::snprintf(line, sizeof line, "%3d %9.3f %9.3f %5d %s\n", entry.number, entry.start,
-                      entry.end, entry.layer, entry.name.c_str());
+        std::snprintf(line, sizeof line, "%3d %9.3f %9.3f %5d %s\n", entry.number, entry.start, entry.end, entry.layer,
+                      entry.name.c_str());
         out << line;
     }
 }

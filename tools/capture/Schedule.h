@@ -8,8 +8,8 @@
 class EffectMgr;
 
 struct ScheduleEntry {
-    int number;       // 1-based, in the order the driver added the effects
-    std::string name; // the effect's class
+    int number;        // 1-based, in the order the driver added the effects
+    std::string name;  // the effect's class
     float start;
     float end;
     short layer;

@@ -47,15 +47,15 @@ bool readWhole(const std::string& file, std::vector<char>& data, std::string& er
     return true;
 }
 
-}
+}  // namespace
 
 openmpt_module* SoundtrackRenderer::open() const
 {
     if (song.empty())
         return nullptr;
-    openmpt_module* module = openmpt_module_create_from_memory2(
-        song.data(), song.size(), openmpt_log_func_silent, nullptr, openmpt_error_func_ignore, nullptr,
-        nullptr, nullptr, nullptr);
+    openmpt_module* module =
+        openmpt_module_create_from_memory2(song.data(), song.size(), openmpt_log_func_silent, nullptr,
+                                           openmpt_error_func_ignore, nullptr, nullptr, nullptr, nullptr);
     if (!module)
         return nullptr;
     // The same settings as the demo's own player: loop forever, no dither noise. Notes
@@ -148,12 +148,12 @@ bool SoundtrackRenderer::writeWav(const std::string& path, const std::vector<int
     putTag(out, "WAVE");
     putTag(out, "fmt ");
     putLittle(out, 16, 4);
-    putLittle(out, 1, 2);            // PCM
-    putLittle(out, 2, 2);            // stereo
+    putLittle(out, 1, 2);  // PCM
+    putLittle(out, 2, 2);  // stereo
     putLittle(out, RATE, 4);
-    putLittle(out, RATE * 4, 4);     // bytes per second
-    putLittle(out, 4, 2);            // bytes per frame
-    putLittle(out, 16, 2);           // bits per sample
+    putLittle(out, RATE * 4, 4);  // bytes per second
+    putLittle(out, 4, 2);         // bytes per frame
+    putLittle(out, 16, 2);        // bits per sample
     putTag(out, "data");
     putLittle(out, dataBytes, 4);
     for (int16_t sample : samples)

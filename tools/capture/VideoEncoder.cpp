@@ -3,22 +3,19 @@
 
 #include "Frame.h"
 
-#include <cerrno>
-#include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <vector>
 
 extern char** environ;
 
-VideoEncoder::VideoEncoder()
-    : pid(-1), input(-1), width(0), height(0)
-{
-}
+VideoEncoder::VideoEncoder() : pid(-1), input(-1), width(0), height(0) {}
 
 VideoEncoder::~VideoEncoder()
 {
@@ -60,16 +57,20 @@ bool VideoEncoder::start(const std::string& file, int w, int h, int fps, const s
     }
     width = w;
     height = h;
-    std::vector<std::string> args = {
-        program, "-hide_banner", "-loglevel", "error", "-nostdin", "-y",
-        "-f", "rawvideo", "-pix_fmt", "rgb24", "-s", std::to_string(w) + "x" + std::to_string(h),
-        "-framerate", std::to_string(fps), "-i", "pipe:0"};
+    std::vector<std::string> args = {program,      "-hide_banner",
+                                     "-loglevel",  "error",
+                                     "-nostdin",   "-y",
+                                     "-f",         "rawvideo",
+                                     "-pix_fmt",   "rgb24",
+                                     "-s",         std::to_string(w) + "x" + std::to_string(h),
+                                     "-framerate", std::to_string(fps),
+                                     "-i",         "pipe:0"};
     if (!audioFile.empty()) {
         args.push_back("-i");
         args.push_back(audioFile);
     }
-    for (const char* arg : {"-map", "0:v", "-c:v", "libx264", "-preset", "veryfast", "-crf", "18",
-                            "-pix_fmt", "yuv420p"})
+    for (const char* arg :
+         {"-map", "0:v", "-c:v", "libx264", "-preset", "veryfast", "-crf", "18", "-pix_fmt", "yuv420p"})
         args.push_back(arg);
     if (!audioFile.empty()) {
         for (const char* arg : {"-map", "1:a", "-c:a", "aac", "-b:a", "192k"})

@@ -1,8 +1,8 @@
 // Pipes raw RGB frames into an ffmpeg child that encodes them, muxed with a soundtrack file.
 #pragma once
 
-#include <string>
 #include <sys/types.h>
+#include <string>
 
 class Frame;
 

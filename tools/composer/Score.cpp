@@ -8,18 +8,20 @@ const uint8_t kSetPanning = 0x08;
 }
 
 Score::Score(int rows, int channels)
-    : rowCount(rows < 0 ? 0 : rows),
-      channelCount(channels < 0 ? 0 : channels),
-      cells(static_cast<size_t>(rowCount) * channelCount),
-      pans(channelCount, -1) {}
+    : rowCount(rows < 0 ? 0 : rows), channelCount(channels < 0 ? 0 : channels),
+      cells(static_cast<size_t>(rowCount) * channelCount), pans(channelCount, -1)
+{
+}
 
-const XmCell& Score::at(int row, int channel) const {
+const XmCell& Score::at(int row, int channel) const
+{
     if (row < 0 || row >= rowCount || channel < 0 || channel >= channelCount)
         return outside;
     return cells[static_cast<size_t>(row) * channelCount + channel];
 }
 
-XmCell& Score::at(int row, int channel) {
+XmCell& Score::at(int row, int channel)
+{
     if (row < 0 || row >= rowCount || channel < 0 || channel >= channelCount) {
         outside = XmCell();
         return outside;
@@ -27,7 +29,8 @@ XmCell& Score::at(int row, int channel) {
     return cells[static_cast<size_t>(row) * channelCount + channel];
 }
 
-void Score::note(int row, int channel, int note, int instrument, int volume) {
+void Score::note(int row, int channel, int note, int instrument, int volume)
+{
     if (note < 1 || note > 96)
         return;
     XmCell& cell = at(row, channel);
@@ -37,30 +40,38 @@ void Score::note(int row, int channel, int note, int instrument, int volume) {
         this->volume(row, channel, volume);
 }
 
-void Score::keyOff(int row, int channel) {
+void Score::keyOff(int row, int channel)
+{
     XmCell& cell = at(row, channel);
     cell.note = kKeyOff;
     cell.instrument = 0;
 }
 
-void Score::volume(int row, int channel, int volume) {
+void Score::volume(int row, int channel, int volume)
+{
     volumeColumn(row, channel, static_cast<uint8_t>(0x10 + std::clamp(volume, 0, 64)));
 }
 
-void Score::volumeColumn(int row, int channel, uint8_t value) { at(row, channel).volume = value; }
+void Score::volumeColumn(int row, int channel, uint8_t value)
+{
+    at(row, channel).volume = value;
+}
 
-void Score::effect(int row, int channel, uint8_t effect, uint8_t param) {
+void Score::effect(int row, int channel, uint8_t effect, uint8_t param)
+{
     XmCell& cell = at(row, channel);
     cell.effect = effect;
     cell.param = param;
 }
 
-void Score::setPanning(int channel, int panning) {
+void Score::setPanning(int channel, int panning)
+{
     if (channel >= 0 && channel < channelCount)
         pans[channel] = std::clamp(panning, 0, 255);
 }
 
-void Score::markSection(int row) {
+void Score::markSection(int row)
+{
     if (row <= 0 || row >= rowCount)
         return;
     if (std::find(marks.begin(), marks.end(), row) == marks.end()) {
@@ -69,7 +80,8 @@ void Score::markSection(int row) {
     }
 }
 
-void Score::toModule(XmModule& module, int maxRows) const {
+void Score::toModule(XmModule& module, int maxRows) const
+{
     maxRows = std::clamp(maxRows, 1, 256);
     module.channels = channelCount;
     module.patterns.clear();

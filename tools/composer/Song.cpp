@@ -11,9 +11,7 @@
 namespace {
 
 // Channels, one job each so that sounds never cut each other off.
-enum Channel {
-    Kick, Snare, Hat, Perc, Cymbal, BassCh, Pad1, Pad2, Pad3, LeadCh, Lead2, Arp, Echo, Fx, Stab1, Stab2
-};
+enum Channel { Kick, Snare, Hat, Perc, Cymbal, BassCh, Pad1, Pad2, Pad3, LeadCh, Lead2, Arp, Echo, Fx, Stab1, Stab2 };
 
 const int kC4 = 49;
 const int kBar = 16;
@@ -23,14 +21,20 @@ const uint8_t kVibrato = 0x04;
 const uint8_t kRetrigger = 0x0E;
 
 // Note number from a name such as "D5", "Bb4" or "C#6" (C-0 is 1).
-int noteOf(const std::string& name) {
+int noteOf(const std::string& name)
+{
     static const int letters[] = {9, 11, 0, 2, 4, 5, 7};  // A..G
     if (name.size() < 2 || name[0] < 'A' || name[0] > 'G')
         return 0;
     int pc = letters[name[0] - 'A'];
     size_t i = 1;
-    if (name[i] == '#') { ++pc; ++i; }
-    else if (name[i] == 'b') { --pc; ++i; }
+    if (name[i] == '#') {
+        ++pc;
+        ++i;
+    } else if (name[i] == 'b') {
+        --pc;
+        ++i;
+    }
     if (i >= name.size() || name[i] < '0' || name[i] > '9')
         return 0;
     return 1 + 12 * (name[i] - '0') + pc;
@@ -41,30 +45,42 @@ struct Chord {
     std::vector<int> tones;  // semitones above the root
 };
 
-Chord chordOf(const std::string& name) {
+Chord chordOf(const std::string& name)
+{
     Chord c;
     c.root = (noteOf(name.substr(0, name.size() > 1 && (name[1] == 'b' || name[1] == '#') ? 2 : 1) + "4") - 1) % 12;
     const std::string kind = name.substr(name.size() > 1 && (name[1] == 'b' || name[1] == '#') ? 2 : 1);
-    if (kind == "m") c.tones = {0, 3, 7};
-    else if (kind == "m9") c.tones = {0, 3, 7, 10, 14};
-    else if (kind == "maj7") c.tones = {0, 4, 7, 11};
-    else c.tones = {0, 4, 7};
+    if (kind == "m")
+        c.tones = {0, 3, 7};
+    else if (kind == "m9")
+        c.tones = {0, 3, 7, 10, 14};
+    else if (kind == "maj7")
+        c.tones = {0, 4, 7, 11};
+    else
+        c.tones = {0, 4, 7};
     return c;
 }
 
-std::vector<Chord> progression(const char* names) {
+std::vector<Chord> progression(const char* names)
+{
     std::vector<Chord> out;
     std::string word;
     for (const char* p = names;; ++p) {
-        if (*p && *p != ' ') { word += *p; continue; }
-        if (!word.empty()) out.push_back(chordOf(word));
+        if (*p && *p != ' ') {
+            word += *p;
+            continue;
+        }
+        if (!word.empty())
+            out.push_back(chordOf(word));
         word.clear();
-        if (!*p) break;
+        if (!*p)
+            break;
     }
     return out;
 }
 
-std::vector<Chord> transposed(std::vector<Chord> prog, int semitones) {
+std::vector<Chord> transposed(std::vector<Chord> prog, int semitones)
+{
     for (Chord& c : prog)
         c.root = (c.root + semitones + 120) % 12;
     return prog;
@@ -76,32 +92,41 @@ struct Ev {
 };
 
 // "D5:6 E5:2 r:4": note names (or r for a rest) with lengths in rows.
-std::vector<Ev> phrase(const char* text) {
+std::vector<Ev> phrase(const char* text)
+{
     std::vector<Ev> out;
     std::string word;
     for (const char* p = text;; ++p) {
-        if (*p && *p != ' ') { word += *p; continue; }
+        if (*p && *p != ' ') {
+            word += *p;
+            continue;
+        }
         const size_t colon = word.find(':');
         if (colon != std::string::npos) {
             const std::string name = word.substr(0, colon);
             out.push_back({name == "r" ? 0 : noteOf(name), std::atoi(word.c_str() + colon + 1)});
         }
         word.clear();
-        if (!*p) break;
+        if (!*p)
+            break;
     }
     return out;
 }
 
-std::vector<Ev> shifted(std::vector<Ev> evs, int semitones) {
+std::vector<Ev> shifted(std::vector<Ev> evs, int semitones)
+{
     for (Ev& e : evs)
-        if (e.note) e.note += semitones;
+        if (e.note)
+            e.note += semitones;
     return evs;
 }
 
 // Lowest note at or above `low` with the pitch class.
-int place(int pc, int low) {
+int place(int pc, int low)
+{
     int n = low;
-    while ((n - 1) % 12 != ((pc % 12) + 12) % 12) ++n;
+    while ((n - 1) % 12 != ((pc % 12) + 12) % 12)
+        ++n;
     return n;
 }
 
@@ -109,7 +134,8 @@ int place(int pc, int low) {
 struct Dice {
     uint32_t state;
     explicit Dice(uint32_t seed) : state(seed) {}
-    int roll(int sides) {
+    int roll(int sides)
+    {
         state = state * 1664525u + 1013904223u;
         return static_cast<int>((state >> 16) % static_cast<uint32_t>(sides));
     }
@@ -135,48 +161,70 @@ public:
     Score& score;
 
     // X full, x two thirds, o a third, anything else nothing; the rhythm repeats.
-    static int accent(char c, int volume) {
-        if (c == 'X') return volume;
-        if (c == 'x') return volume * 2 / 3;
-        if (c == 'o') return volume / 3;
+    static int accent(char c, int volume)
+    {
+        if (c == 'X')
+            return volume;
+        if (c == 'x')
+            return volume * 2 / 3;
+        if (c == 'o')
+            return volume / 3;
         return 0;
     }
 
-    void hits(int row, int rows, int ch, int ins, const char* rhythm, int volume, int note = kC4) {
+    void hits(int row, int rows, int ch, int ins, const char* rhythm, int volume, int note = kC4)
+    {
         const int len = static_cast<int>(std::strlen(rhythm));
         for (int r = 0; r < rows && len; ++r) {
             const int v = accent(rhythm[r % len], volume);
-            if (v > 0) score.note(row + r, ch, note, ins, v);
+            if (v > 0)
+                score.note(row + r, ch, note, ins, v);
         }
     }
 
     // R root, r soft root, O/o octave, F fifth, '-' release; one rhythm per chord.
     void bassLine(int row, const std::vector<Chord>& prog, int rowsPer, const char* rhythm, int volume,
-                  int ins = Synth::Bass, int low = noteOf("A1")) {
+                  int ins = Synth::Bass, int low = noteOf("A1"))
+    {
         const int len = static_cast<int>(std::strlen(rhythm));
         for (size_t i = 0; i < prog.size(); ++i) {
             const int base = place(prog[i].root, low);
             for (int r = 0; r < rowsPer && len; ++r) {
                 const int at = row + static_cast<int>(i) * rowsPer + r;
                 switch (rhythm[r % len]) {
-                case 'R': score.note(at, BassCh, base, ins, volume); break;
-                case 'r': score.note(at, BassCh, base, ins, volume * 2 / 3); break;
-                case 'O': score.note(at, BassCh, base + 12, ins, volume); break;
-                case 'o': score.note(at, BassCh, base + 12, ins, volume * 2 / 3); break;
-                case 'F': score.note(at, BassCh, base + 7, ins, volume); break;
-                case '-': score.keyOff(at, BassCh); break;
-                default: break;
+                    case 'R':
+                        score.note(at, BassCh, base, ins, volume);
+                        break;
+                    case 'r':
+                        score.note(at, BassCh, base, ins, volume * 2 / 3);
+                        break;
+                    case 'O':
+                        score.note(at, BassCh, base + 12, ins, volume);
+                        break;
+                    case 'o':
+                        score.note(at, BassCh, base + 12, ins, volume * 2 / 3);
+                        break;
+                    case 'F':
+                        score.note(at, BassCh, base + 7, ins, volume);
+                        break;
+                    case '-':
+                        score.keyOff(at, BassCh);
+                        break;
+                    default:
+                        break;
                 }
             }
         }
     }
 
     // Close three-voice chords above `low`; ninth chords drop the root for the bass to play.
-    static std::vector<int> voicing(const Chord& c, int low) {
+    static std::vector<int> voicing(const Chord& c, int low)
+    {
         std::vector<int> picks = c.tones.size() >= 5 ? std::vector<int>{c.tones[1], c.tones[3], c.tones[4]}
                                                      : std::vector<int>{c.tones[0], c.tones[1], c.tones[2]};
         std::vector<int> notes;
-        for (int t : picks) notes.push_back(place(c.root + t, low));
+        for (int t : picks)
+            notes.push_back(place(c.root + t, low));
         std::sort(notes.begin(), notes.end());
         // A semitone inside a close chord grates: open it by dropping the upper note an octave.
         for (size_t i = 1; i < notes.size(); ++i)
@@ -190,14 +238,17 @@ public:
 
     // Voices that keep their note are not struck again, so the chords flow.
     void pads(int row, const std::vector<Chord>& prog, int rowsPer, int volume, int low = noteOf("A3"),
-              int ins = Synth::Pad, const int* chans = nullptr) {
+              int ins = Synth::Pad, const int* chans = nullptr)
+    {
         static const int padChans[] = {Pad1, Pad2, Pad3};
-        if (!chans) chans = padChans;
+        if (!chans)
+            chans = padChans;
         std::vector<int> previous(3, -1);
         for (size_t i = 0; i < prog.size(); ++i) {
             const std::vector<int> v = voicing(prog[i], low);
             for (int k = 0; k < 3; ++k) {
-                if (v[k] == previous[k]) continue;
+                if (v[k] == previous[k])
+                    continue;
                 score.note(row + static_cast<int>(i) * rowsPer, chans[k], v[k], ins, volume);
             }
             previous = v;
@@ -206,35 +257,42 @@ public:
 
     // Short chord hits at the given rows of each chord, each released after `length` rows.
     void stabs(int row, const std::vector<Chord>& prog, int rowsPer, std::initializer_list<int> at, int length,
-               int volume, int low, int ins, const int* chans) {
+               int volume, int low, int ins, const int* chans)
+    {
         for (size_t i = 0; i < prog.size(); ++i) {
             const std::vector<Chord> one(1, prog[i]);
             for (int k : at) {
                 const int r = row + static_cast<int>(i) * rowsPer + k;
                 pads(r, one, rowsPer, volume, low, ins, chans);
                 for (int v = 0; v < 3; ++v)
-                    if (score.at(r + length, chans[v]).note == 0) score.keyOff(r + length, chans[v]);
+                    if (score.at(r + length, chans[v]).note == 0)
+                        score.keyOff(r + length, chans[v]);
             }
         }
     }
 
-    void release(int row, std::initializer_list<int> chans) {
-        for (int ch : chans) score.keyOff(row, ch);
+    void release(int row, std::initializer_list<int> chans)
+    {
+        for (int ch : chans)
+            score.keyOff(row, ch);
     }
 
     // Digits index the chord's notes upwards from `low`; beats are a little louder.
     void arp(int row, const std::vector<Chord>& prog, int rowsPer, const char* pattern, int low, int volume,
-             int ch = Arp, int ins = Synth::Bell) {
+             int ch = Arp, int ins = Synth::Bell)
+    {
         const int len = static_cast<int>(std::strlen(pattern));
         for (size_t i = 0; i < prog.size(); ++i) {
             std::vector<int> ladder;
             for (int octave = 0; octave < 4; ++octave)
-                for (int t : prog[i].tones) ladder.push_back(place(prog[i].root + t, low) + 12 * octave);
+                for (int t : prog[i].tones)
+                    ladder.push_back(place(prog[i].root + t, low) + 12 * octave);
             std::sort(ladder.begin(), ladder.end());
             ladder.erase(std::unique(ladder.begin(), ladder.end()), ladder.end());
             for (int r = 0; r < rowsPer && len; ++r) {
                 const char c = pattern[r % len];
-                if (c < '0' || c > '9') continue;
+                if (c < '0' || c > '9')
+                    continue;
                 const int at = row + static_cast<int>(i) * rowsPer + r;
                 score.note(at, ch, ladder[c - '0'], ins, r % 4 == 0 ? volume : volume * 3 / 4);
             }
@@ -242,7 +300,8 @@ public:
     }
 
     // Long notes swell into a vibrato; rests release the note.
-    int melody(int row, const std::vector<Ev>& evs, int ch, int ins, int volume, bool vibrato = true) {
+    int melody(int row, const std::vector<Ev>& evs, int ch, int ins, int volume, bool vibrato = true)
+    {
         int r = row;
         for (const Ev& e : evs) {
             if (e.note) {
@@ -260,7 +319,8 @@ public:
 
     // A second voice under the melody: the highest chord note at least a minor
     // third below each melody note, so the two never rub.
-    static std::vector<Ev> harmony(const std::vector<Ev>& evs, const std::vector<Chord>& prog, int rowsPer) {
+    static std::vector<Ev> harmony(const std::vector<Ev>& evs, const std::vector<Chord>& prog, int rowsPer)
+    {
         std::vector<Ev> out;
         int t = 0;
         for (const Ev& e : evs) {
@@ -270,7 +330,8 @@ public:
                 h.note = 0;
                 for (int n = e.note - 3; n > e.note - 12 && !h.note; --n)
                     for (size_t k = 0; k < 3 && k < c.tones.size(); ++k)
-                        if ((n - 1) % 12 == (c.root + c.tones[k]) % 12) h.note = n;
+                        if ((n - 1) % 12 == (c.root + c.tones[k]) % 12)
+                            h.note = n;
             }
             out.push_back(h);
             t += e.length;
@@ -279,23 +340,27 @@ public:
     }
 
     // Repeats a channel's notes later and quieter on another channel.
-    void echo(int from, int to, int row, int rows, int delay, int percent) {
+    void echo(int from, int to, int row, int rows, int delay, int percent)
+    {
         for (int r = row; r < row + rows; ++r) {
             const XmCell cell = score.at(r, from);
-            if (cell.note < 1 || cell.note > 96 || !cell.instrument) continue;
+            if (cell.note < 1 || cell.note > 96 || !cell.instrument)
+                continue;
             const int v = cell.volume >= 0x10 && cell.volume <= 0x50 ? cell.volume - 0x10 : 64;
             score.note(r + delay, to, cell.note, cell.instrument, v * percent / 100);
         }
     }
 
     // Volume column set row by row from one level to another.
-    void ramp(int row, int rows, int ch, int from, int to) {
+    void ramp(int row, int rows, int ch, int from, int to)
+    {
         for (int k = 0; k < rows; ++k)
             score.volume(row + k, ch, from + (to - from) * k / rows);
     }
 
     // Snare sixteenths growing louder, toms tumbling down in the second half.
-    void fill(int row, int rows, int volume) {
+    void fill(int row, int rows, int volume)
+    {
         static const char* const toms[] = {"A4", "F4", "D4", "B3", "G3", "E3"};
         for (int k = 0; k < rows; ++k) {
             const int v = volume * (rows + k) / (2 * rows);
@@ -307,7 +372,8 @@ public:
     }
 
     // A little snare pickup on the last beat of a phrase.
-    void turnaround(int row, int volume) {
+    void turnaround(int row, int volume)
+    {
         hits(row, 4, Snare, Synth::Snare, ".oxX", volume);
         score.note(row + 2, Perc, noteOf("G4"), Synth::Tom, volume * 2 / 3);
     }
@@ -315,7 +381,8 @@ public:
     void crash(int row, int volume) { score.note(row, Cymbal, kC4, Synth::Crash, volume); }
 
     // Looped noise gliding up or down while its volume follows a ramp.
-    void sweep(int row, int rows, int note, bool up, int speed, int from, int to) {
+    void sweep(int row, int rows, int note, bool up, int speed, int from, int to)
+    {
         score.note(row, Fx, note, Synth::Noise, from);
         ramp(row + 1, rows - 1, Fx, from, to);
         for (int k = 1; k < rows; ++k)
@@ -328,11 +395,13 @@ public:
 
 // Credits: pads alone, then a sparse bell arpeggio, bass and soft drums build
 // under a first, quiet glimpse of the theme.
-void intro(Writer& w, int r0) {
+void intro(Writer& w, int r0)
+{
     const int pickup = 28;
     const std::vector<Chord> dm = progression("Dm");
     w.pads(r0, dm, pickup, 4);
-    for (int ch : {Pad1, Pad2, Pad3}) w.ramp(r0 + 1, pickup - 1, ch, 4, 20);
+    for (int ch : {Pad1, Pad2, Pad3})
+        w.ramp(r0 + 1, pickup - 1, ch, 4, 20);
     w.score.note(r0 + 8, Arp, noteOf("A4"), Synth::Bell, 18);
     w.score.note(r0 + 20, Arp, noteOf("D5"), Synth::Bell, 20);
     w.echo(Arp, Echo, r0, pickup, 3, 45);
@@ -366,7 +435,8 @@ void intro(Writer& w, int r0) {
 
 // Islands: the theme enters over full drums; the second time round a harmony
 // voice and a running arpeggio join.
-void islands(Writer& w, int r0) {
+void islands(Writer& w, int r0)
+{
     const std::vector<Chord> prog = progression(kThemeChords);
     const std::vector<Ev> theme = phrase(kTheme);
     w.crash(r0, 44);
@@ -393,7 +463,8 @@ void islands(Writer& w, int r0) {
 }
 
 // Logo: a brass fanfare, Bb and C rising to D, then a breath.
-void logo(Writer& w, int r0) {
+void logo(Writer& w, int r0)
+{
     const std::vector<Chord> prog = progression("Bb C Dm");
     static const int stabChans[] = {Stab1, Stab2, Lead2};
     w.crash(r0, 50);
@@ -413,14 +484,16 @@ void logo(Writer& w, int r0) {
     w.melody(r0, phrase("F5:3 F5:3 F5:2 Bb5:8 G5:3 G5:3 G5:2 C6:8 D6:16"), LeadCh, Synth::Lead, 44);
     w.fill(r0 + 40, 8, 46);
     // The break: the pad dies away under the first notes of the theme, bubbling.
-    for (int ch : {Pad1, Pad2, Pad3}) w.ramp(r0 + 48, 12, ch, 20, 8);
+    for (int ch : {Pad1, Pad2, Pad3})
+        w.ramp(r0 + 48, 12, ch, 20, 8);
     w.melody(r0 + 48, phrase("D5:3 E5:3 F5:3 A5:3"), Arp, Synth::Bell, 22, false);
     w.echo(Arp, Echo, r0 + 48, 12, 2, 50);
 }
 
 // Sea bed: a soft, filtered groove on i9 and iv9, bubbles of bell notes, and
 // the theme's outline sung slowly by a pad voice.
-void seaBed(Writer& w, int r0) {
+void seaBed(Writer& w, int r0)
+{
     const std::vector<Chord> prog = progression("Dm9 Dm9 Gm9 Gm9 Dm9 Dm9 Gm9 Gm9 Dm9 Dm9 Gm9 Gm9 Dm9 Dm9 Gm9 Gm9");
     w.pads(r0, prog, kBar, 16);
     w.bassLine(r0, prog, kBar, "R.....r...R.r...", 46, Synth::SubBass);
@@ -433,15 +506,15 @@ void seaBed(Writer& w, int r0) {
     for (int b = 0; b < 16; ++b) {
         const std::vector<int> v = Writer::voicing(prog[b], low);
         for (int k = 0; k < kBar; ++k) {
-            if (dice.roll(3) == 0) continue;
+            if (dice.roll(3) == 0)
+                continue;
             const int note = v[dice.roll(3)] + 12 * dice.roll(2);
             w.score.note(r0 + b * kBar + k, Arp, note, Synth::Bell, 8 + dice.roll(10));
         }
     }
     w.echo(Arp, Echo, r0, 264, 3, 55);
 
-    w.melody(r0 + 128,
-             phrase("A4:12 D5:4 E5:8 F5:8 G5:12 F5:4 D5:16 A4:12 D5:4 E5:8 F5:4 A5:4 Bb5:12 A5:4 G5:16"),
+    w.melody(r0 + 128, phrase("A4:12 D5:4 E5:8 F5:8 G5:12 F5:4 D5:16 A4:12 D5:4 E5:8 F5:4 A5:4 Bb5:12 A5:4 G5:16"),
              LeadCh, Synth::Pad, 30);
     // Bubbles rise and the snare wakes for the tunnel.
     w.arp(r0 + 256, progression("A"), 8, "01234567", noteOf("A4"), 20);
@@ -450,7 +523,8 @@ void seaBed(Writer& w, int r0) {
 
 // Underwater tunnel: four on the floor, sixteenth hats, a pumping bass and a
 // long line climbing towards the exit.
-void tunnel(Writer& w, int r0) {
+void tunnel(Writer& w, int r0)
+{
     const std::vector<Chord> prog = progression("Dm Dm Bb C Dm Dm Bb C Gm Gm Bb C Bb C A A");
     w.crash(r0, 44);
     w.pads(r0, prog, kBar, 18);
@@ -474,16 +548,20 @@ void tunnel(Writer& w, int r0) {
 }
 
 // Tunnel exit: a noise riser and a snare roll climb for three bars into the hit.
-void tunnelExit(Writer& w, int r0) {
+void tunnelExit(Writer& w, int r0)
+{
     w.sweep(r0, 48, noteOf("C3"), true, 2, 6, 44);
     for (int k = 0; k < 48; ++k) {
         const bool play = k < 16 ? k % 2 == 0 : true;
-        if (!play) continue;
+        if (!play)
+            continue;
         w.score.note(r0 + k, Snare, kC4, Synth::Snare, 16 + k * 34 / 48);
-        if (k >= 32) w.score.effect(r0 + k, Snare, kRetrigger, 0x93);
+        if (k >= 32)
+            w.score.effect(r0 + k, Snare, kRetrigger, 0x93);
     }
     w.pads(r0, progression("A"), 48, 14);
-    for (int ch : {Pad1, Pad2, Pad3}) w.ramp(r0 + 1, 47, ch, 14, 30);
+    for (int ch : {Pad1, Pad2, Pad3})
+        w.ramp(r0 + 1, 47, ch, 14, 30);
     w.bassLine(r0, progression("A A A"), kBar, "R.R.R.R.R.R.R.R.", 34);
 
     // The hit: everything at once on D minor, then ringing out.
@@ -500,7 +578,8 @@ void tunnelExit(Writer& w, int r0) {
 }
 
 // Flipper land: the relative major, off-beat stabs and a hopping bass and tune.
-void flipperLand(Writer& w, int r0) {
+void flipperLand(Writer& w, int r0)
+{
     const std::vector<Chord> prog = progression("F C Dm Bb F C Dm Bb C");
     static const int stabChans[] = {Stab1, Stab2, Lead2};
     w.pads(r0, prog, kBar, 14);
@@ -530,7 +609,8 @@ void flipperLand(Writer& w, int r0) {
 
 // Spacecraft: the theme in full, doubled an octave down, then harmonised over
 // big pads and brass, crashes every four bars.
-void spaceCraft(Writer& w, int r0) {
+void spaceCraft(Writer& w, int r0)
+{
     const std::vector<Chord> prog = progression(kThemeChords);
     const std::vector<Ev> theme = phrase(kTheme);
     static const int brassChans[] = {Stab1, Stab2, Perc};
@@ -559,7 +639,8 @@ void spaceCraft(Writer& w, int r0) {
 }
 
 // Cockpit: half time and open space; the bell blinks like the displays.
-void cockpit(Writer& w, int r0) {
+void cockpit(Writer& w, int r0)
+{
     const std::vector<Chord> prog = progression("Bb Bb F F C C");
     w.crash(r0, 40);
     w.pads(r0, prog, kBar, 24);
@@ -577,7 +658,8 @@ void cockpit(Writer& w, int r0) {
 }
 
 // City: the climax, a tone higher in E minor; everything plays.
-void city(Writer& w, int r0) {
+void city(Writer& w, int r0)
+{
     const std::vector<Chord> prog = transposed(progression(kThemeChords), 2);
     const std::vector<Ev> theme = shifted(phrase(kTheme), 2);
     static const int stabChans[] = {Stab1, Stab2, Perc};
@@ -592,7 +674,8 @@ void city(Writer& w, int r0) {
         w.stabs(r, prog, kBar, {2, 6, 10, 14}, 2, pass ? 30 : 22, noteOf("G4"), Synth::Brass, stabChans);
     }
     w.release(r0 + 256, {Stab1, Stab2, Perc});
-    for (int r = r0 + 60; r < r0 + 256; r += 64) w.turnaround(r, 44);
+    for (int r = r0 + 60; r < r0 + 256; r += 64)
+        w.turnaround(r, 44);
     w.hits(r0, 256, Kick, Synth::Kick, "X...X...X...X...", 56);
     w.hits(r0, 256, Snare, Synth::Snare, "....X.......X...", 44);
     w.hits(r0, 256, Hat, Synth::ClosedHat, "xoxoXoxoxoxoXoxo", 42);
@@ -604,9 +687,11 @@ void city(Writer& w, int r0) {
 }
 
 // Blow-up: two bars of fill, then the crash and a falling roar of noise.
-void blowUp(Writer& w, int r0) {
+void blowUp(Writer& w, int r0)
+{
     w.pads(r0, progression("Dm Dm A A"), kBar / 2, 24);
-    for (int ch : {Pad1, Pad2, Pad3}) w.ramp(r0 + 17, 15, ch, 24, 34);
+    for (int ch : {Pad1, Pad2, Pad3})
+        w.ramp(r0 + 17, 15, ch, 24, 34);
     w.bassLine(r0, progression("Dm A"), kBar, "RRRRRRRRRRRRRRRR", 40);
     w.hits(r0, 32, Kick, Synth::Kick, "X...X...X...X...", 54);
     w.fill(r0, 16, 44);
@@ -620,7 +705,8 @@ void blowUp(Writer& w, int r0) {
     w.score.note(boom, Snare, kC4, Synth::Snare, 50);
     w.sweep(boom, 64, noteOf("C5"), false, 1, 52, 6);
     w.pads(boom, progression("Dm"), 64, 34, noteOf("D3"));
-    for (int ch : {Pad1, Pad2, Pad3}) w.ramp(boom + 1, 63, ch, 34, 14);
+    for (int ch : {Pad1, Pad2, Pad3})
+        w.ramp(boom + 1, 63, ch, 34, 14);
     w.score.note(boom, BassCh, noteOf("D2"), Synth::SubBass, 54);
     w.ramp(boom + 1, 63, BassCh, 54, 10);
     w.release(boom + 64, {BassCh});
@@ -628,7 +714,8 @@ void blowUp(Writer& w, int r0) {
 
 // Outro: the theme a last time, softly on a pad voice with a bell above it,
 // then the arpeggio of the opening and a long final D minor that fades away.
-void outro(Writer& w, int r0) {
+void outro(Writer& w, int r0)
+{
     const std::vector<Chord> prog = progression(kThemeChords);
     const std::vector<Ev> theme = phrase(kTheme);
     w.pads(r0, prog, kBar, 18);
@@ -652,14 +739,16 @@ void outro(Writer& w, int r0) {
     w.score.note(last, BassCh, noteOf("D2"), Synth::SubBass, 32);
     w.melody(last, phrase("D5:4 E5:4 F5:4 A5:20"), Arp, Synth::Bell, 16, false);
     w.echo(Arp, Echo, last, rows, 3, 45);
-    for (int ch : {Pad1, Pad2, Pad3}) w.ramp(last + 1, rows - 1, ch, 18, 5);
+    for (int ch : {Pad1, Pad2, Pad3})
+        w.ramp(last + 1, rows - 1, ch, 18, 5);
     w.ramp(last + 1, rows - 1, BassCh, 32, 4);
     w.release(last + rows, {Pad1, Pad2, Pad3, BassCh, LeadCh});
 }
 
 // Channel faders in percent, applied to every volume the arrangement wrote:
 // the balance of the whole mix lives here rather than in each section.
-void mixdown(Score& score) {
+void mixdown(Score& score)
+{
     static const int faders[] = {115, 115, 110, 110, 100, 70, 100, 100, 100, 125, 120, 125, 125, 100, 110, 110};
     for (int r = 0; r < score.rows(); ++r)
         for (int ch = 0; ch < score.channels(); ++ch) {
@@ -671,12 +760,14 @@ void mixdown(Score& score) {
 
 }  // namespace
 
-std::vector<int> Song::sectionRows() {
+std::vector<int> Song::sectionRows()
+{
     // The schedule's cuts in seconds, times eight rows a second.
     return {0, 284, 548, 608, 872, 1140, 1204, 1348, 1612, 1716, 1980, 2076, 2316};
 }
 
-XmModule Song::compose() {
+XmModule Song::compose()
+{
     const std::vector<int> starts = sectionRows();
     Score score(starts.back() + kTailRows, kChannels);
     static const int pans[] = {128, 120, 164, 92, 100, 128, 60, 128, 196, 128, 84, 72, 184, 128, 96, 160};
@@ -686,8 +777,8 @@ XmModule Song::compose() {
         score.markSection(row);
 
     Writer w(score);
-    void (*const sections[])(Writer&, int) = {intro, islands, logo, seaBed, tunnel, tunnelExit,
-                                              flipperLand, spaceCraft, cockpit, city, blowUp, outro};
+    void (*const sections[])(Writer&, int) = {intro,       islands,    logo,    seaBed, tunnel, tunnelExit,
+                                              flipperLand, spaceCraft, cockpit, city,   blowUp, outro};
     for (size_t i = 0; i < sizeof(sections) / sizeof(sections[0]); ++i)
         sections[i](w, starts[i]);
     mixdown(score);

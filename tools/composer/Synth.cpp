@@ -14,7 +14,8 @@ const int kNoiseRate = Synth::kRate / 2;
 struct NoiseSource {
     uint32_t state;
     explicit NoiseSource(uint32_t seed) : state(seed) {}
-    double next() {
+    double next()
+    {
         state ^= state << 13;
         state ^= state >> 17;
         state ^= state << 5;
@@ -26,11 +27,13 @@ struct NoiseSource {
 struct LowPass {
     double a;
     double y = 0.0;
-    LowPass(double cutoff, double rate) {
+    LowPass(double cutoff, double rate)
+    {
         const double w = 2.0 * kPi * cutoff / rate;
         a = w / (1.0 + w);
     }
-    double operator()(double x) {
+    double operator()(double x)
+    {
         y += a * (x - y);
         return y;
     }
@@ -43,11 +46,18 @@ struct HighPass {
 };
 
 // Per-frame multiplier of an exponential decay with time constant tau seconds.
-double decayFactor(double tau, double rate) { return 1.0 - 1.0 / (tau * rate); }
+double decayFactor(double tau, double rate)
+{
+    return 1.0 - 1.0 / (tau * rate);
+}
 
-double softClip(double x) { return x * (27.0 + x * x) / (27.0 + 9.0 * x * x); }
+double softClip(double x)
+{
+    return x * (27.0 + x * x) / (27.0 + 9.0 * x * x);
+}
 
-const std::vector<double>& sineTable() {
+const std::vector<double>& sineTable()
+{
     static std::vector<double> table;
     if (table.empty()) {
         table.resize(kTableSize);
@@ -59,30 +69,37 @@ const std::vector<double>& sineTable() {
 
 // Value at frame n of harmonic h of an oscillator making `cycles` cycles in
 // `length` frames; length divides the table size, so loops close exactly.
-double partial(uint64_t h, uint64_t cycles, uint64_t n, uint64_t length) {
+double partial(uint64_t h, uint64_t cycles, uint64_t n, uint64_t length)
+{
     const uint64_t index = (h * cycles * n * (kTableSize / length)) % kTableSize;
     return sineTable()[index];
 }
 
 // Gentle low-pass slope over the harmonic number.
-double rolloff(double h, double corner) { return 1.0 / (1.0 + (h / corner) * (h / corner)); }
+double rolloff(double h, double corner)
+{
+    return 1.0 / (1.0 + (h / corner) * (h / corner));
+}
 
 // Tapers the last tenth of a one-shot to zero so its end never clicks.
-std::vector<double> fadeEnd(std::vector<double> out) {
+std::vector<double> fadeEnd(std::vector<double> out)
+{
     const size_t tail = out.size() / 10;
     for (size_t i = 0; i < tail; ++i)
         out[out.size() - tail + i] *= static_cast<double>(tail - i) / tail;
     return out;
 }
 
-XmEnvelope envelope(std::vector<XmEnvelopePoint> points, int sustain) {
+XmEnvelope envelope(std::vector<XmEnvelopePoint> points, int sustain)
+{
     XmEnvelope env;
     env.points = std::move(points);
     env.sustain = sustain;
     return env;
 }
 
-XmInstrument make(const char* name, std::vector<int16_t> data, int relativeNote) {
+XmInstrument make(const char* name, std::vector<int16_t> data, int relativeNote)
+{
     XmInstrument ins;
     ins.name = name;
     ins.sample.name = name;
@@ -91,7 +108,8 @@ XmInstrument make(const char* name, std::vector<int16_t> data, int relativeNote)
     return ins;
 }
 
-void loopWhole(XmInstrument& ins) {
+void loopWhole(XmInstrument& ins)
+{
     ins.sample.loop = XmLoopForward;
     ins.sample.loopStart = 0;
     ins.sample.loopLength = static_cast<uint32_t>(ins.sample.data.size());
@@ -99,7 +117,8 @@ void loopWhole(XmInstrument& ins) {
 
 // Detuned band-limited saws: each makes its own whole number of cycles over
 // the loop, so the chorus beating repeats seamlessly.
-std::vector<double> detunedSaws(int length, const std::vector<int>& cycles, int harmonics, double corner) {
+std::vector<double> detunedSaws(int length, const std::vector<int>& cycles, int harmonics, double corner)
+{
     std::vector<double> out(length, 0.0);
     for (int c : cycles) {
         for (int h = 1; h <= harmonics; ++h) {
@@ -113,7 +132,8 @@ std::vector<double> detunedSaws(int length, const std::vector<int>& cycles, int 
 
 }  // namespace
 
-double Synth::sine(double cycles) {
+double Synth::sine(double cycles)
+{
     const double t = cycles - std::floor(cycles);
     double x = t * 2.0 * kPi;
     if (x > kPi)
@@ -133,7 +153,8 @@ double Synth::sine(double cycles) {
     return sum;
 }
 
-std::vector<int16_t> Synth::toFrames(const std::vector<double>& signal, double peak) {
+std::vector<int16_t> Synth::toFrames(const std::vector<double>& signal, double peak)
+{
     double top = 0.0;
     for (double v : signal)
         top = std::fabs(v) > top ? std::fabs(v) : top;
@@ -147,7 +168,8 @@ std::vector<int16_t> Synth::toFrames(const std::vector<double>& signal, double p
     return frames;
 }
 
-XmInstrument Synth::kick() {
+XmInstrument Synth::kick()
+{
     const int length = kRate * 45 / 100;
     std::vector<double> out(length);
     NoiseSource noise(0x1234567u);
@@ -169,7 +191,8 @@ XmInstrument Synth::kick() {
     return make("kick", toFrames(fadeEnd(out), 0.95), 24);
 }
 
-XmInstrument Synth::snare() {
+XmInstrument Synth::snare()
+{
     const int length = kRate * 30 / 100;
     std::vector<double> out(length);
     NoiseSource noise(0xBEEF01u);
@@ -193,7 +216,8 @@ XmInstrument Synth::snare() {
 namespace {
 
 // Noise and six detuned square waves, high-passed: the metal of hats and cymbals.
-std::vector<double> metal(int length, int rate, double tau, uint32_t seed, double brightness) {
+std::vector<double> metal(int length, int rate, double tau, uint32_t seed, double brightness)
+{
     static const double freqs[] = {205.3, 304.4, 369.6, 522.7, 540.0, 800.0};
     std::vector<double> out(length);
     NoiseSource noise(seed);
@@ -217,19 +241,24 @@ std::vector<double> metal(int length, int rate, double tau, uint32_t seed, doubl
 
 }  // namespace
 
-XmInstrument Synth::closedHat() {
-    XmInstrument ins = make("closed hat", toFrames(fadeEnd(metal(kRate * 12 / 100, kRate, 0.022, 0x51u, 7000.0)), 0.85), 24);
+XmInstrument Synth::closedHat()
+{
+    XmInstrument ins =
+        make("closed hat", toFrames(fadeEnd(metal(kRate * 12 / 100, kRate, 0.022, 0x51u, 7000.0)), 0.85), 24);
     ins.sample.panning = 150;
     return ins;
 }
 
-XmInstrument Synth::openHat() {
-    XmInstrument ins = make("open hat", toFrames(fadeEnd(metal(kRate * 36 / 100, kRate, 0.12, 0x77u, 6000.0)), 0.85), 24);
+XmInstrument Synth::openHat()
+{
+    XmInstrument ins =
+        make("open hat", toFrames(fadeEnd(metal(kRate * 36 / 100, kRate, 0.12, 0x77u, 6000.0)), 0.85), 24);
     ins.sample.panning = 110;
     return ins;
 }
 
-XmInstrument Synth::clap() {
+XmInstrument Synth::clap()
+{
     const int length = kRate * 32 / 100;
     std::vector<double> out(length);
     NoiseSource noise(0xC1A9u);
@@ -252,7 +281,8 @@ XmInstrument Synth::clap() {
     return make("clap", toFrames(fadeEnd(out), 0.9), 24);
 }
 
-XmInstrument Synth::tom() {
+XmInstrument Synth::tom()
+{
     const int length = kRate * 40 / 100;
     std::vector<double> out(length);
     NoiseSource noise(0x70Au);
@@ -269,7 +299,8 @@ XmInstrument Synth::tom() {
     return make("tom", toFrames(fadeEnd(out), 0.9), 24);
 }
 
-XmInstrument Synth::crash() {
+XmInstrument Synth::crash()
+{
     const int length = kNoiseRate * 16 / 10;
     std::vector<double> shimmer = metal(length, kNoiseRate, 0.55, 0xC4A5u, 2500.0);
     LowPass smooth(6000.0, kNoiseRate);
@@ -280,7 +311,8 @@ XmInstrument Synth::crash() {
     return ins;
 }
 
-XmInstrument Synth::noise() {
+XmInstrument Synth::noise()
+{
     const int length = kNoiseRate / 2;
     std::vector<double> out(length);
     NoiseSource source(0x5EEDu);
@@ -295,7 +327,8 @@ XmInstrument Synth::noise() {
     return ins;
 }
 
-XmInstrument Synth::bass() {
+XmInstrument Synth::bass()
+{
     // Pitch C-2 at the render rate: 512 frames per period. A bright pluck
     // darkens period by period, then the last period loops.
     const int period = kBasePeriod * 4;
@@ -322,7 +355,8 @@ XmInstrument Synth::bass() {
     return ins;
 }
 
-XmInstrument Synth::subBass() {
+XmInstrument Synth::subBass()
+{
     const int period = kBasePeriod * 4;
     std::vector<double> out(period);
     for (int n = 0; n < period; ++n)
@@ -334,7 +368,8 @@ XmInstrument Synth::subBass() {
     return ins;
 }
 
-XmInstrument Synth::pad() {
+XmInstrument Synth::pad()
+{
     // C-3: 256 frames per period, 128 cycles in the loop; neighbours detuned by one cycle.
     const int length = 32768;
     std::vector<double> out = detunedSaws(length, {127, 128, 129}, 40, 7.0);
@@ -354,7 +389,8 @@ XmInstrument Synth::pad() {
 namespace {
 
 // Saw plus a 25% pulse one cycle apart: the lead and the brass share it.
-std::vector<double> leadWave() {
+std::vector<double> leadWave()
+{
     const int length = 16384;
     std::vector<double> out = detunedSaws(length, {128}, 24, 10.0);
     for (int h = 1; h <= 24; ++h) {
@@ -367,7 +403,8 @@ std::vector<double> leadWave() {
 
 }  // namespace
 
-XmInstrument Synth::brass() {
+XmInstrument Synth::brass()
+{
     XmInstrument ins = make("brass", toFrames(leadWave(), 0.9), 24);
     loopWhole(ins);
     ins.volumeEnvelope = envelope({{0, 0}, {2, 64}, {14, 42}, {60, 34}}, 3);
@@ -375,7 +412,8 @@ XmInstrument Synth::brass() {
     return ins;
 }
 
-XmInstrument Synth::lead() {
+XmInstrument Synth::lead()
+{
     XmInstrument ins = make("lead", toFrames(leadWave(), 0.9), 24);
     loopWhole(ins);
     ins.volumeEnvelope = envelope({{0, 0}, {3, 64}, {24, 50}}, 2);
@@ -387,7 +425,8 @@ XmInstrument Synth::lead() {
     return ins;
 }
 
-XmInstrument Synth::bell() {
+XmInstrument Synth::bell()
+{
     // Two-operator FM, modulator at 3.5 times the carrier: a glassy bell whose
     // brightness dies faster than its body.
     const int length = kRate * 7 / 10;
@@ -409,7 +448,8 @@ XmInstrument Synth::bell() {
     return ins;
 }
 
-XmInstrument Synth::pluck() {
+XmInstrument Synth::pluck()
+{
     // Harmonics that decay faster the higher they are, like a plucked string.
     const int length = kRate * 35 / 100;
     const int period = kBasePeriod;
@@ -425,7 +465,8 @@ XmInstrument Synth::pluck() {
     return make("pluck", toFrames(fadeEnd(out), 0.9), 24);
 }
 
-std::vector<XmInstrument> Synth::bank() {
-    return {kick(), snare(), closedHat(), openHat(), clap(), tom(), crash(), noise(),
-            bass(), subBass(), pad(), brass(), lead(), bell(), pluck()};
+std::vector<XmInstrument> Synth::bank()
+{
+    return {kick(), snare(),   closedHat(), openHat(), clap(), tom(),  crash(), noise(),
+            bass(), subBass(), pad(),       brass(),   lead(), bell(), pluck()};
 }

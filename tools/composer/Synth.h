@@ -10,8 +10,21 @@ class Synth {
 public:
     // Instrument numbers as the patterns use them (1-based, in bank order).
     enum Instrument {
-        Kick = 1, Snare, ClosedHat, OpenHat, Clap, Tom, Crash, Noise,
-        Bass, SubBass, Pad, Brass, Lead, Bell, Pluck,
+        Kick = 1,
+        Snare,
+        ClosedHat,
+        OpenHat,
+        Clap,
+        Tom,
+        Crash,
+        Noise,
+        Bass,
+        SubBass,
+        Pad,
+        Brass,
+        Lead,
+        Bell,
+        Pluck,
         InstrumentCount = Pluck
     };
 

@@ -14,9 +14,10 @@ struct XmCell {
     uint8_t param = 0;
 
     bool empty() const { return !note && !instrument && !volume && !effect && !param; }
-    bool operator==(const XmCell& o) const {
-        return note == o.note && instrument == o.instrument && volume == o.volume &&
-               effect == o.effect && param == o.param;
+    bool operator==(const XmCell& o) const
+    {
+        return note == o.note && instrument == o.instrument && volume == o.volume && effect == o.effect &&
+               param == o.param;
     }
 };
 
@@ -68,7 +69,7 @@ struct XmModule {
     std::string name;
     std::string tracker = "Velmora composer";
     int channels = 16;
-    int speed = 6;    // ticks per row
+    int speed = 6;  // ticks per row
     int bpm = 125;
     int restart = 0;
     bool linearFrequencies = true;

@@ -7,20 +7,26 @@
 
 namespace {
 
-void put8(std::vector<uint8_t>& out, unsigned v) { out.push_back(static_cast<uint8_t>(v & 0xFF)); }
+void put8(std::vector<uint8_t>& out, unsigned v)
+{
+    out.push_back(static_cast<uint8_t>(v & 0xFF));
+}
 
-void put16(std::vector<uint8_t>& out, unsigned v) {
+void put16(std::vector<uint8_t>& out, unsigned v)
+{
     put8(out, v);
     put8(out, v >> 8);
 }
 
-void put32(std::vector<uint8_t>& out, uint32_t v) {
+void put32(std::vector<uint8_t>& out, uint32_t v)
+{
     put16(out, v & 0xFFFF);
     put16(out, v >> 16);
 }
 
 // Fixed-width text field, padded with zeros and cut when too long.
-void putText(std::vector<uint8_t>& out, const std::string& text, size_t width) {
+void putText(std::vector<uint8_t>& out, const std::string& text, size_t width)
+{
     for (size_t i = 0; i < width; ++i)
         put8(out, i < text.size() ? static_cast<uint8_t>(text[i]) : 0);
 }
@@ -29,12 +35,14 @@ const size_t kInstrumentHeaderSize = 263;
 const size_t kSampleHeaderSize = 40;
 const size_t kMaxEnvelopePoints = 12;
 
-bool fail(const char* what) {
+bool fail(const char* what)
+{
     std::fprintf(stderr, "XM writer: %s\n", what);
     return false;
 }
 
-bool envelopeOk(const XmEnvelope& env) {
+bool envelopeOk(const XmEnvelope& env)
+{
     if (env.points.size() > kMaxEnvelopePoints)
         return false;
     const int n = static_cast<int>(env.points.size());
@@ -51,7 +59,8 @@ bool envelopeOk(const XmEnvelope& env) {
 
 }  // namespace
 
-bool XmWriter::check(const XmModule& m) {
+bool XmWriter::check(const XmModule& m)
+{
     if (m.channels < 2 || m.channels > 32 || m.channels % 2)
         return fail("channel count must be even and within 2..32");
     if (m.orders.empty() || m.orders.size() > 256)
@@ -91,33 +100,45 @@ bool XmWriter::check(const XmModule& m) {
     return true;
 }
 
-std::vector<uint8_t> XmWriter::packPattern(const XmPattern& pattern, int channels) {
+std::vector<uint8_t> XmWriter::packPattern(const XmPattern& pattern, int channels)
+{
     std::vector<uint8_t> out;
     const size_t cells = static_cast<size_t>(pattern.rows) * channels;
     for (size_t i = 0; i < cells && i < pattern.cells.size(); ++i) {
         const XmCell& c = pattern.cells[i];
         uint8_t mask = 0x80;
-        if (c.note) mask |= 1;
-        if (c.instrument) mask |= 2;
-        if (c.volume) mask |= 4;
-        if (c.effect) mask |= 8;
-        if (c.param) mask |= 16;
+        if (c.note)
+            mask |= 1;
+        if (c.instrument)
+            mask |= 2;
+        if (c.volume)
+            mask |= 4;
+        if (c.effect)
+            mask |= 8;
+        if (c.param)
+            mask |= 16;
         // A full cell is shorter unpacked; its first byte (the note) is below 0x80.
         if (mask == 0x9F) {
             out.insert(out.end(), {c.note, c.instrument, c.volume, c.effect, c.param});
             continue;
         }
         out.push_back(mask);
-        if (c.note) out.push_back(c.note);
-        if (c.instrument) out.push_back(c.instrument);
-        if (c.volume) out.push_back(c.volume);
-        if (c.effect) out.push_back(c.effect);
-        if (c.param) out.push_back(c.param);
+        if (c.note)
+            out.push_back(c.note);
+        if (c.instrument)
+            out.push_back(c.instrument);
+        if (c.volume)
+            out.push_back(c.volume);
+        if (c.effect)
+            out.push_back(c.effect);
+        if (c.param)
+            out.push_back(c.param);
     }
     return out;
 }
 
-std::vector<uint8_t> XmWriter::deltaEncode(const std::vector<int16_t>& frames) {
+std::vector<uint8_t> XmWriter::deltaEncode(const std::vector<int16_t>& frames)
+{
     std::vector<uint8_t> out;
     out.reserve(frames.size() * 2);
     uint16_t previous = 0;
@@ -129,7 +150,8 @@ std::vector<uint8_t> XmWriter::deltaEncode(const std::vector<int16_t>& frames) {
     return out;
 }
 
-void XmWriter::writeHeader(const XmModule& m, std::vector<uint8_t>& out) {
+void XmWriter::writeHeader(const XmModule& m, std::vector<uint8_t>& out)
+{
     putText(out, "Extended Module: ", 17);
     putText(out, m.name, 20);
     put8(out, 0x1A);
@@ -148,7 +170,8 @@ void XmWriter::writeHeader(const XmModule& m, std::vector<uint8_t>& out) {
         put8(out, i < m.orders.size() ? m.orders[i] : 0);
 }
 
-void XmWriter::writeEnvelope(const XmEnvelope& env, std::vector<uint8_t>& out) {
+void XmWriter::writeEnvelope(const XmEnvelope& env, std::vector<uint8_t>& out)
+{
     for (size_t i = 0; i < kMaxEnvelopePoints; ++i) {
         const bool used = i < env.points.size();
         put16(out, used ? env.points[i].tick : 0);
@@ -158,20 +181,27 @@ void XmWriter::writeEnvelope(const XmEnvelope& env, std::vector<uint8_t>& out) {
 
 namespace {
 
-uint8_t envelopeType(const XmEnvelope& env) {
+uint8_t envelopeType(const XmEnvelope& env)
+{
     if (!env.enabled())
         return 0;
     uint8_t type = 1;
-    if (env.sustain >= 0) type |= 2;
-    if (env.loopStart >= 0 && env.loopEnd >= env.loopStart) type |= 4;
+    if (env.sustain >= 0)
+        type |= 2;
+    if (env.loopStart >= 0 && env.loopEnd >= env.loopStart)
+        type |= 4;
     return type;
 }
 
-uint8_t pointIndex(int index) { return index < 0 ? 0 : static_cast<uint8_t>(index); }
+uint8_t pointIndex(int index)
+{
+    return index < 0 ? 0 : static_cast<uint8_t>(index);
+}
 
 }  // namespace
 
-void XmWriter::writeInstrument(const XmInstrument& ins, std::vector<uint8_t>& out) {
+void XmWriter::writeInstrument(const XmInstrument& ins, std::vector<uint8_t>& out)
+{
     const size_t start = out.size();
     const XmSample& s = ins.sample;
     put32(out, kInstrumentHeaderSize);
@@ -218,7 +248,8 @@ void XmWriter::writeInstrument(const XmInstrument& ins, std::vector<uint8_t>& ou
     out.insert(out.end(), data.begin(), data.end());
 }
 
-bool XmWriter::write(const XmModule& module, std::vector<uint8_t>& out) {
+bool XmWriter::write(const XmModule& module, std::vector<uint8_t>& out)
+{
     out.clear();
     if (!check(module))
         return false;
@@ -240,7 +271,8 @@ bool XmWriter::write(const XmModule& module, std::vector<uint8_t>& out) {
     return true;
 }
 
-bool XmWriter::writeFile(const XmModule& module, const std::string& path) {
+bool XmWriter::writeFile(const XmModule& module, const std::string& path)
+{
     std::vector<uint8_t> bytes;
     if (!write(module, bytes))
         return false;

@@ -6,7 +6,8 @@
 #include <cstdio>
 #include <filesystem>
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv)
+{
     if (argc != 2) {
         std::fprintf(stderr, "usage: velmora-compose <output.xm>\n");
         return 2;
@@ -19,7 +20,7 @@ int main(int argc, char** argv) {
     const auto bytes = std::filesystem::file_size(argv[1], ignored);
     const auto elapsed = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start);
     std::printf("velmora-compose: wrote %s (%ju bytes, %zu orders, %zu patterns, %zu instruments) in %.0f ms\n",
-                argv[1], static_cast<uintmax_t>(bytes), module.orders.size(), module.patterns.size(), module.instruments.size(),
-                elapsed.count());
+                argv[1], static_cast<uintmax_t>(bytes), module.orders.size(), module.patterns.size(),
+                module.instruments.size(), elapsed.count());
     return 0;
 }

@@ -15,8 +15,7 @@ bool AnimationWalker::walk()
     reader.enter("CANI");
     float fps = 0.0f;
     std::string name;
-    if (!reader.tag("CANI") || !reader.readFloats(&fps, 1, "frames per second") ||
-        !reader.readName(name, "name"))
+    if (!reader.tag("CANI") || !reader.readFloats(&fps, 1, "frames per second") || !reader.readName(name, "name"))
         return false;
     reader.line() << "CANI \"" << name << "\" frames per second " << Printing::real(fps) << "\n";
     if (!(fps > 0.0f))
@@ -68,8 +67,7 @@ bool AnimationWalker::walkKey(int index, int32_t& frame)
     if (!reader.tag("TCB0") || !reader.readInt(frame, "key frame") || !reader.readShort(flags, "key flags") ||
         !reader.readFloats(values, 8, "key values"))
         return false;
-    reader.line() << "  key " << index << " frame " << frame << " " << Printing::numbers(values + 5, 3)
-                  << " tcb " << Printing::numbers(values, 3) << " ease " << Printing::numbers(values + 3, 2)
-                  << "\n";
+    reader.line() << "  key " << index << " frame " << frame << " " << Printing::numbers(values + 5, 3) << " tcb "
+                  << Printing::numbers(values, 3) << " ease " << Printing::numbers(values + 3, 2) << "\n";
     return true;
 }

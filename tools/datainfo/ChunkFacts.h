@@ -30,17 +30,28 @@ struct ChunkFacts {
     static const char* describe(Kind kind)
     {
         switch (kind) {
-        case MESH_FILE: return "mesh file (MMGR, MESH)";
-        case OCTREE_FILE: return "octree file (MMGR, OCTT)";
-        case MATERIAL_SET: return "material set (MMGR)";
-        case CAMERA_ANIMATION: return "camera animation (CANI, two tracks)";
-        case MESH_ANIMATION: return "mesh animation (CANI, one track)";
-        case CAMERA_SET: return "camera set (CMGR)";
-        case LIGHT_SET: return "light set (LMGR)";
-        case TEXTURE_SET: return "texture list (TMGR)";
-        case BEZIER_MESH: return "Bezier mesh (BMSH)";
-        case TERRAIN: return "height-map terrain (TERA)";
-        default: return "chunk file";
+            case MESH_FILE:
+                return "mesh file (MMGR, MESH)";
+            case OCTREE_FILE:
+                return "octree file (MMGR, OCTT)";
+            case MATERIAL_SET:
+                return "material set (MMGR)";
+            case CAMERA_ANIMATION:
+                return "camera animation (CANI, two tracks)";
+            case MESH_ANIMATION:
+                return "mesh animation (CANI, one track)";
+            case CAMERA_SET:
+                return "camera set (CMGR)";
+            case LIGHT_SET:
+                return "light set (LMGR)";
+            case TEXTURE_SET:
+                return "texture list (TMGR)";
+            case BEZIER_MESH:
+                return "Bezier mesh (BMSH)";
+            case TERRAIN:
+                return "height-map terrain (TERA)";
+            default:
+                return "chunk file";
         }
     }
 };

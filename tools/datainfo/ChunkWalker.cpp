@@ -21,7 +21,7 @@ const long long minLightSize = 4 + 2 + 73;
 const long long minTextureEntrySize = 4 + 2;
 const long long patchSize = 16 * 3 * 4;
 
-} // namespace
+}  // namespace
 
 ChunkWalker::ChunkWalker(ChunkReader& r, ChunkFacts& f) : reader(r), facts(f) {}
 
@@ -224,8 +224,8 @@ bool ChunkWalker::walkLight(const std::string& tag)
         return false;
     reader.line() << tag << " \"" << name << "\" " << (on ? "on" : "off") << " attenuation "
                   << Printing::numbers(values, 3) << " position " << Printing::numbers(values + 15, 3) << "\n";
-    reader.line() << "  ambient " << Printing::numbers(values + 3, 4) << " diffuse "
-                  << Printing::numbers(values + 7, 4) << " specular " << Printing::numbers(values + 11, 4) << "\n";
+    reader.line() << "  ambient " << Printing::numbers(values + 3, 4) << " diffuse " << Printing::numbers(values + 7, 4)
+                  << " specular " << Printing::numbers(values + 11, 4) << "\n";
     if (tag == "SLIT") {
         float spot[5];
         if (!reader.readFloats(spot, 5, "spot fields"))
@@ -283,8 +283,8 @@ bool ChunkWalker::walkBezier()
     }
     reader.line() << "BMSH \"" << name << "\" material \"" << material << "\" patches " << count << "\n";
     if (count > 0)
-        reader.line() << "  control points from " << Printing::numbers(low, 3) << " to "
-                      << Printing::numbers(high, 3) << "\n";
+        reader.line() << "  control points from " << Printing::numbers(low, 3) << " to " << Printing::numbers(high, 3)
+                      << "\n";
     reader.leave();
     return true;
 }

@@ -37,7 +37,7 @@ bool Converter::convert(const std::string& input, const std::string& output, int
         // The container loader keeps the file's own format whatever it is asked for.
         if (format != 0 && format != natural)
             return fail(input, "a CTX1 file keeps its format " + std::to_string(natural) + "; it cannot become " +
-                               std::to_string(format));
+                                   std::to_string(format));
     } else {
         ImageReport image(out);
         if (!image.inspect(input, kind))

@@ -6,10 +6,10 @@
 #include "texture/Texture.h"
 #include "texture/TextureLoader.h"
 
+#include <zlib.h>
 #include <cstring>
 #include <fstream>
 #include <vector>
-#include <zlib.h>
 
 CtxReport::CtxReport(std::ostream& output) : out(output), format(0) {}
 

@@ -11,11 +11,11 @@
 #include "ImageReport.h"
 #include "XmReport.h"
 
+#include <unistd.h>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -52,7 +52,7 @@ std::string oneLine(std::string text)
     return text;
 }
 
-} // namespace
+}  // namespace
 
 DataInfo::DataInfo(std::ostream& output, std::ostream& errors) : out(output), err(errors) {}
 
@@ -120,8 +120,7 @@ bool DataInfo::info(const std::string& file, int format)
     if (kind == FileKind::MISSING || kind == FileKind::EMPTY || kind == FileKind::UNKNOWN)
         return report(file, FileKind::describe(kind));
     std::error_code ignored;
-    out << file << ": " << FileKind::describe(kind) << ", " << std::filesystem::file_size(file, ignored)
-        << " bytes\n";
+    out << file << ": " << FileKind::describe(kind) << ", " << std::filesystem::file_size(file, ignored) << " bytes\n";
     std::string problem;
     bool sound = true;
     if (kind == FileKind::CHUNKS) {

@@ -20,8 +20,8 @@
 #include "texture/TextureLoader.h"
 #include "texture/TextureMgr.h"
 
-#include <cstring>
 #include <strings.h>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -50,7 +50,7 @@ int keysOf(const Lin3Track* track)
     return track ? track->getNumKeys() : 0;
 }
 
-} // namespace
+}  // namespace
 
 EngineCheck::EngineCheck(std::ostream& output) : out(output) {}
 
@@ -92,13 +92,27 @@ bool EngineCheck::checkChunks(const std::string& file, const ChunkFacts& facts)
         return fail("loading it needs an OpenGL context and none can be opened");
     bool ok = false;
     switch (facts.kind) {
-    case ChunkFacts::MESH_FILE: ok = checkMesh(file); break;
-    case ChunkFacts::OCTREE_FILE: ok = checkOctree(file); break;
-    case ChunkFacts::CAMERA_ANIMATION: ok = checkCameraAnimation(file); break;
-    case ChunkFacts::MESH_ANIMATION: ok = checkMeshAnimation(file); break;
-    case ChunkFacts::BEZIER_MESH: ok = checkBezier(file); break;
-    case ChunkFacts::TERRAIN: ok = checkTerrain(file); break;
-    default: ok = checkSets(file, facts.kind); break;
+        case ChunkFacts::MESH_FILE:
+            ok = checkMesh(file);
+            break;
+        case ChunkFacts::OCTREE_FILE:
+            ok = checkOctree(file);
+            break;
+        case ChunkFacts::CAMERA_ANIMATION:
+            ok = checkCameraAnimation(file);
+            break;
+        case ChunkFacts::MESH_ANIMATION:
+            ok = checkMeshAnimation(file);
+            break;
+        case ChunkFacts::BEZIER_MESH:
+            ok = checkBezier(file);
+            break;
+        case ChunkFacts::TERRAIN:
+            ok = checkTerrain(file);
+            break;
+        default:
+            ok = checkSets(file, facts.kind);
+            break;
     }
     clearRegistries();
     return ok;
@@ -133,8 +147,8 @@ bool EngineCheck::checkOctree(const std::string& file)
     long long count = 0;
     for (bool r : reached)
         count += r ? 1 : 0;
-    out << "engine: Octree::load reads " << tree.getVertices()->getNumVertices() << " vertices and "
-        << reached.size() << " faces; its leaves reach " << count << " of them\n";
+    out << "engine: Octree::load reads " << tree.getVertices()->getNumVertices() << " vertices and " << reached.size()
+        << " faces; its leaves reach " << count << " of them\n";
     if (count < static_cast<long long>(reached.size()))
         return fail(std::to_string(reached.size() - count) + " faces lie in no leaf of the loaded tree");
     return true;
@@ -159,8 +173,7 @@ bool EngineCheck::checkMeshAnimation(const std::string& file)
         return fail("the engine's MeshAnimation::load refuses it");
     animation.setup();
     out << "engine: MeshAnimation::load reads " << keysOf(animation.getPositionTrack()) << " keys; last frame "
-        << animation.getLastFrame() << " at " << Printing::real(animation.getFramesPerSec())
-        << " frames per second\n";
+        << animation.getLastFrame() << " at " << Printing::real(animation.getFramesPerSec()) << " frames per second\n";
     return true;
 }
 
@@ -193,28 +206,28 @@ bool EngineCheck::checkSets(const std::string& file, ChunkFacts::Kind kind)
 {
     const char* path = file.c_str();
     switch (kind) {
-    case ChunkFacts::MATERIAL_SET:
-        if (!MaterialMgr::getHandle()->load(path))
-            return fail("the engine's MaterialMgr::load refuses it");
-        out << "engine: MaterialMgr::load reads " << MaterialMgr::getHandle()->getCount() << " materials\n";
-        return true;
-    case ChunkFacts::CAMERA_SET:
-        if (!CameraMgr::getHandle()->load(path))
-            return fail("the engine's CameraMgr::load refuses it");
-        out << "engine: CameraMgr::load registers " << CameraMgr::getHandle()->getNumCameras() << " cameras\n";
-        return true;
-    case ChunkFacts::LIGHT_SET:
-        if (!LightMgr::getHandle()->load(path))
-            return fail("the engine's LightMgr::load refuses it");
-        out << "engine: LightMgr::load reads " << LightMgr::getHandle()->getNumLights() << " lights\n";
-        return true;
-    case ChunkFacts::TEXTURE_SET:
-        // The engine writes 16-bit name lengths here and reads 32-bit ones, so it never reads its own list back.
-        out << "engine: not loaded; TextureMgr::load reads name lengths as 32 bits and cannot read this list\n";
-        return true;
-    default:
-        out << "engine: no load check for this kind yet\n";
-        return true;
+        case ChunkFacts::MATERIAL_SET:
+            if (!MaterialMgr::getHandle()->load(path))
+                return fail("the engine's MaterialMgr::load refuses it");
+            out << "engine: MaterialMgr::load reads " << MaterialMgr::getHandle()->getCount() << " materials\n";
+            return true;
+        case ChunkFacts::CAMERA_SET:
+            if (!CameraMgr::getHandle()->load(path))
+                return fail("the engine's CameraMgr::load refuses it");
+            out << "engine: CameraMgr::load registers " << CameraMgr::getHandle()->getNumCameras() << " cameras\n";
+            return true;
+        case ChunkFacts::LIGHT_SET:
+            if (!LightMgr::getHandle()->load(path))
+                return fail("the engine's LightMgr::load refuses it");
+            out << "engine: LightMgr::load reads " << LightMgr::getHandle()->getNumLights() << " lights\n";
+            return true;
+        case ChunkFacts::TEXTURE_SET:
+            // The engine writes 16-bit name lengths here and reads 32-bit ones, so it never reads its own list back.
+            out << "engine: not loaded; TextureMgr::load reads name lengths as 32 bits and cannot read this list\n";
+            return true;
+        default:
+            out << "engine: no load check for this kind yet\n";
+            return true;
     }
 }
 
@@ -226,8 +239,8 @@ bool EngineCheck::checkImage(const std::string& file, FileKind::Kind kind, int f
     if (!loader)
         return fail("the engine has no texture loader for this name");
     if (!wanted || strcasecmp(loader->getExtension(), wanted) != 0)
-        return fail(std::string("holds a ") + FileKind::describe(kind) + ", but the engine reads this name with its \"" +
-                    loader->getExtension() + "\" loader");
+        return fail(std::string("holds a ") + FileKind::describe(kind) +
+                    ", but the engine reads this name with its \"" + loader->getExtension() + "\" loader");
     // The container loader builds a mipmapped texture for every name without ".ctx".
     if (kind == FileKind::CTX1 && file.find(".ctx") == std::string::npos && !OffscreenGL::ensure())
         return fail("a mipmapped texture needs an OpenGL context and none can be opened");

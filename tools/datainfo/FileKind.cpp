@@ -12,7 +12,7 @@ bool startsWith(const unsigned char* head, size_t length, const char* magic, siz
     return length >= magicLength && std::memcmp(head, magic, magicLength) == 0;
 }
 
-} // namespace
+}  // namespace
 
 FileKind::Kind FileKind::detect(const std::string& file)
 {
@@ -68,32 +68,52 @@ std::string FileKind::extension(const std::string& file)
 const char* FileKind::describe(Kind kind)
 {
     switch (kind) {
-    case MISSING: return "cannot be opened";
-    case EMPTY: return "is empty";
-    case CHUNKS: return "chunk file of the engine";
-    case CTX1: return "CTX1 texture container";
-    case PNG: return "PNG image";
-    case JPEG: return "JPEG image";
-    case TIFF: return "TIFF image";
-    case PCX: return "PCX image";
-    case SGI: return "SGI image";
-    case TGA: return "Targa image";
-    case XM: return "FastTracker 2 module";
-    default: return "holds nothing the engine reads";
+        case MISSING:
+            return "cannot be opened";
+        case EMPTY:
+            return "is empty";
+        case CHUNKS:
+            return "chunk file of the engine";
+        case CTX1:
+            return "CTX1 texture container";
+        case PNG:
+            return "PNG image";
+        case JPEG:
+            return "JPEG image";
+        case TIFF:
+            return "TIFF image";
+        case PCX:
+            return "PCX image";
+        case SGI:
+            return "SGI image";
+        case TGA:
+            return "Targa image";
+        case XM:
+            return "FastTracker 2 module";
+        default:
+            return "holds nothing the engine reads";
     }
 }
 
 const char* FileKind::loaderExtensions(Kind kind)
 {
     switch (kind) {
-    case CTX1: return "ctx,mtx";
-    case PNG: return "png";
-    case JPEG: return "jpg";
-    case TIFF: return "tif";
-    case PCX: return "pcx";
-    case SGI: return "bw";
-    case TGA: return "tga";
-    default: return nullptr;
+        case CTX1:
+            return "ctx,mtx";
+        case PNG:
+            return "png";
+        case JPEG:
+            return "jpg";
+        case TIFF:
+            return "tif";
+        case PCX:
+            return "pcx";
+        case SGI:
+            return "bw";
+        case TGA:
+            return "tga";
+        default:
+            return nullptr;
     }
 }
 

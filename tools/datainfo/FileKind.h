@@ -9,7 +9,7 @@ public:
         MISSING,  // cannot be opened
         EMPTY,
         UNKNOWN,
-        CHUNKS,   // an engine chunk file: MMGR, CANI, CMGR, LMGR, TMGR, BMSH or TERA first
+        CHUNKS,  // an engine chunk file: MMGR, CANI, CMGR, LMGR, TMGR, BMSH or TERA first
         CTX1,
         PNG,
         JPEG,

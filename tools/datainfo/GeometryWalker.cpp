@@ -14,7 +14,7 @@ const long long vertexSize = 32;
 const long long minFaceSize = 2 + 2 + 12;
 const uint16_t knownNodeFlags = OctreeNode::HAS_CHILDREN | OctreeNode::HAS_FACES | OctreeNode::HAS_PVS;
 
-} // namespace
+}  // namespace
 
 GeometryWalker::GeometryWalker(ChunkReader& r, ChunkFacts& f) : reader(r), facts(f) {}
 
@@ -204,8 +204,8 @@ bool GeometryWalker::walkNode(int depth, TreeStats& stats)
 void GeometryWalker::printTree(const TreeStats& stats)
 {
     long long reached = std::count(stats.reached.begin(), stats.reached.end(), true);
-    reader.line() << "OCTN nodes " << stats.nodes << ", depth " << stats.depth << ", leaves " << stats.leaves
-                  << " (" << stats.emptyLeaves << " empty)\n";
+    reader.line() << "OCTN nodes " << stats.nodes << ", depth " << stats.depth << ", leaves " << stats.leaves << " ("
+                  << stats.emptyLeaves << " empty)\n";
     std::ostringstream average;
     average.precision(3);
     average << (stats.leaves > 0 ? static_cast<double>(stats.leafFaceRefs) / stats.leaves : 0.0);

@@ -4,16 +4,16 @@
 #include "FileBytes.h"
 #include "texture/TextureLoader.h"
 
-#include <cstring>
 #include <tiffio.h>
 #include <zlib.h>
+#include <cstring>
 
 namespace {
 
 // Larger files are not texture material; the check keeps a stray file from filling memory.
 const long long maxFileSize = 512LL * 1024 * 1024;
 
-} // namespace
+}  // namespace
 
 ImageReport::ImageReport(std::ostream& output) : out(output), natural(7) {}
 
@@ -44,13 +44,20 @@ bool ImageReport::inspect(const std::string& file, FileKind::Kind kind)
     if (!FileBytes::read(file, maxFileSize, "is too large for an image", bytes, problem))
         return false;
     switch (kind) {
-    case FileKind::PNG: return inspectPng();
-    case FileKind::JPEG: return inspectJpeg();
-    case FileKind::TIFF: return inspectTiff(file);
-    case FileKind::PCX: return inspectPcx();
-    case FileKind::SGI: return inspectSgi();
-    case FileKind::TGA: return inspectTga();
-    default: return fail("is not an image the engine reads");
+        case FileKind::PNG:
+            return inspectPng();
+        case FileKind::JPEG:
+            return inspectJpeg();
+        case FileKind::TIFF:
+            return inspectTiff(file);
+        case FileKind::PCX:
+            return inspectPcx();
+        case FileKind::SGI:
+            return inspectSgi();
+        case FileKind::TGA:
+            return inspectTga();
+        default:
+            return fail("is not an image the engine reads");
     }
 }
 
@@ -83,7 +90,8 @@ bool ImageReport::inspectPng()
             if (interlace)
                 return fail("the PNG is interlaced: the engine reads rows one at a time and refuses it");
             if (!TextureLoader::sizeUsable(w, h))
-                return fail("a " + std::to_string(w) + " x " + std::to_string(h) + " image is not a size the engine takes");
+                return fail("a " + std::to_string(w) + " x " + std::to_string(h) +
+                            " image is not a size the engine takes");
         }
         alpha = alpha || type == "tRNS";
         idat += type == "IDAT" ? length : 0;
@@ -160,8 +168,8 @@ bool ImageReport::inspectPcx()
     int w = static_cast<int>(littleEndian(8, 2)) - static_cast<int>(littleEndian(4, 2)) + 1;
     int h = static_cast<int>(littleEndian(10, 2)) - static_cast<int>(littleEndian(6, 2)) + 1;
     int perLine = static_cast<int>(littleEndian(66, 2));
-    out << "PCX " << w << " x " << h << ", version " << version << ", " << bits << " bits, " << planes
-        << " planes, " << perLine << " bytes a line\n";
+    out << "PCX " << w << " x " << h << ", version " << version << ", " << bits << " bits, " << planes << " planes, "
+        << perLine << " bytes a line\n";
     if (encoding != 1 || version < 5 || bits != 8 || planes != 1)
         return fail("the engine takes only run-length PCX files of version 5, 8 bits and one plane");
     if (w <= 0 || h <= 0 || perLine != w)

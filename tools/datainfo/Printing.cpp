@@ -27,10 +27,10 @@ std::string Printing::hex(unsigned long value, int digits)
 
 std::string Printing::format(int code)
 {
-    static const char* const names[] = {"GL_RED, 1 byte a pixel", "GL_GREEN, 1 byte a pixel",
-                                        "GL_BLUE, 1 byte a pixel", "GL_ALPHA, 1 byte a pixel",
+    static const char* const names[] = {"GL_RED, 1 byte a pixel",       "GL_GREEN, 1 byte a pixel",
+                                        "GL_BLUE, 1 byte a pixel",      "GL_ALPHA, 1 byte a pixel",
                                         "GL_LUMINANCE, 1 byte a pixel", "GL_LUMINANCE_ALPHA, 2 bytes a pixel",
-                                        "GL_RGB, 3 bytes a pixel", "GL_RGBA, 4 bytes a pixel"};
+                                        "GL_RGB, 3 bytes a pixel",      "GL_RGBA, 4 bytes a pixel"};
     if (code < 1 || code > 8)
         return "unknown";
     return names[code - 1];

@@ -3,15 +3,15 @@
 
 #include "FileBytes.h"
 
-#include <cstdio>
 #include <libopenmpt/libopenmpt.h>
+#include <cstdio>
 
 namespace {
 
 const long long maxFileSize = 256LL * 1024 * 1024;
 const size_t headerStart = 60;
 
-} // namespace
+}  // namespace
 
 XmReport::XmReport(std::ostream& output) : out(output) {}
 
@@ -48,8 +48,8 @@ bool XmReport::inspect(const std::string& file)
     unsigned orders = word(64), channels = word(68), patterns = word(70), instruments = word(72);
     std::string title(reinterpret_cast<const char*>(&bytes[17]), 20);
     title = title.substr(0, title.find_last_not_of(std::string(" \0", 2)) + 1);
-    out << "XM \"" << title << "\", " << channels << " channels, " << orders << " orders, " << patterns
-        << " patterns, " << instruments << " instruments, speed " << word(76) << ", " << word(78) << " BPM\n";
+    out << "XM \"" << title << "\", " << channels << " channels, " << orders << " orders, " << patterns << " patterns, "
+        << instruments << " instruments, speed " << word(76) << ", " << word(78) << " BPM\n";
     if (channels == 0 || channels > 64 || patterns > 256 || instruments > 256 || orders > 256)
         return fail("XM header counts out of range");
     size_t at = headerStart + headerSize;
@@ -109,9 +109,9 @@ bool XmReport::askPlayer()
 {
     int error = 0;
     const char* message = nullptr;
-    openmpt_module* module = openmpt_module_create_from_memory2(bytes.data(), bytes.size(), openmpt_log_func_silent,
-                                                                nullptr, openmpt_error_func_ignore, nullptr, &error,
-                                                                &message, nullptr);
+    openmpt_module* module =
+        openmpt_module_create_from_memory2(bytes.data(), bytes.size(), openmpt_log_func_silent, nullptr,
+                                           openmpt_error_func_ignore, nullptr, &error, &message, nullptr);
     std::string text = message ? message : "";
     openmpt_free_string(message);
     if (!module)

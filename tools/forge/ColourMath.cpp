@@ -5,12 +5,12 @@
 
 Rgba ColourMath::shade(Rgba c, double k)
 {
-    return Rgba{ (float)(c.r * k), (float)(c.g * k), (float)(c.b * k), c.a };
+    return Rgba{(float)(c.r * k), (float)(c.g * k), (float)(c.b * k), c.a};
 }
 
 Rgba ColourMath::mix(Rgba a, Rgba b, double t)
 {
-    return Rgba{ (float)Maths::mix(a.r, b.r, t), (float)Maths::mix(a.g, b.g, t), (float)Maths::mix(a.b, b.b, t), 1.0f };
+    return Rgba{(float)Maths::mix(a.r, b.r, t), (float)Maths::mix(a.g, b.g, t), (float)Maths::mix(a.b, b.b, t), 1.0f};
 }
 
 Rgba ColourMath::mixWithAlpha(Rgba a, Rgba b, double t)

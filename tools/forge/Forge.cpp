@@ -87,7 +87,8 @@ void Forge::record(const std::string& relative, bool ok)
 bool Forge::savePicture(const TextureFile& picture, const Image& image)
 {
     const ForgedFile* entry = listed(picture.file);
-    if (entry && (entry->width != image.width() || entry->height != image.height() || entry->format != picture.format)) {
+    if (entry &&
+        (entry->width != image.width() || entry->height != image.height() || entry->format != picture.format)) {
         fail(std::string(picture.file) + " is not the size or format its unit lists");
         return false;
     }

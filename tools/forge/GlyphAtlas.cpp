@@ -33,7 +33,7 @@ bool measure(TextRaster& text, Extent& e)
     return true;
 }
 
-} // namespace
+}  // namespace
 
 bool GlyphAtlas::cellOf(int character, int& x, int& y)
 {
@@ -73,7 +73,7 @@ bool GlyphAtlas::build(const std::string& fontPath)
     const int baseline = 1 + e.top + (inkHeight - (e.top + e.bottom)) / 2;
 
     // Clear texels stay white so filtering never darkens a glyph's edge.
-    atlas = Image(size, size, Rgba{ 1.0f, 1.0f, 1.0f, 0.0f });
+    atlas = Image(size, size, Rgba{1.0f, 1.0f, 1.0f, 0.0f});
     TextRaster::Glyph g;
     for (int c = firstChar; c <= lastChar; ++c) {
         int cx = 0;

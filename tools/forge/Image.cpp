@@ -34,23 +34,17 @@ struct Accum {
     Rgba result(double totalWeight) const
     {
         if (a <= 1e-12)
-            return Rgba{ 0.0f, 0.0f, 0.0f, 0.0f };
-        return Rgba{ (float)(r / a), (float)(g / a), (float)(b / a), (float)(a / totalWeight) };
+            return Rgba{0.0f, 0.0f, 0.0f, 0.0f};
+        return Rgba{(float)(r / a), (float)(g / a), (float)(b / a), (float)(a / totalWeight)};
     }
 };
 
-} // namespace
+}  // namespace
 
-Image::Image()
-    : w(0)
-    , h(0)
-{
-}
+Image::Image() : w(0), h(0) {}
 
 Image::Image(int width, int height, Rgba fill)
-    : w(width > 0 ? width : 0)
-    , h(height > 0 ? height : 0)
-    , pixels((size_t)w * h, fill)
+    : w(width > 0 ? width : 0), h(height > 0 ? height : 0), pixels((size_t)w * h, fill)
 {
 }
 
@@ -103,7 +97,7 @@ void Image::blend(int x, int y, Rgba c, double coverage)
     const double da = d.a * (1.0 - sa);
     const double oa = sa + da;
     if (oa <= 1e-12) {
-        d = Rgba{ c.r, c.g, c.b, 0.0f };
+        d = Rgba{c.r, c.g, c.b, 0.0f};
         return;
     }
     d.r = (float)((c.r * sa + d.r * da) / oa);
@@ -217,7 +211,8 @@ Image Image::blurred(double sigma, Edge edge) const
     if (lower % 2 == 0)
         --lower;
     const int upper = lower + 2;
-    const double m = (12.0 * sigma * sigma - passes * lower * lower - 4.0 * passes * lower - 3.0 * passes) / (-4.0 * lower - 4.0);
+    const double m =
+        (12.0 * sigma * sigma - passes * lower * lower - 4.0 * passes * lower - 3.0 * passes) / (-4.0 * lower - 4.0);
     const int lowerCount = (int)std::floor(m + 0.5);
 
     const size_t count = (size_t)w * h;
@@ -243,7 +238,7 @@ Image Image::blurred(double sigma, Edge edge) const
         const double a = planes[3][i];
         if (a <= 1e-9)
             continue;
-        out.pixels[i] = Rgba{ (float)(planes[0][i] / a), (float)(planes[1][i] / a), (float)(planes[2][i] / a), (float)a };
+        out.pixels[i] = Rgba{(float)(planes[0][i] / a), (float)(planes[1][i] / a), (float)(planes[2][i] / a), (float)a};
     }
     return out;
 }

@@ -19,7 +19,7 @@ public:
     enum Edge { Clamp, Wrap };
 
     Image();
-    Image(int width, int height, Rgba fill = Rgba{ 0.0f, 0.0f, 0.0f, 0.0f });
+    Image(int width, int height, Rgba fill = Rgba{0.0f, 0.0f, 0.0f, 0.0f});
 
     // A size x size picture whose pixel (x, y) is pixel(u, v, x, y), u and v
     // being the pixel centre in [0, 1]; rows are filled top first.

@@ -8,8 +8,7 @@ namespace {
 // 1/n! for the series below, built at compile time.
 struct Factorials {
     double inverse[24];
-    constexpr Factorials()
-        : inverse()
+    constexpr Factorials() : inverse()
     {
         double f = 1.0;
         inverse[0] = 1.0;
@@ -59,7 +58,7 @@ double atanUnit(double x)
     return sum * scale;
 }
 
-} // namespace
+}  // namespace
 
 double Maths::sin(double x)
 {
@@ -101,7 +100,7 @@ double Maths::log(double x)
     if (x <= 0.0)
         return -1e300;
     int e = 0;
-    const double m = std::frexp(x, &e); // m in [0.5, 1)
+    const double m = std::frexp(x, &e);  // m in [0.5, 1)
     // log(m) = 2 atanh((m - 1) / (m + 1)), a fast series for m near 1.
     const double s = (m - 1.0) / (m + 1.0);
     const double s2 = s * s;

@@ -17,12 +17,12 @@ double Vec3::length() const
 Vec3 Vec3::normalised() const
 {
     const double l = length();
-    return l > 1e-12 ? *this * (1.0 / l) : Vec3{ 0.0, 1.0, 0.0 };
+    return l > 1e-12 ? *this * (1.0 / l) : Vec3{0.0, 1.0, 0.0};
 }
 
 int MeshBuilder::vertex(const Vec3& position, double u, double v)
 {
-    points.push_back(Point{ position, u, v });
+    points.push_back(Point{position, u, v});
     return (int)points.size() - 1;
 }
 
@@ -31,7 +31,7 @@ void MeshBuilder::triangle(int a, int b, int c, int material)
     const Vec3 n = (points[b].position - points[a].position).cross(points[c].position - points[a].position);
     if (n.length() < 1e-10)
         return;
-    triangles.push_back(Triangle{ { a, b, c }, material });
+    triangles.push_back(Triangle{{a, b, c}, material});
 }
 
 void MeshBuilder::quad(int a, int b, int c, int d, int material)
@@ -40,7 +40,8 @@ void MeshBuilder::quad(int a, int b, int c, int d, int material)
     triangle(a, c, d, material);
 }
 
-void MeshBuilder::surface(int rows, int columns, bool closeColumns, int material, const std::function<Vec3(int, int)>& point)
+void MeshBuilder::surface(int rows, int columns, bool closeColumns, int material,
+                          const std::function<Vec3(int, int)>& point)
 {
     const int first = (int)points.size();
     for (int r = 0; r < rows; ++r)
@@ -50,7 +51,8 @@ void MeshBuilder::surface(int rows, int columns, bool closeColumns, int material
     for (int r = 0; r + 1 < rows; ++r) {
         for (int c = 0; c < spans; ++c) {
             const int c1 = (c + 1) % columns;
-            quad(first + r * columns + c, first + r * columns + c1, first + (r + 1) * columns + c1, first + (r + 1) * columns + c, material);
+            quad(first + r * columns + c, first + r * columns + c1, first + (r + 1) * columns + c1,
+                 first + (r + 1) * columns + c, material);
         }
     }
 }
@@ -65,7 +67,7 @@ void MeshBuilder::twoSided(int rows, int columns, int material, const std::funct
 void MeshBuilder::frame(const Vec3& axis, Vec3& side, Vec3& up)
 {
     const Vec3 a = axis.normalised();
-    const Vec3 helper = std::fabs(a.y) < 0.9 ? Vec3{ 0.0, 1.0, 0.0 } : Vec3{ 1.0, 0.0, 0.0 };
+    const Vec3 helper = std::fabs(a.y) < 0.9 ? Vec3{0.0, 1.0, 0.0} : Vec3{1.0, 0.0, 0.0};
     side = a.cross(helper).normalised();
     up = side.cross(a).normalised();
 }
@@ -105,7 +107,7 @@ void MeshBuilder::fanFacing(const std::vector<Vec3>& polygon, const Vec3& outwar
     for (size_t i = 0; i < polygon.size(); ++i) {
         const Vec3& a = polygon[i];
         const Vec3& b = polygon[(i + 1) % polygon.size()];
-        normal = normal + Vec3{ (a.y - b.y) * (a.z + b.z), (a.z - b.z) * (a.x + b.x), (a.x - b.x) * (a.y + b.y) };
+        normal = normal + Vec3{(a.y - b.y) * (a.z + b.z), (a.z - b.z) * (a.x + b.x), (a.x - b.x) * (a.y + b.y)};
     }
     if (normal.dot(outward) >= 0.0) {
         fan(polygon, material);
@@ -173,8 +175,8 @@ Mesh* MeshBuilder::build(bool clockwise, const std::vector<Material*>& materials
     for (size_t i = 0; i < points.size(); ++i) {
         const Point& p = points[i];
         const Vec3 n = normals[i].normalised();
-        vertices->addVertex(Vector3((float)p.position.x, (float)p.position.y, (float)p.position.z), Vector2((float)p.u, (float)p.v),
-            Vector3((float)n.x, (float)n.y, (float)n.z));
+        vertices->addVertex(Vector3((float)p.position.x, (float)p.position.y, (float)p.position.z),
+                            Vector2((float)p.u, (float)p.v), Vector3((float)n.x, (float)n.y, (float)n.z));
     }
     for (size_t i = 0; i < triangles.size(); ++i) {
         const Triangle& t = triangles[i];

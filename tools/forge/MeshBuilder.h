@@ -12,11 +12,11 @@ struct Vec3 {
     double y = 0.0;
     double z = 0.0;
 
-    Vec3 operator+(const Vec3& o) const { return Vec3{ x + o.x, y + o.y, z + o.z }; }
-    Vec3 operator-(const Vec3& o) const { return Vec3{ x - o.x, y - o.y, z - o.z }; }
-    Vec3 operator*(double s) const { return Vec3{ x * s, y * s, z * s }; }
+    Vec3 operator+(const Vec3& o) const { return Vec3{x + o.x, y + o.y, z + o.z}; }
+    Vec3 operator-(const Vec3& o) const { return Vec3{x - o.x, y - o.y, z - o.z}; }
+    Vec3 operator*(double s) const { return Vec3{x * s, y * s, z * s}; }
     double dot(const Vec3& o) const { return x * o.x + y * o.y + z * o.z; }
-    Vec3 cross(const Vec3& o) const { return Vec3{ y * o.z - z * o.y, z * o.x - x * o.z, x * o.y - y * o.x }; }
+    Vec3 cross(const Vec3& o) const { return Vec3{y * o.z - z * o.y, z * o.x - x * o.z, x * o.y - y * o.x}; }
     double length() const;
     Vec3 normalised() const;
 };

@@ -17,7 +17,7 @@ public:
     static bool write(Forge& forge, const std::string& path, const MeshBuilder& builder, bool clockwise,
                       const std::vector<Material*>& materials);
     // An untextured material with these colours.
-    static Material* colourMaterial(const char* name, const Color& ambient, const Color& diffuse,
-                                    const Color& specular, float shininess);
+    static Material* colourMaterial(const char* name, const Color& ambient, const Color& diffuse, const Color& specular,
+                                    float shininess);
     static Color grey(float v) { return Color(v, v, v, 1.0f); }
 };

@@ -19,15 +19,14 @@ double fade(double t)
     return t * t * t * (t * (t * 6.0 - 15.0) + 10.0);
 }
 
-} // namespace
+}  // namespace
 
-Noise::Noise(uint32_t seed)
-    : seed(seed)
+Noise::Noise(uint32_t seed) : seed(seed)
 {
     // Evenly spread unit directions keep the noise free of axis bias.
     for (int i = 0; i < 256; ++i) {
         const double angle = i * (2.0 * Maths::pi / 256.0);
-        directions[i] = Direction{ Maths::cos(angle), Maths::sin(angle) };
+        directions[i] = Direction{Maths::cos(angle), Maths::sin(angle)};
     }
 }
 
@@ -105,7 +104,7 @@ Noise::Cells Noise::cellular(double x, double y, int period) const
         period = 1;
     const int ix = (int)std::floor(x);
     const int iy = (int)std::floor(y);
-    Cells cells{ 9.0, 9.0 };
+    Cells cells{9.0, 9.0};
     for (int dy = -1; dy <= 1; ++dy) {
         for (int dx = -1; dx <= 1; ++dx) {
             const int cx = ix + dx;

@@ -6,13 +6,10 @@
 #include <algorithm>
 #include <cmath>
 
-Painter::Painter(Image& target)
-    : image(target)
-    , feather(1.0)
-{
-}
+Painter::Painter(Image& target) : image(target), feather(1.0) {}
 
-void Painter::cover(double x0, double y0, double x1, double y1, const std::function<double(double, double)>& distance, Rgba colour)
+void Painter::cover(double x0, double y0, double x1, double y1, const std::function<double(double, double)>& distance,
+                    Rgba colour)
 {
     const int ix0 = std::max(0, (int)std::floor(x0 - feather - 1.0));
     const int iy0 = std::max(0, (int)std::floor(y0 - feather - 1.0));
@@ -30,7 +27,8 @@ void Painter::cover(double x0, double y0, double x1, double y1, const std::funct
 
 void Painter::disc(double cx, double cy, double radius, Rgba colour)
 {
-    cover(cx - radius, cy - radius, cx + radius, cy + radius,
+    cover(
+        cx - radius, cy - radius, cx + radius, cy + radius,
         [=](double x, double y) { return std::sqrt((x - cx) * (x - cx) + (y - cy) * (y - cy)) - radius; }, colour);
 }
 
@@ -39,7 +37,8 @@ void Painter::ellipse(double cx, double cy, double rx, double ry, Rgba colour)
     if (rx <= 0.0 || ry <= 0.0)
         return;
     // Scaled circle distance, corrected by the local stretch: close enough for soft edges.
-    cover(cx - rx, cy - ry, cx + rx, cy + ry,
+    cover(
+        cx - rx, cy - ry, cx + rx, cy + ry,
         [=](double x, double y) {
             const double nx = (x - cx) / rx;
             const double ny = (y - cy) / ry;
@@ -56,7 +55,8 @@ void Painter::ellipse(double cx, double cy, double rx, double ry, Rgba colour)
 void Painter::ring(double cx, double cy, double radius, double thickness, Rgba colour)
 {
     const double outer = radius + thickness * 0.5;
-    cover(cx - outer, cy - outer, cx + outer, cy + outer,
+    cover(
+        cx - outer, cy - outer, cx + outer, cy + outer,
         [=](double x, double y) {
             const double r = std::sqrt((x - cx) * (x - cx) + (y - cy) * (y - cy));
             return std::fabs(r - radius) - thickness * 0.5;
@@ -79,7 +79,8 @@ double Painter::segmentDistance(Point a, Point b, double x, double y)
 void Painter::line(Point a, Point b, double width, Rgba colour)
 {
     const double r = width * 0.5;
-    cover(std::min(a.x, b.x) - r, std::min(a.y, b.y) - r, std::max(a.x, b.x) + r, std::max(a.y, b.y) + r,
+    cover(
+        std::min(a.x, b.x) - r, std::min(a.y, b.y) - r, std::max(a.x, b.x) + r, std::max(a.y, b.y) + r,
         [=](double x, double y) { return segmentDistance(a, b, x, y) - r; }, colour);
 }
 
@@ -95,7 +96,8 @@ void Painter::roundRect(double x0, double y0, double x1, double y1, double radiu
     const double hx = std::fabs(x1 - x0) * 0.5;
     const double hy = std::fabs(y1 - y0) * 0.5;
     const double r = std::min(radius, std::min(hx, hy));
-    cover(cx - hx, cy - hy, cx + hx, cy + hy,
+    cover(
+        cx - hx, cy - hy, cx + hx, cy + hy,
         [=](double x, double y) {
             const double qx = std::fabs(x - cx) - (hx - r);
             const double qy = std::fabs(y - cy) - (hy - r);
@@ -134,7 +136,8 @@ void Painter::polygon(const std::vector<Point>& points, Rgba colour)
         y0 = std::min(y0, p.y);
         y1 = std::max(y1, p.y);
     }
-    cover(x0, y0, x1, y1, [&points](double x, double y) { return polygonDistance(points, x, y); }, colour);
+    cover(
+        x0, y0, x1, y1, [&points](double x, double y) { return polygonDistance(points, x, y); }, colour);
 }
 
 void Painter::glow(double cx, double cy, double radius, Rgba colour, double strength)

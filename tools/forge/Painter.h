@@ -35,7 +35,8 @@ public:
 
 private:
     // Blends colour into the box wherever the distance function is below zero.
-    void cover(double x0, double y0, double x1, double y1, const std::function<double(double, double)>& distance, Rgba colour);
+    void cover(double x0, double y0, double x1, double y1, const std::function<double(double, double)>& distance,
+               Rgba colour);
 
     Image& image;
     double feather;

@@ -10,9 +10,7 @@
 
 namespace {
 
-void onWarning(png_structp, png_const_charp)
-{
-}
+void onWarning(png_structp, png_const_charp) {}
 
 // Runs the libpng calls; kept apart so that no C++ object lives across the setjmp.
 bool encode(FILE* file, const uint8_t* bytes, int width, int height, int channels)
@@ -33,7 +31,7 @@ bool encode(FILE* file, const uint8_t* bytes, int width, int height, int channel
     png_set_compression_level(png, 6);
     const int type = channels == 4 ? PNG_COLOR_TYPE_RGBA : PNG_COLOR_TYPE_RGB;
     png_set_IHDR(png, info, (png_uint_32)width, (png_uint_32)height, 8, type, PNG_INTERLACE_NONE,
-        PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_write_info(png, info);
     const size_t stride = (size_t)width * channels;
     for (int y = 0; y < height; ++y)
@@ -43,7 +41,7 @@ bool encode(FILE* file, const uint8_t* bytes, int width, int height, int channel
     return true;
 }
 
-} // namespace
+}  // namespace
 
 bool PngWriter::write(const std::string& path, const std::vector<uint8_t>& bytes, int width, int height, int channels)
 {

@@ -10,12 +10,9 @@ uint64_t mix64(uint64_t z)
     return z ^ (z >> 31);
 }
 
-} // namespace
+}  // namespace
 
-Random::Random(uint64_t seed)
-    : state(seed)
-{
-}
+Random::Random(uint64_t seed) : state(seed) {}
 
 uint32_t Random::next()
 {

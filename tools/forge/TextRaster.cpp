@@ -6,12 +6,7 @@
 
 #include <cmath>
 
-TextRaster::TextRaster()
-    : library(nullptr)
-    , face(nullptr)
-    , hinting(true)
-{
-}
+TextRaster::TextRaster() : library(nullptr), face(nullptr), hinting(true) {}
 
 TextRaster::~TextRaster()
 {
@@ -134,7 +129,8 @@ double TextRaster::draw(Image& image, const std::string& text, double x, double 
     return pen - x;
 }
 
-double TextRaster::drawCentred(Image& image, const std::string& text, double centreX, double baseline, Rgba colour, double tracking)
+double TextRaster::drawCentred(Image& image, const std::string& text, double centreX, double baseline, Rgba colour,
+                               double tracking)
 {
     const double width = measure(text, tracking);
     return draw(image, text, centreX - width * 0.5, baseline, colour, tracking);

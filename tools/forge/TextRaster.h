@@ -43,7 +43,8 @@ public:
     double measure(const std::string& text, double tracking = 0.0);
     // Draws with the baseline's left end at (x, baseline); returns the advance.
     double draw(Image& image, const std::string& text, double x, double baseline, Rgba colour, double tracking = 0.0);
-    double drawCentred(Image& image, const std::string& text, double centreX, double baseline, Rgba colour, double tracking = 0.0);
+    double drawCentred(Image& image, const std::string& text, double centreX, double baseline, Rgba colour,
+                       double tracking = 0.0);
     // Distance from baseline to the top of capitals, in pixels.
     double capHeight();
 

@@ -116,8 +116,7 @@ private:
 
     // A face the overlap test lost to rounding goes to the octant of its centroid,
     // so that no face ever drops out of the tree.
-    void keepStrays(const BoundingBox& box, const std::vector<uint32_t>& list,
-                    std::vector<uint32_t>* parts) const
+    void keepStrays(const BoundingBox& box, const std::vector<uint32_t>& list, std::vector<uint32_t>* parts) const
     {
         std::vector<int> seen(triangles.size(), 0);
         for (int i = 0; i < OctreeNode::NUM_CHILDREN; ++i)

@@ -73,7 +73,7 @@ TEST(BenchFrames, ScenesStartOnTheirFirstFrameAndAFadeAcrossTheCutCoversIt)
     late.addFrame(16.5, 1.0);
     const std::vector<BenchReport::FrameKind> lateKinds = late.classify(sample());
     EXPECT_EQ(lateKinds, (std::vector<BenchReport::FrameKind>{BenchReport::RUN_START, BenchReport::SCENE_START,
-                                                             BenchReport::PLAIN_FRAME}));
+                                                              BenchReport::PLAIN_FRAME}));
     EXPECT_TRUE(BenchReport().classify(sample()).empty());
 }
 

@@ -14,7 +14,7 @@ bool parse(CaptureOptions& options, std::vector<const char*> words, std::string&
     return options.parse(static_cast<int>(words.size()), words.data(), error);
 }
 
-}
+}  // namespace
 
 TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)
 {
@@ -46,8 +46,8 @@ TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)
         {{"--bench", "--csv="}, "non-empty"},
     };
     std::vector<std::pair<std::vector<const char*>, const char*>> all = cases;
-    for (const char* size : {"640", "640x", "640X480", "640x480x2", "6a0x480", " 640x480", "+640x480", "0x480", "-640x480",
-                             "8193x100", "99999999999x1"})
+    for (const char* size : {"640", "640x", "640X480", "640x480x2", "6a0x480", " 640x480", "+640x480", "0x480",
+                             "-640x480", "8193x100", "99999999999x1"})
         all.push_back({{"--size", size}, "--size"});
     for (const char* rate : {"0", "-5", "1001", "2.5", "ten", "", "30fps"})
         all.push_back({{"--fps", rate}, "--fps"});

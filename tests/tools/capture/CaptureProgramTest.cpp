@@ -6,12 +6,12 @@
 #include "ContactSheet.h"
 #include "TestFiles.h"
 
-#include <algorithm>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -69,7 +69,8 @@ double coveredShare(const std::vector<uint8_t>& rgb)
 std::string probedText(const std::string& file, const char* stream, const std::string& key)
 {
     const std::string text = runInBuildDir(std::string("ffprobe -v error -count_frames -select_streams ") + stream +
-                                           " -show_entries stream=" + key + " -of default=nw=1 '" + file + "'").out;
+                                           " -show_entries stream=" + key + " -of default=nw=1 '" + file + "'")
+                                 .out;
     const size_t at = text.find(key + "=");
     return at == std::string::npos ? "" : text.substr(at + key.size() + 1, text.find('\n', at) - at - key.size() - 1);
 }
@@ -108,7 +109,7 @@ protected:
     void TearDown() override { removeTree(dir); }
 };
 
-}
+}  // namespace
 
 TEST_F(CaptureProgram, EveryScenesConsecutiveFramesDiffer)
 {
@@ -269,7 +270,8 @@ TEST_F(CaptureProgram, BenchJudgesEveryEntryBesideTheEmptyFrameAndWritesItsFrame
 
 TEST_F(CaptureProgram, RunsWithNoXServer)
 {
-    ProgramRun run = capture("--shot 35.5,100 --shot-dir " + dir + " --size 32x32", "env -u DISPLAY -u WAYLAND_DISPLAY");
+    ProgramRun run =
+        capture("--shot 35.5,100 --shot-dir " + dir + " --size 32x32", "env -u DISPLAY -u WAYLAND_DISPLAY");
     ASSERT_EQ(run.status, 0) << (run.out + run.err);
     int width = 0, height = 0;
     std::vector<uint8_t> rgb;

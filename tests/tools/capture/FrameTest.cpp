@@ -6,16 +6,16 @@
 #include "support/GLContext.h"
 
 #include <GL/gl.h>
+#include <unistd.h>
 #include <cstdio>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
 class FrameReadBack : public GLTest {};
 
-}
+}  // namespace
 
 TEST_F(FrameReadBack, TopOfTheScreenIsTheFirstRowAndOddWidthsHaveNoPadding)
 {

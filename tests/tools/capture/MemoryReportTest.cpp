@@ -26,7 +26,7 @@ bool parseWords(CaptureOptions& options, std::vector<const char*> words, std::st
     return options.parse(static_cast<int>(words.size()), words.data(), error);
 }
 
-}
+}  // namespace
 
 TEST(MemoryProbeParse, ReadsTheFigureOfALineStartingWithTheKeyAndRefusesMalformedFigures)
 {
@@ -103,8 +103,9 @@ TEST(MemoryReportGrowth, HighestSinceTheLastSceneLessItsFirstFrame)
     EXPECT_EQ(report.growthAfterLastStart(), 40);
     std::ostringstream summary;
     report.printSummary(summary);
-    EXPECT_EQ(summary.str(), "memory since the last scene started at 2.000 s: first 300 kB, highest 340 kB, "
-                             "last 310 kB, growth 40 kB\n");
+    EXPECT_EQ(summary.str(),
+              "memory since the last scene started at 2.000 s: first 300 kB, highest 340 kB, "
+              "last 310 kB, growth 40 kB\n");
 }
 
 TEST(MemoryReportGrowth, ARunEndingBeforeTheLastSceneGivesNoVerdict)

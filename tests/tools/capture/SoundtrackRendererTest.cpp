@@ -15,7 +15,7 @@ bool anySound(const std::vector<int16_t>& samples)
     return std::any_of(samples.begin(), samples.end(), [](int16_t sample) { return sample != 0; });
 }
 
-}
+}  // namespace
 
 TEST(SoundtrackRenderer, MissingAndForeignFilesAreRefusedAndRenderSilence)
 {

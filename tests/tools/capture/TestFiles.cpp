@@ -2,12 +2,12 @@
 #include "TestFiles.h"
 
 #include <png.h>
-#include <cstring>
+#include <sys/wait.h>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sys/wait.h>
 
 std::string readWholeFile(const std::string& path)
 {
@@ -33,8 +33,8 @@ ProgramRun runInBuildDir(const std::string& command, const std::string& environm
 {
     ProgramRun run;
     const std::string logs = makeTemporaryDir();
-    const std::string line = "cd '" VELMORA_BINARY_DIR "' && " + environment + " " + command + " >'" + logs +
-                             "/out' 2>'" + logs + "/err'";
+    const std::string line =
+        "cd '" VELMORA_BINARY_DIR "' && " + environment + " " + command + " >'" + logs + "/out' 2>'" + logs + "/err'";
     const int raw = std::system(line.c_str());
     run.status = (raw != -1 && WIFEXITED(raw)) ? WEXITSTATUS(raw) : -1;
     run.out = readWholeFile(logs + "/out");

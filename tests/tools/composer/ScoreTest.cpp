@@ -1,12 +1,13 @@
 // Tests of the score grid: writes at its edges, and cutting it into patterns and orders.
 #include "tools/composer/Score.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
+#include <algorithm>
 
 namespace {
 
-std::vector<int> orderStarts(const XmModule& m) {
+std::vector<int> orderStarts(const XmModule& m)
+{
     std::vector<int> starts;
     int row = 0;
     for (uint8_t o : m.orders) {
@@ -19,7 +20,8 @@ std::vector<int> orderStarts(const XmModule& m) {
 
 }  // namespace
 
-TEST(ScoreWriting, OutsideTheGridOrKeyboardIsIgnored) {
+TEST(ScoreWriting, OutsideTheGridOrKeyboardIsIgnored)
+{
     Score s(4, 2);
     s.note(-1, 0, 49, 1, 64);
     s.note(4, 0, 49, 1, 64);
@@ -28,13 +30,15 @@ TEST(ScoreWriting, OutsideTheGridOrKeyboardIsIgnored) {
     s.note(0, 1, 97, 1, 10);
     s.volume(0, -1, 10);
     for (int r = 0; r < 4; ++r)
-        for (int c = 0; c < 2; ++c) EXPECT_TRUE(s.at(r, c).empty());
+        for (int c = 0; c < 2; ++c)
+            EXPECT_TRUE(s.at(r, c).empty());
     EXPECT_TRUE(s.at(99, 99).empty());
 }
 
-TEST(ScoreCutting, SectionsStartNewPatternsAndCellsKeepTheirPlace) {
+TEST(ScoreCutting, SectionsStartNewPatternsAndCellsKeepTheirPlace)
+{
     Score s(300, 4);
-    s.markSection(0);    // edges and repeats change nothing
+    s.markSection(0);  // edges and repeats change nothing
     s.markSection(300);
     s.markSection(100);
     s.markSection(37);
@@ -47,7 +51,8 @@ TEST(ScoreCutting, SectionsStartNewPatternsAndCellsKeepTheirPlace) {
     EXPECT_EQ(300, starts.back());
     EXPECT_NE(starts.end(), std::find(starts.begin(), starts.end(), 37));
     EXPECT_NE(starts.end(), std::find(starts.begin(), starts.end(), 100));
-    for (uint8_t o : m.orders) EXPECT_LE(m.patterns[o].rows, 64);
+    for (uint8_t o : m.orders)
+        EXPECT_LE(m.patterns[o].rows, 64);
     // 37-99 is the second order: row 75 is its row 38.
     EXPECT_EQ(60, m.patterns[m.orders[1]].cells[38 * 4 + 3].note);
 }

@@ -15,23 +15,28 @@ namespace {
 const double kCuts[] = {35.5, 68.5, 76, 109, 142.5, 150.5, 168.5, 201.5, 214.5, 247.5, 259.5};
 const int kRate = 44100;
 
-const std::vector<uint8_t>& songBytes() {
+const std::vector<uint8_t>& songBytes()
+{
     static std::vector<uint8_t> bytes;
-    if (bytes.empty()) XmWriter::write(Song::compose(), bytes);
+    if (bytes.empty())
+        XmWriter::write(Song::compose(), bytes);
     return bytes;
 }
 
-openmpt_module* load() {
+openmpt_module* load()
+{
     int error = 0;
     return openmpt_module_create_from_memory2(songBytes().data(), songBytes().size(), nullptr, nullptr, nullptr,
                                               nullptr, &error, nullptr, nullptr);
 }
 
 // The whole song rendered once, 16-bit stereo.
-const std::vector<int16_t>& rendered() {
+const std::vector<int16_t>& rendered()
+{
     static std::vector<int16_t> pcm;
     openmpt_module* mod = pcm.empty() ? load() : nullptr;
-    if (!mod) return pcm;
+    if (!mod)
+        return pcm;
     std::vector<int16_t> block(2 * 8192);
     while (size_t frames = openmpt_module_read_interleaved_stereo(mod, kRate, 8192, block.data()))
         pcm.insert(pcm.end(), block.begin(), block.begin() + 2 * frames);
@@ -41,7 +46,8 @@ const std::vector<int16_t>& rendered() {
 
 }  // namespace
 
-TEST(SongPlayback, LastsPastTheLastSceneAndCutsFallOnOrderBoundaries) {
+TEST(SongPlayback, LastsPastTheLastSceneAndCutsFallOnOrderBoundaries)
+{
     openmpt_module* mod = load();
     ASSERT_NE(nullptr, mod);
     const double duration = openmpt_module_get_duration_seconds(mod);
@@ -52,13 +58,15 @@ TEST(SongPlayback, LastsPastTheLastSceneAndCutsFallOnOrderBoundaries) {
         boundaries.push_back(openmpt_module_set_position_order_row(mod, order, 0));
     for (double cut : kCuts) {
         double nearest = 1e9;
-        for (double b : boundaries) nearest = std::min(nearest, std::fabs(b - cut));
+        for (double b : boundaries)
+            nearest = std::min(nearest, std::fabs(b - cut));
         EXPECT_LE(nearest, 0.125) << "cut at " << cut;  // one row
     }
     openmpt_module_destroy(mod);
 }
 
-TEST(SongLevels, NeverClipsAndNeverSilentForTwoSeconds) {
+TEST(SongLevels, NeverClipsAndNeverSilentForTwoSeconds)
+{
     const std::vector<int16_t>& pcm = rendered();
     ASSERT_GE(pcm.size() / 2, static_cast<size_t>(289.5 * kRate));
     int peak = 0;
@@ -72,7 +80,8 @@ TEST(SongLevels, NeverClipsAndNeverSilentForTwoSeconds) {
     EXPECT_LT(longest, static_cast<size_t>(2 * kRate));
 }
 
-TEST(SongFile, ComposingTwiceGivesTheBytesTheBuildWrote) {
+TEST(SongFile, ComposingTwiceGivesTheBytesTheBuildWrote)
+{
     std::vector<uint8_t> again;
     ASSERT_TRUE(XmWriter::write(Song::compose(), again));
     EXPECT_EQ(songBytes(), again);

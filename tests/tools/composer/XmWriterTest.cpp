@@ -6,9 +6,13 @@
 
 namespace {
 
-uint32_t u16(const std::vector<uint8_t>& b, size_t at) { return b[at] | (b[at + 1] << 8); }
+uint32_t u16(const std::vector<uint8_t>& b, size_t at)
+{
+    return b[at] | (b[at + 1] << 8);
+}
 
-XmPattern emptyPattern(int rows, int channels) {
+XmPattern emptyPattern(int rows, int channels)
+{
     XmPattern p;
     p.rows = rows;
     p.cells.resize(static_cast<size_t>(rows) * channels);
@@ -16,7 +20,8 @@ XmPattern emptyPattern(int rows, int channels) {
 }
 
 // Two channels, two patterns, one square-wave instrument playing one note.
-XmModule tinyModule() {
+XmModule tinyModule()
+{
     XmModule m;
     m.channels = 2;
     m.speed = 6;
@@ -26,7 +31,8 @@ XmModule tinyModule() {
     m.orders = {0, 1, 0};
     XmInstrument ins;
     ins.name = "square";
-    for (int i = 0; i < 256; ++i) ins.sample.data.push_back(i % 32 < 16 ? 12000 : -12000);
+    for (int i = 0; i < 256; ++i)
+        ins.sample.data.push_back(i % 32 < 16 ? 12000 : -12000);
     ins.sample.loop = XmLoopForward;
     ins.sample.loopStart = 0;
     ins.sample.loopLength = 256;
@@ -36,7 +42,8 @@ XmModule tinyModule() {
     return m;
 }
 
-std::vector<uint8_t> written(const XmModule& m) {
+std::vector<uint8_t> written(const XmModule& m)
+{
     std::vector<uint8_t> bytes;
     EXPECT_TRUE(XmWriter::write(m, bytes));
     return bytes;
@@ -44,7 +51,8 @@ std::vector<uint8_t> written(const XmModule& m) {
 
 }  // namespace
 
-TEST(XmWriterPatterns, CellsPackToTheirShortestForm) {
+TEST(XmWriterPatterns, CellsPackToTheirShortestForm)
+{
     XmPattern p = emptyPattern(2, 2);
     p.cells[0] = {49, 3, 0x40, 0x0C, 0x20};  // full: written plain
     p.cells[2] = {97, 0, 0, 0, 0};           // key off
@@ -54,7 +62,8 @@ TEST(XmWriterPatterns, CellsPackToTheirShortestForm) {
     EXPECT_EQ(std::vector<uint8_t>(8, 0x80), XmWriter::packPattern(emptyPattern(4, 2), 2));
 }
 
-TEST(XmWriterSamples, DeltaEncodingDecodesBitForBit) {
+TEST(XmWriterSamples, DeltaEncodingDecodesBitForBit)
+{
     const std::vector<int16_t> frames = {0, 1, -1, 32767, -32768, 32767, 0, -12345, 4242};
     const std::vector<uint8_t> bytes = XmWriter::deltaEncode(frames);
     ASSERT_EQ(frames.size() * 2, bytes.size());
@@ -65,7 +74,8 @@ TEST(XmWriterSamples, DeltaEncodingDecodesBitForBit) {
     }
 }
 
-TEST(XmWriterLimits, RejectsModulesTheFormatCannotHoldAndLeavesNoBytes) {
+TEST(XmWriterLimits, RejectsModulesTheFormatCannotHoldAndLeavesNoBytes)
+{
     std::vector<XmModule> bad(8, tinyModule());
     bad[0].channels = 3;
     bad[1].orders = {0, 2};
@@ -82,7 +92,8 @@ TEST(XmWriterLimits, RejectsModulesTheFormatCannotHoldAndLeavesNoBytes) {
     }
 }
 
-TEST(XmWriterReader, LibopenmptReadsWhatWasWritten) {
+TEST(XmWriterReader, LibopenmptReadsWhatWasWritten)
+{
     const std::vector<uint8_t> b = written(tinyModule());
     int error = 0;
     openmpt_module* mod = openmpt_module_create_from_memory2(b.data(), b.size(), nullptr, nullptr, nullptr, nullptr,
@@ -97,7 +108,8 @@ TEST(XmWriterReader, LibopenmptReadsWhatWasWritten) {
     std::vector<int16_t> pcm(2 * 4410);
     ASSERT_EQ(4410u, openmpt_module_read_interleaved_stereo(mod, 44100, 4410, pcm.data()));
     int peak = 0;
-    for (int16_t v : pcm) peak = std::max(peak, std::abs(static_cast<int>(v)));
+    for (int16_t v : pcm)
+        peak = std::max(peak, std::abs(static_cast<int>(v)));
     EXPECT_GT(peak, 1000);  // the note sounds
     openmpt_module_destroy(mod);
 }

@@ -82,7 +82,8 @@ std::string octreeHead()
 {
     std::ostringstream head;
     MaterialMgr::getHandle()->save(head);
-    head << "OCTT" << "VARR" << int32(0) << "FARR" << int32(0);
+    head << "OCTT"
+         << "VARR" << int32(0) << "FARR" << int32(0);
     return head.str();
 }
 
@@ -100,7 +101,7 @@ std::string terrainFile(const std::string& tail = std::string())
     return tail.empty() ? whole : whole.substr(0, header) + tail;
 }
 
-} // namespace
+}  // namespace
 
 class ChunkWalk : public ::testing::Test {
 protected:
@@ -112,8 +113,9 @@ TEST_F(ChunkWalk, BadIndicesTrailingBytesAndAbsurdCountsAreNamedWithTheirPlace)
     EXPECT_EQ(walkError(octreeFile(7)), "OCTT > FARR: face 0 names vertex 7 of 3");
     EXPECT_EQ(walkError(octreeHead() + nodeChain(0)), "");
     EXPECT_NE(walkError(octreeHead() + nodeChain(0) + "xy").find("2 bytes follow the last chunk"), std::string::npos);
-    EXPECT_NE(walkError("MMGR" + int32(0x7fffffff) + std::string(200, '\0')).find("material count 2147483647 needs at least"),
-              std::string::npos);
+    EXPECT_NE(
+        walkError("MMGR" + int32(0x7fffffff) + std::string(200, '\0')).find("material count 2147483647 needs at least"),
+        std::string::npos);
     EXPECT_EQ(walkError("CMGR" + int32(-1)), "CMGR: camera count -1 is negative");
     EXPECT_EQ(walkError("LMGR" + int32(1) + "XLIT" + std::string(80, '\0')), "LMGR: a light chunk cannot be XLIT");
     // The deepest tree the engine loads passes; one level more is refused.

@@ -41,7 +41,7 @@ std::vector<size_t> tagPositions(const std::vector<unsigned char>& bytes)
     return found;
 }
 
-} // namespace
+}  // namespace
 
 TEST(DataInfoGeneratedFiles, InfoOnEveryFileExitsZeroWithAPrintout)
 {

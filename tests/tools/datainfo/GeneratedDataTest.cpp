@@ -2,6 +2,7 @@
 #include "ChunkFacts.h"
 #include "ChunkReader.h"
 #include "ChunkWalker.h"
+#include "ContentUnits.h"
 #include "EngineCheck.h"
 #include "FileKind.h"
 #include "ProgramRun.h"
@@ -9,7 +10,6 @@
 #include "texture/Texture.h"
 #include "texture/TextureLoader.h"
 #include "texture/TextureMgr.h"
-#include "ContentUnits.h"
 
 #include <fstream>
 #include <map>
@@ -39,7 +39,7 @@ ChunkFacts walk(const std::string& file)
     return facts;
 }
 
-} // namespace
+}  // namespace
 
 class GeneratedData : public GLTest {
 protected:
@@ -87,7 +87,8 @@ TEST_F(GeneratedData, PicturesLoadInTheFormatsTheScenesAskFor)
             EXPECT_EQ(texture->getFormat(), format) << file;
             EXPECT_GT(texture->getWidth(), 0) << file;
             EXPECT_EQ(texture->getDataSize(), static_cast<long long>(texture->getWidth()) * texture->getHeight() *
-                                                  Texture::componentsOf(format)) << file;
+                                                  Texture::componentsOf(format))
+                << file;
         }
     }
     EXPECT_GE(pictures, 10);

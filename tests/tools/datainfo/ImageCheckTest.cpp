@@ -9,10 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <zlib.h>
 #include <cstring>
 #include <memory>
 #include <sstream>
-#include <zlib.h>
 
 namespace {
 
@@ -35,10 +35,11 @@ std::vector<unsigned char> container(size_t packed, const std::string& tail = ""
 
 std::unique_ptr<Texture> load(const std::string& file, int format)
 {
-    return std::unique_ptr<Texture>(TextureMgr::getHandle()->findLoader(file.c_str())->loadTexture(file.c_str(), format));
+    return std::unique_ptr<Texture>(
+        TextureMgr::getHandle()->findLoader(file.c_str())->loadTexture(file.c_str(), format));
 }
 
-} // namespace
+}  // namespace
 
 TEST(ContainerCheck, ShortStreamsTrailingBytesAndOversizedHeadersAreRefused)
 {
@@ -59,7 +60,7 @@ TEST(ContainerCheck, ShortStreamsTrailingBytesAndOversizedHeadersAreRefused)
     EXPECT_EQ(check.error(), "4 bytes follow the zlib stream");
 
     std::vector<unsigned char> bytes = container(64);
-    bytes[5] = bytes[9] = 0x0f; // a size the engine takes, far more pixels than the file holds
+    bytes[5] = bytes[9] = 0x0f;  // a size the engine takes, far more pixels than the file holds
     writeBytes(file, bytes);
     EXPECT_FALSE(check.inspect(file));
     EXPECT_NE(check.error().find("bytes after it can hold"), std::string::npos) << check.error();
@@ -74,8 +75,8 @@ TEST(ImageInfo, TheEnginesVerdictIsPrintedBesideAFaultTheInspectionFinds)
     EXPECT_EQ(run.errLines(), 1);
     EXPECT_NE(run.out.find("engine: the \"ctx,mtx\" loader gives 4 x 4"), std::string::npos) << run.out;
     // 40 bytes of PNG whose header claims 100000 x 100000: both refuse it.
-    std::vector<unsigned char> png = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n', 0, 0, 0, 13, 'I', 'H', 'D',
-                                      'R', 0, 1, 0x86, 0xa0, 0, 1, 0x86, 0xa0, 8, 2, 0, 0, 0};
+    std::vector<unsigned char> png = {0x89, 'P', 'N', 'G',  '\r', '\n', 0x1a, '\n', 0,    0, 0, 13, 'I', 'H', 'D',
+                                      'R',  0,   1,   0x86, 0xa0, 0,    1,    0x86, 0xa0, 8, 2, 0,  0,   0};
     const uLong crc = crc32(0, png.data() + 12, 17);
     for (int shift = 24; shift >= 0; shift -= 8)
         png.push_back(static_cast<unsigned char>(crc >> shift));
@@ -101,7 +102,8 @@ TEST(Conversion, TheContainerHoldsTheEnginesPixelsBitForBit)
         EXPECT_EQ(stored->getFormat(), format);
         EXPECT_EQ(stored->getWidth(), direct->getWidth());
         ASSERT_EQ(stored->getDataSize(), direct->getDataSize());
-        EXPECT_EQ(std::memcmp(stored->getDataPtr(), direct->getDataPtr(), static_cast<size_t>(direct->getDataSize())), 0)
+        EXPECT_EQ(std::memcmp(stored->getDataPtr(), direct->getDataPtr(), static_cast<size_t>(direct->getDataSize())),
+                  0)
             << "format " << format;
     }
 }

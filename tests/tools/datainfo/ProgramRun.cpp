@@ -1,12 +1,12 @@
 // Test helpers: runs velmora-data as a subprocess; scratch files.
 #include "ProgramRun.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -24,13 +24,13 @@ std::string quoted(const std::string& text)
     return "'" + text + "'";
 }
 
-} // namespace
+}  // namespace
 
 ProgramRun ProgramRun::run(const std::vector<std::string>& args)
 {
     const std::string base = fs::temp_directory_path().string() + "/datainfo-run-" + std::to_string(getpid());
     std::string command = "ASAN_OPTIONS=\"$ASAN_OPTIONS:exitcode=86\" UBSAN_OPTIONS=\"$UBSAN_OPTIONS:exitcode=87\" " +
-               quoted(VELMORA_DATA_EXE);
+                          quoted(VELMORA_DATA_EXE);
     for (const std::string& arg : args)
         command += " " + quoted(arg);
     const int raw = std::system((command + " >" + base + ".out 2>" + base + ".err").c_str());

@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -20,8 +22,6 @@
 #include <map>
 #include <set>
 #include <sstream>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -64,8 +64,8 @@ double alphaSum(const PngFile& png, int x0, int y0, int w, int h)
 // Ink along the one-texel rim of a cell: filtering would pull it into the neighbour.
 double rimSum(const PngFile& png, int x0, int y0, int w, int h)
 {
-    return alphaSum(png, x0, y0, w, 1) + alphaSum(png, x0, y0 + h - 1, w, 1) + alphaSum(png, x0, y0, 1, h)
-        + alphaSum(png, x0 + w - 1, y0, 1, h);
+    return alphaSum(png, x0, y0, w, 1) + alphaSum(png, x0, y0 + h - 1, w, 1) + alphaSum(png, x0, y0, 1, h) +
+           alphaSum(png, x0 + w - 1, y0, 1, h);
 }
 
 // Mean step between neighbouring columns, and the step across the wrap-around seam.
@@ -180,7 +180,8 @@ TEST_F(ForgeOutput, CreditsAreWhiteInkInEightSeparateCells)
     for (int i = 0; i < 4; ++i) {
         for (int half = 0; half < 2; ++half) {
             EXPECT_GT(alphaSum(png, half * 512, i * 512, 512, 512), 2000.0) << "credit " << i << " half " << half;
-            const double rim = rimSum(png, half * 512, i * 512, 512, 512) + rimSum(png, half * 512 + 1, i * 512 + 1, 510, 510);
+            const double rim =
+                rimSum(png, half * 512, i * 512, 512, 512) + rimSum(png, half * 512 + 1, i * 512 + 1, 510, 510);
             EXPECT_LT(rim, 2.0) << "credit " << i << " half " << half;
         }
     }
@@ -188,11 +189,11 @@ TEST_F(ForgeOutput, CreditsAreWhiteInkInEightSeparateCells)
 
 TEST_F(ForgeOutput, WrappingPicturesHaveNoSeams)
 {
-    for (const TextureFile& picture : { IslandsLayout::SAND, IslandsLayout::WATER, TunnelLayout::ROCK,
-             TunnelLayout::CAUSTICS, IslandsLayout::SKY }) {
+    for (const TextureFile& picture :
+         {IslandsLayout::SAND, IslandsLayout::WATER, TunnelLayout::ROCK, TunnelLayout::CAUSTICS, IslandsLayout::SKY}) {
         const std::string name = picture.file;
         const PngFile png = load(name);
-        for (bool down : { false, true }) {
+        for (bool down : {false, true}) {
             double inside = 0.0, seam = 0.0;
             seamSteps(png, down, inside, seam);
             // The sky wraps round the dome, not top to bottom.
@@ -210,14 +211,10 @@ TEST_F(ForgeOutput, MeshesLoadInTheEngineWithTheirMaterialsAndWinding)
         bool clockwise;
         const char* material;
     } meshes[] = {
-        { SharedLayout::SHIP_MESH, true, "ShipMaterial" },
-        { IslandsLayout::BIRD_MESHES[0], true, "BirdBody" },
-        { IslandsLayout::BIRD_MESHES[1], true, "BirdBody" },
-        { TunnelLayout::OBJECT_FILES[0], false, "TunnelObject" },
-        { TunnelLayout::OBJECT_FILES[1], false, "TunnelObject" },
-        { TunnelLayout::OBJECT_FILES[2], false, "TunnelObject" },
-        { TunnelLayout::OBJECT_FILES[3], false, "TunnelObject" },
-        { TunnelLayout::OBJECT_FILES[4], false, "TunnelObject" },
+        {SharedLayout::SHIP_MESH, true, "ShipMaterial"},        {IslandsLayout::BIRD_MESHES[0], true, "BirdBody"},
+        {IslandsLayout::BIRD_MESHES[1], true, "BirdBody"},      {TunnelLayout::OBJECT_FILES[0], false, "TunnelObject"},
+        {TunnelLayout::OBJECT_FILES[1], false, "TunnelObject"}, {TunnelLayout::OBJECT_FILES[2], false, "TunnelObject"},
+        {TunnelLayout::OBJECT_FILES[3], false, "TunnelObject"}, {TunnelLayout::OBJECT_FILES[4], false, "TunnelObject"},
     };
     // Texture names inside the files are relative to the demo's working directory.
     const fs::path previous = fs::current_path();
@@ -236,7 +233,8 @@ TEST_F(ForgeOutput, MeshesLoadInTheEngineWithTheirMaterialsAndWinding)
             const Face& face = faces[f];
             ASSERT_NE(face.material, nullptr) << "face " << f;
             const Vector3& a = vertices[(int)face.indices[0]].position;
-            agree += (vertices[(int)face.indices[1]].position - a).cross(vertices[(int)face.indices[2]].position - a)
+            agree += (vertices[(int)face.indices[1]].position - a)
+                         .cross(vertices[(int)face.indices[2]].position - a)
                          .dot(face.normal) > 0.0f;
         }
         // The stored normals point out; the index order runs against them exactly when the mesh is drawn clockwise.
@@ -297,7 +295,7 @@ TEST(ForgeProgram, ListPrintsEveryUnitsFilesOnceWithTheirSizes)
         for (const ForgedFile& file : unit->files()) {
             ++count;
             const std::string line = std::string(unit->name()) + " " + file.path + " " + std::to_string(file.width) +
-                " " + std::to_string(file.height) + " " + std::to_string(file.format);
+                                     " " + std::to_string(file.height) + " " + std::to_string(file.format);
             EXPECT_TRUE(lines.count(line)) << line;
         }
     EXPECT_EQ(lines.size(), count);
@@ -311,4 +309,4 @@ TEST(ForgeProgram, UnwritableRootFailsAndSaysWhere)
     EXPECT_NE(output.find("0 files"), std::string::npos) << output;
 }
 
-} // namespace
+}  // namespace

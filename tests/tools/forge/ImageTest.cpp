@@ -10,14 +10,14 @@ namespace {
 
 TEST(Image, WritesOutsideChangeNothingAndShapesAreClipped)
 {
-    const Rgba red{ 1.0f, 0.0f, 0.0f, 1.0f };
-    Image image(8, 8, Rgba{ 0.0f, 0.0f, 0.0f, 0.0f });
+    const Rgba red{1.0f, 0.0f, 0.0f, 1.0f};
+    Image image(8, 8, Rgba{0.0f, 0.0f, 0.0f, 0.0f});
     image.blend(-1, 0, red, 1.0);
     image.blend(8, 1, red, 1.0);
     image.add(8, 8, red, 1.0);
     for (uint8_t byte : image.toBytes(4))
         ASSERT_EQ(byte, 0);
-    Painter(image).polygon({ { -20, -20 }, { 30, -20 }, { 30, 30 } }, red);
+    Painter(image).polygon({{-20, -20}, {30, -20}, {30, 30}}, red);
     EXPECT_EQ(image.at(7, 0).a, 1.0f);
     EXPECT_TRUE(image.resized(0, 4).empty());
     EXPECT_TRUE(image.toBytes(2).empty());
@@ -25,10 +25,10 @@ TEST(Image, WritesOutsideChangeNothingAndShapesAreClipped)
 
 TEST(Image, BytesRoundAndClampIncludingNaN)
 {
-    const std::pair<float, int> cases[] = { { 0.0f, 0 }, { 1.0f, 255 }, { -0.2f, 0 }, { 7.0f, 255 }, { std::nanf(""), 0 },
-        { 0.5f, 128 }, { 0.4f / 255.0f, 0 }, { 0.6f / 255.0f, 1 } };
+    const std::pair<float, int> cases[] = {{0.0f, 0},          {1.0f, 255}, {-0.2f, 0},         {7.0f, 255},
+                                           {std::nanf(""), 0}, {0.5f, 128}, {0.4f / 255.0f, 0}, {0.6f / 255.0f, 1}};
     for (const auto& [value, byte] : cases)
         EXPECT_EQ(Image::toByte(value), byte) << value;
 }
 
-} // namespace
+}  // namespace

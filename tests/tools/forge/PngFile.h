@@ -8,7 +8,7 @@
 struct PngFile {
     int width = 0;
     int height = 0;
-    int channels = 0; // as stored: 3 for RGB, 4 for RGBA
+    int channels = 0;  // as stored: 3 for RGB, 4 for RGBA
     std::vector<uint8_t> bytes;
 
     bool read(const std::string& path);

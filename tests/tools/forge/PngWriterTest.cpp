@@ -10,7 +10,7 @@
 TEST(PngWriter, RgbAndRgbaRoundTripExactlyAndBadInputWritesNothing)
 {
     const std::string path = (std::filesystem::temp_directory_path() / "forge_png_round.png").string();
-    for (int channels : { 3, 4 }) {
+    for (int channels : {3, 4}) {
         std::vector<uint8_t> bytes((size_t)37 * 11 * channels);
         for (size_t i = 0; i < bytes.size(); ++i)
             bytes[i] = (uint8_t)((i * 37 + i / 7) & 255);

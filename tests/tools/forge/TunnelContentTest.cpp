@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
 #include <cstdio>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -43,7 +43,7 @@ const TunnelContent& tunnel()
     return content;
 }
 
-}
+}  // namespace
 
 TEST(TunnelContent, ObjectsAndGlowsFitInsideTheRockAndTheFlightsPassClear)
 {

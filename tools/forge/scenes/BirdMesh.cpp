@@ -3,13 +3,9 @@
 
 #include "Maths.h"
 
-const char* const BirdMesh::materialNames[MaterialCount] = { "BirdBody", "BirdWingTip", "BirdBeak" };
+const char* const BirdMesh::materialNames[MaterialCount] = {"BirdBody", "BirdWingTip", "BirdBeak"};
 
-BirdMesh::BirdMesh(bool wingsUp)
-    : innerAngle(wingsUp ? 22.0 : -14.0)
-    , outerAngle(wingsUp ? 40.0 : -32.0)
-{
-}
+BirdMesh::BirdMesh(bool wingsUp) : innerAngle(wingsUp ? 22.0 : -14.0), outerAngle(wingsUp ? 40.0 : -32.0) {}
 
 void BirdMesh::wing(MeshBuilder& mesh, double side) const
 {
@@ -23,11 +19,12 @@ void BirdMesh::wing(MeshBuilder& mesh, double side) const
     auto place = [&](double x, double s) {
         if (s <= elbow) {
             const double d = s - root;
-            return Vec3{ x, 0.02 + d * Maths::sin(a1), side * (root + d * Maths::cos(a1)) };
+            return Vec3{x, 0.02 + d * Maths::sin(a1), side * (root + d * Maths::cos(a1))};
         }
         const double d1 = elbow - root;
         const double d2 = s - elbow;
-        return Vec3{ x, 0.02 + d1 * Maths::sin(a1) + d2 * Maths::sin(a2), side * (root + d1 * Maths::cos(a1) + d2 * Maths::cos(a2)) };
+        return Vec3{x, 0.02 + d1 * Maths::sin(a1) + d2 * Maths::sin(a2),
+                    side * (root + d1 * Maths::cos(a1) + d2 * Maths::cos(a2))};
     };
     const Vec3 rootFront = place(0.14, root);
     const Vec3 rootBack = place(-0.1, root);
@@ -35,27 +32,27 @@ void BirdMesh::wing(MeshBuilder& mesh, double side) const
     const Vec3 elbowBack = place(-0.14, elbow);
     const Vec3 wingTip = place(-0.2, tip);
     const Vec3 tipBack = place(-0.22, 0.75);
-    mesh.fan({ rootFront, elbowFront, elbowBack, rootBack }, Body);
-    mesh.fan({ rootFront, rootBack, elbowBack, elbowFront }, Body);
-    mesh.fan({ elbowFront, wingTip, tipBack, elbowBack }, WingTip);
-    mesh.fan({ elbowFront, elbowBack, tipBack, wingTip }, WingTip);
+    mesh.fan({rootFront, elbowFront, elbowBack, rootBack}, Body);
+    mesh.fan({rootFront, rootBack, elbowBack, elbowFront}, Body);
+    mesh.fan({elbowFront, wingTip, tipBack, elbowBack}, WingTip);
+    mesh.fan({elbowFront, elbowBack, tipBack, wingTip}, WingTip);
 }
 
 void BirdMesh::build(MeshBuilder& mesh) const
 {
     // Body from tail to head, thickest at the breast, with a neck before the head.
-    mesh.tube({ Vec3{ -0.34, 0.01, 0.0 }, Vec3{ -0.2, 0.0, 0.0 }, Vec3{ -0.02, 0.0, 0.0 }, Vec3{ 0.12, 0.01, 0.0 }, Vec3{ 0.22, 0.03, 0.0 },
-                  Vec3{ 0.28, 0.05, 0.0 }, Vec3{ 0.34, 0.06, 0.0 }, Vec3{ 0.38, 0.06, 0.0 } },
-        { 0.02, 0.06, 0.085, 0.075, 0.05, 0.045, 0.05, 0.025 }, 8, Body);
-    mesh.cone(Vec3{ 0.37, 0.055, 0.0 }, Vec3{ 0.5, 0.04, 0.0 }, 0.018, 5, Beak);
+    mesh.tube({Vec3{-0.34, 0.01, 0.0}, Vec3{-0.2, 0.0, 0.0}, Vec3{-0.02, 0.0, 0.0}, Vec3{0.12, 0.01, 0.0},
+               Vec3{0.22, 0.03, 0.0}, Vec3{0.28, 0.05, 0.0}, Vec3{0.34, 0.06, 0.0}, Vec3{0.38, 0.06, 0.0}},
+              {0.02, 0.06, 0.085, 0.075, 0.05, 0.045, 0.05, 0.025}, 8, Body);
+    mesh.cone(Vec3{0.37, 0.055, 0.0}, Vec3{0.5, 0.04, 0.0}, 0.018, 5, Beak);
     // A forked tail.
-    const Vec3 a{ -0.28, 0.015, 0.04 };
-    const Vec3 b{ -0.28, 0.015, -0.04 };
-    const Vec3 c{ -0.5, 0.0, -0.12 };
-    const Vec3 d{ -0.44, 0.0, 0.0 };
-    const Vec3 e{ -0.5, 0.0, 0.12 };
-    mesh.fan({ a, b, c, d, e }, Body);
-    mesh.fan({ a, e, d, c, b }, Body);
+    const Vec3 a{-0.28, 0.015, 0.04};
+    const Vec3 b{-0.28, 0.015, -0.04};
+    const Vec3 c{-0.5, 0.0, -0.12};
+    const Vec3 d{-0.44, 0.0, 0.0};
+    const Vec3 e{-0.5, 0.0, 0.12};
+    mesh.fan({a, b, c, d, e}, Body);
+    mesh.fan({a, e, d, c, b}, Body);
     wing(mesh, 1.0);
     wing(mesh, -1.0);
 }

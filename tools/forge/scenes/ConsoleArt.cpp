@@ -3,11 +3,11 @@
 
 #include "Forge.h"
 
-#include "text/Console.h"
 #include "GlyphAtlas.h"
 #include "Maths.h"
 #include "Noise.h"
 #include "TextRaster.h"
+#include "text/Console.h"
 
 #include <iostream>
 
@@ -40,7 +40,7 @@ bool ConsoleArt::buildBackground(Forge& forge)
         const double cloud = 0.5 + 0.5 * noise.fbm(u * 4.0, v * 4.0, 4, 5);
         const double scan = (y % 2 == 0) ? 1.0 : 0.86;
         const double light = (0.55 + 0.45 * vignette) * (0.8 + 0.35 * cloud) * scan * (1.1 - 0.35 * v);
-        return Rgba{ (float)(0.035 * light), (float)(0.05 * light), (float)(0.095 * light), 1.0f };
+        return Rgba{(float)(0.035 * light), (float)(0.05 * light), (float)(0.095 * light), 1.0f};
     });
     // A faint rule along the top edge frames the text area.
     for (int x = 0; x < size; ++x) {

@@ -9,8 +9,8 @@
 
 namespace {
 
-const Rgba white{ 1.0f, 1.0f, 1.0f, 1.0f };
-const Rgba soft{ 1.0f, 1.0f, 1.0f, 0.78f };
+const Rgba white{1.0f, 1.0f, 1.0f, 1.0f};
+const Rgba soft{1.0f, 1.0f, 1.0f, 0.78f};
 
 void whiten(Image& image)
 {
@@ -34,13 +34,14 @@ void place(Image& target, const Image& cell, int ox, int oy)
 void ornament(Image& canvas, double cx, double y, double halfWidth)
 {
     Painter paint(canvas);
-    paint.line(Point{ cx - halfWidth, y }, Point{ cx - 18.0, y }, 2.5, soft);
-    paint.line(Point{ cx + 18.0, y }, Point{ cx + halfWidth, y }, 2.5, soft);
-    paint.polygon({ { cx, y - 9.0 }, { cx + 9.0, y }, { cx, y + 9.0 }, { cx - 9.0, y } }, white);
+    paint.line(Point{cx - halfWidth, y}, Point{cx - 18.0, y}, 2.5, soft);
+    paint.line(Point{cx + 18.0, y}, Point{cx + halfWidth, y}, 2.5, soft);
+    paint.polygon({{cx, y - 9.0}, {cx + 9.0, y}, {cx, y + 9.0}, {cx - 9.0, y}}, white);
 }
 
 // Centred text at the wanted size, shrunk as a whole when it would be wider than the canvas allows.
-void fitted(Image& canvas, TextRaster& text, const std::string& line, double size, double tracking, double baseline, Rgba colour)
+void fitted(Image& canvas, TextRaster& text, const std::string& line, double size, double tracking, double baseline,
+            Rgba colour)
 {
     const double maxWidth = CreditsArt::designWidth * 0.84;
     text.setPixelSize(size, size);
@@ -54,7 +55,7 @@ void fitted(Image& canvas, TextRaster& text, const std::string& line, double siz
     text.drawCentred(canvas, line, CreditsArt::designWidth * 0.5, baseline, colour, tracking);
 }
 
-} // namespace
+}  // namespace
 
 void CreditsArt::drawTitle(Image& canvas, TextRaster& sans, TextRaster& serif)
 {
@@ -65,7 +66,8 @@ void CreditsArt::drawTitle(Image& canvas, TextRaster& sans, TextRaster& serif)
     ornament(canvas, cx, 560.0, 250.0);
 }
 
-void CreditsArt::drawRole(Image& canvas, TextRaster& sans, TextRaster& serif, const std::string& role, const std::string& name)
+void CreditsArt::drawRole(Image& canvas, TextRaster& sans, TextRaster& serif, const std::string& role,
+                          const std::string& name)
 {
     const double cx = designWidth * 0.5;
     fitted(canvas, serif, role, 64.0, 6.0, 290.0, soft);
@@ -78,7 +80,8 @@ bool CreditsArt::drawCredit(int index, Image& canvas)
 {
     TextRaster sans;
     TextRaster serif;
-    if (!sans.open(TextRaster::fontPath("DejaVuSans-Bold.ttf")) || !serif.open(TextRaster::fontPath("DejaVuSerif-Bold.ttf")))
+    if (!sans.open(TextRaster::fontPath("DejaVuSans-Bold.ttf")) ||
+        !serif.open(TextRaster::fontPath("DejaVuSerif-Bold.ttf")))
         return false;
     sans.setHinting(false);
     serif.setHinting(false);
@@ -99,7 +102,7 @@ Image CreditsArt::glowOf(const Image& sharp)
     // stacks fifteen copies over the sharp picture and must not bury it.
     const Image near = sharp.blurred(9.0, Image::Clamp);
     const Image far = sharp.blurred(26.0, Image::Clamp);
-    Image glow(sharp.width(), sharp.height(), Rgba{ 1.0f, 1.0f, 1.0f, 0.0f });
+    Image glow(sharp.width(), sharp.height(), Rgba{1.0f, 1.0f, 1.0f, 0.0f});
     for (int y = 0; y < glow.height(); ++y) {
         for (int x = 0; x < glow.width(); ++x) {
             const double a = 0.5 * near.at(x, y).a + 0.35 * far.at(x, y).a;
@@ -111,9 +114,9 @@ Image CreditsArt::glowOf(const Image& sharp)
 
 Image CreditsArt::compose()
 {
-    Image texture(cellSize * 2, cellSize * 4, Rgba{ 1.0f, 1.0f, 1.0f, 0.0f });
+    Image texture(cellSize * 2, cellSize * 4, Rgba{1.0f, 1.0f, 1.0f, 0.0f});
     for (int i = 0; i < 4; ++i) {
-        Image canvas(designWidth, designHeight, Rgba{ 1.0f, 1.0f, 1.0f, 0.0f });
+        Image canvas(designWidth, designHeight, Rgba{1.0f, 1.0f, 1.0f, 0.0f});
         if (!drawCredit(i, canvas))
             return Image();
         Image sharp = canvas.resized(cellSize, cellSize);

@@ -80,7 +80,8 @@ double IslandsContent::mountainHeight(int index, double x, double z)
     for (const Bump& bump : shape.bumps) {
         const double dx = x - bump.x;
         const double dz = z - bump.z;
-        h += (bump.height + shape.waterLevel + SEA_FLOOR) * std::exp(-(dx * dx + dz * dz) / (2.0 * bump.sigma * bump.sigma));
+        h += (bump.height + shape.waterLevel + SEA_FLOOR) *
+             std::exp(-(dx * dx + dz * dz) / (2.0 * bump.sigma * bump.sigma));
     }
     // Some ridges, so that the slopes are not glass-smooth.
     const double scale = shape.extent / 8.0;
@@ -120,7 +121,8 @@ void IslandsContent::buildMountain(int index, BezierMesh& mesh)
                     const int r = pa * 3 + row;
                     const int c = pb * 3 + column;
                     patch.points[row * 4 + column] = Vector3(static_cast<float>(-extent + step * r),
-                        static_cast<float>(y[static_cast<size_t>(r * points + c)]), static_cast<float>(-extent + step * c));
+                                                             static_cast<float>(y[static_cast<size_t>(r * points + c)]),
+                                                             static_cast<float>(-extent + step * c));
                 }
             }
             mesh.addPatch(patch);
@@ -144,7 +146,8 @@ bool IslandsContent::mountains(Forge& forge)
         mesh.setName((std::string("Mountain") + std::to_string(i + 1)).c_str());
         mesh.setMaterialName("Sand4");
         buildMountain(i, mesh);
-        ok = forge.saveFile(MOUNTAINS[i].file, [&mesh](const std::string& path) { return mesh.save(path.c_str()); }) && ok;
+        ok = forge.saveFile(MOUNTAINS[i].file, [&mesh](const std::string& path) { return mesh.save(path.c_str()); }) &&
+             ok;
     }
     return ok;
 }
@@ -217,12 +220,15 @@ bool IslandsContent::birds(Forge& forge)
         MeshBuilder builder;
         BirdMesh(i == 0).build(builder);
         std::vector<Material*> materials(BirdMesh::MaterialCount);
-        materials[BirdMesh::Body] = MeshFile::colourMaterial(BirdMesh::materialNames[BirdMesh::Body],
-            MeshFile::grey(0.35f), Color(0.95f, 0.95f, 0.97f, 1.0f), MeshFile::grey(0.3f), 20.0f);
-        materials[BirdMesh::WingTip] = MeshFile::colourMaterial(BirdMesh::materialNames[BirdMesh::WingTip],
-            MeshFile::grey(0.1f), Color(0.25f, 0.25f, 0.28f, 1.0f), MeshFile::grey(0.2f), 20.0f);
-        materials[BirdMesh::Beak] = MeshFile::colourMaterial(BirdMesh::materialNames[BirdMesh::Beak],
-            Color(0.3f, 0.2f, 0.0f, 1.0f), Color(0.95f, 0.65f, 0.1f, 1.0f), MeshFile::grey(0.3f), 30.0f);
+        materials[BirdMesh::Body] =
+            MeshFile::colourMaterial(BirdMesh::materialNames[BirdMesh::Body], MeshFile::grey(0.35f),
+                                     Color(0.95f, 0.95f, 0.97f, 1.0f), MeshFile::grey(0.3f), 20.0f);
+        materials[BirdMesh::WingTip] =
+            MeshFile::colourMaterial(BirdMesh::materialNames[BirdMesh::WingTip], MeshFile::grey(0.1f),
+                                     Color(0.25f, 0.25f, 0.28f, 1.0f), MeshFile::grey(0.2f), 20.0f);
+        materials[BirdMesh::Beak] =
+            MeshFile::colourMaterial(BirdMesh::materialNames[BirdMesh::Beak], Color(0.3f, 0.2f, 0.0f, 1.0f),
+                                     Color(0.95f, 0.65f, 0.1f, 1.0f), MeshFile::grey(0.3f), 30.0f);
         ok = MeshFile::write(forge, BIRD_MESHES[i], builder, true, materials) && ok;
     }
     return ok;

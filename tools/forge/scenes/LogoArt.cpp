@@ -18,11 +18,11 @@ const double centreX = LogoArt::designWidth * 11.0 / 24.0;
 const double emblemY = LogoArt::designHeight * 0.37;
 const double emblemRadius = 150.0;
 
-const Rgba navy{ 0.05f, 0.07f, 0.22f, 1.0f };
-const Rgba gold{ 1.0f, 0.78f, 0.25f, 1.0f };
-const Rgba white{ 1.0f, 1.0f, 1.0f, 1.0f };
+const Rgba navy{0.05f, 0.07f, 0.22f, 1.0f};
+const Rgba gold{1.0f, 0.78f, 0.25f, 1.0f};
+const Rgba white{1.0f, 1.0f, 1.0f, 1.0f};
 
-} // namespace
+}  // namespace
 
 void LogoArt::stamp(Image& canvas, const Image& mask, const std::function<Rgba(int, int)>& colour, int dx, int dy)
 {
@@ -41,17 +41,17 @@ Image LogoArt::outlineOf(const Image& mask, double width)
     Image outline(mask.width(), mask.height());
     for (int y = 0; y < mask.height(); ++y)
         for (int x = 0; x < mask.width(); ++x)
-            outline.at(x, y) = Rgba{ 1.0f, 1.0f, 1.0f, (float)Maths::smoothstep(0.02, 0.16, spread.at(x, y).a) };
+            outline.at(x, y) = Rgba{1.0f, 1.0f, 1.0f, (float)Maths::smoothstep(0.02, 0.16, spread.at(x, y).a)};
     return outline;
 }
 
 void LogoArt::drawBackground(Image& canvas) const
 {
     Noise noise(0x10C0u);
-    const Rgba core{ 1.0f, 0.9f, 0.55f, 1.0f };
-    const Rgba rayA{ 1.0f, 0.6f, 0.16f, 1.0f };
-    const Rgba rayB{ 0.95f, 0.38f, 0.12f, 1.0f };
-    const Rgba rim{ 0.42f, 0.06f, 0.22f, 1.0f };
+    const Rgba core{1.0f, 0.9f, 0.55f, 1.0f};
+    const Rgba rayA{1.0f, 0.6f, 0.16f, 1.0f};
+    const Rgba rayB{0.95f, 0.38f, 0.12f, 1.0f};
+    const Rgba rim{0.42f, 0.06f, 0.22f, 1.0f};
     for (int y = 0; y < designHeight; ++y) {
         for (int x = 0; x < designWidth; ++x) {
             const double dx = x + 0.5 - centreX;
@@ -74,7 +74,12 @@ void LogoArt::drawEmblem(Image& canvas) const
     Image mask(designWidth, designHeight);
     Painter(mask).disc(centreX, emblemY, emblemRadius + 16.0, white);
     // Drop shadow, then the disc with a white rim.
-    stamp(canvas, mask.blurred(10.0, Image::Clamp), [](int, int) { return Rgba{ 0.2f, 0.02f, 0.05f, 0.55f }; }, 14, 16);
+    stamp(
+        canvas, mask.blurred(10.0, Image::Clamp),
+        [](int, int) {
+            return Rgba{0.2f, 0.02f, 0.05f, 0.55f};
+        },
+        14, 16);
     Painter paint(canvas);
     paint.disc(centreX, emblemY, emblemRadius + 16.0, white);
     paint.disc(centreX, emblemY, emblemRadius, navy);
@@ -82,13 +87,14 @@ void LogoArt::drawEmblem(Image& canvas) const
     // Night sky inside: a glow behind a crescent moon over three waves.
     const double mx = centreX - 38.0;
     const double my = emblemY - 52.0;
-    paint.glow(mx, my, 55.0, Rgba{ 0.25f, 0.35f, 0.7f, 1.0f }, 0.6);
+    paint.glow(mx, my, 55.0, Rgba{0.25f, 0.35f, 0.7f, 1.0f}, 0.6);
     Image moon(designWidth, designHeight);
     Painter(moon).disc(mx, my, 46.0, gold);
     Painter cut(moon);
     for (int y = 0; y < designHeight; ++y)
         for (int x = 0; x < designWidth; ++x) {
-            const double d = std::sqrt((x + 0.5 - mx - 22.0) * (x + 0.5 - mx - 22.0) + (y + 0.5 - my + 12.0) * (y + 0.5 - my + 12.0));
+            const double d = std::sqrt((x + 0.5 - mx - 22.0) * (x + 0.5 - mx - 22.0) +
+                                       (y + 0.5 - my + 12.0) * (y + 0.5 - my + 12.0));
             moon.at(x, y).a *= (float)Maths::clamp(d - 40.0, 0.0, 1.0);
         }
     stamp(canvas, moon, [](int, int) { return gold; });
@@ -100,11 +106,11 @@ void LogoArt::drawEmblem(Image& canvas) const
     for (int w = 0; w < 3; ++w) {
         const double baseY = emblemY + 30.0 + w * 34.0;
         const double half = std::sqrt(emblemRadius * emblemRadius - (baseY - emblemY) * (baseY - emblemY)) - 22.0;
-        Point last{ centreX - half, baseY };
+        Point last{centreX - half, baseY};
         for (int i = 1; i <= 48; ++i) {
             const double x = centreX - half + 2.0 * half * i / 48.0;
-            const Point next{ x, baseY + 9.0 * Maths::sin((x - centreX) / 26.0 + w * 1.3) };
-            paint.line(last, next, 9.0 - w * 1.5, w == 0 ? white : Rgba{ 0.55f, 0.75f, 1.0f, 1.0f });
+            const Point next{x, baseY + 9.0 * Maths::sin((x - centreX) / 26.0 + w * 1.3)};
+            paint.line(last, next, 9.0 - w * 1.5, w == 0 ? white : Rgba{0.55f, 0.75f, 1.0f, 1.0f});
             last = next;
         }
     }
@@ -125,12 +131,17 @@ bool LogoArt::drawWordmark(Image& canvas) const
     sans.drawCentred(word, "QUORVEX", centreX, baseline, white, 6.0 * scale);
 
     const Image outline = outlineOf(word, 16.0);
-    stamp(canvas, outline.blurred(8.0, Image::Clamp), [](int, int) { return Rgba{ 0.2f, 0.02f, 0.05f, 0.6f }; }, 12, 16);
+    stamp(
+        canvas, outline.blurred(8.0, Image::Clamp),
+        [](int, int) {
+            return Rgba{0.2f, 0.02f, 0.05f, 0.6f};
+        },
+        12, 16);
     stamp(canvas, outline, [](int, int) { return navy; });
     const double top = baseline - sans.capHeight();
     stamp(canvas, word, [=](int, int y) {
         const double t = Maths::clamp((y - top) / (baseline - top), 0.0, 1.0);
-        return ColourMath::mix(white, Rgba{ 1.0f, 0.86f, 0.5f, 1.0f }, t * t);
+        return ColourMath::mix(white, Rgba{1.0f, 0.86f, 0.5f, 1.0f}, t * t);
     });
 
     // "CO" in gold on a navy pill under the name.

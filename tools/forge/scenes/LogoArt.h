@@ -5,7 +5,6 @@
 
 #include <functional>
 
-
 class LogoArt {
 public:
     // Drawn on a 4:3 canvas, the shape of the screen, then fitted to a square texture.
@@ -21,6 +20,7 @@ private:
     void drawEmblem(Image& canvas) const;
     bool drawWordmark(Image& canvas) const;
     // Lays a mask's alpha onto the canvas in a colour that may vary with position.
-    static void stamp(Image& canvas, const Image& mask, const std::function<Rgba(int, int)>& colour, int dx = 0, int dy = 0);
+    static void stamp(Image& canvas, const Image& mask, const std::function<Rgba(int, int)>& colour, int dx = 0,
+                      int dy = 0);
     static Image outlineOf(const Image& mask, double width);
 };

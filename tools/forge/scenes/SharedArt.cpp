@@ -12,8 +12,8 @@ void SharedArt::hullPlanks(Image& image, int x0, int y0, int w, int h) const
 {
     Noise noise(0x4811u);
     const int plank = 16;
-    const Rgba wood{ 0.42f, 0.24f, 0.13f, 1.0f };
-    const Rgba trim{ 0.78f, 0.58f, 0.2f, 1.0f };
+    const Rgba wood{0.42f, 0.24f, 0.13f, 1.0f};
+    const Rgba trim{0.78f, 0.58f, 0.2f, 1.0f};
     for (int y = 0; y < h; ++y) {
         const int row = y / plank;
         const int within = y % plank;
@@ -31,7 +31,7 @@ void SharedArt::hullPlanks(Image& image, int x0, int y0, int w, int h) const
             if (along < 2)
                 k *= 0.5;
             if ((along == 6 || along == 121) && (within == 4 || within == 11))
-                k *= 0.3; // nail heads
+                k *= 0.3;  // nail heads
             Rgba c = ColourMath::shade(wood, k);
             // A painted strake runs along the top of the hull.
             if (y >= plank && y < plank + 6)
@@ -44,7 +44,7 @@ void SharedArt::hullPlanks(Image& image, int x0, int y0, int w, int h) const
 void SharedArt::sailCloth(Image& image, int x0, int y0, int w, int h) const
 {
     Noise noise(0x5A11u);
-    const Rgba cloth{ 0.9f, 0.86f, 0.75f, 1.0f };
+    const Rgba cloth{0.9f, 0.86f, 0.75f, 1.0f};
     for (int y = 0; y < h; ++y) {
         for (int x = 0; x < w; ++x) {
             const double u = (double)x / w;
@@ -55,9 +55,9 @@ void SharedArt::sailCloth(Image& image, int x0, int y0, int w, int h) const
             if (seam == 0)
                 k *= 0.72;
             else if (seam == 1 && (y % 4) < 2)
-                k *= 0.85; // stitching beside the seam
+                k *= 0.85;  // stitching beside the seam
             if (y % 32 == 0)
-                k *= 0.86; // reef line
+                k *= 0.86;  // reef line
             image.at(x0 + x, y0 + y) = ColourMath::shade(cloth, k);
         }
     }
@@ -66,8 +66,8 @@ void SharedArt::sailCloth(Image& image, int x0, int y0, int w, int h) const
 void SharedArt::deckPlanks(Image& image, int x0, int y0, int w, int h) const
 {
     Noise noise(0xDEC4u);
-    const Rgba deck{ 0.66f, 0.51f, 0.34f, 1.0f };
-    const Rgba mast{ 0.2f, 0.12f, 0.07f, 1.0f };
+    const Rgba deck{0.66f, 0.51f, 0.34f, 1.0f};
+    const Rgba mast{0.2f, 0.12f, 0.07f, 1.0f};
     const int deckHeight = h * 3 / 4;
     for (int y = 0; y < h; ++y) {
         for (int x = 0; x < w; ++x) {
@@ -75,7 +75,8 @@ void SharedArt::deckPlanks(Image& image, int x0, int y0, int w, int h) const
             const double v = (double)y / h;
             const double streak = noise.fbm(u * 24.0, v * 2.0, 24, 4);
             if (y >= deckHeight) {
-                image.at(x0 + x, y0 + y) = ColourMath::shade(mast, 0.85 + 0.25 * streak + 0.06 * Random::grain(x, y, 5u));
+                image.at(x0 + x, y0 + y) =
+                    ColourMath::shade(mast, 0.85 + 0.25 * streak + 0.06 * Random::grain(x, y, 5u));
                 continue;
             }
             const int column = x / 12;
@@ -109,6 +110,6 @@ Image SharedArt::particle() const
         const double halo = Maths::exp(-r2 / (2.0 * 0.35 * 0.35));
         const double edge = 1.0 - Maths::smoothstep(0.6, 0.98, std::sqrt(r2));
         const double i = Maths::clamp((0.55 * core + 0.6 * halo) * edge, 0.0, 1.0);
-        return Rgba{ (float)i, (float)i, (float)i, (float)i };
+        return Rgba{(float)i, (float)i, (float)i, (float)i};
     });
 }

@@ -28,7 +28,8 @@ bool SharedContent::shipMesh(Forge& forge)
     ShipMesh().build(builder);
     std::vector<Material*> materials(ShipMesh::MaterialCount);
     const auto colours = [&](int part, Color ambient, Color diffuse, Color specular, float shininess) {
-        materials[part] = MeshFile::colourMaterial(ShipMesh::materialNames[part], ambient, diffuse, specular, shininess);
+        materials[part] =
+            MeshFile::colourMaterial(ShipMesh::materialNames[part], ambient, diffuse, specular, shininess);
     };
     colours(ShipMesh::Hull, Color(0.22f, 0.13f, 0.07f, 1.0f), Color(0.52f, 0.3f, 0.16f, 1.0f), MeshFile::grey(0.25f),
             25.0f);

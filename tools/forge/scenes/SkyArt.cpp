@@ -28,13 +28,9 @@ double angleBetween(double cx, double cy, double cz)
     return 2.0 * Maths::atan2(half, std::sqrt(1.0 - half * half));
 }
 
-} // namespace
+}  // namespace
 
-SkyArt::SkyArt()
-    : cosAz(width)
-    , sinAz(width)
-    , cosEl(height)
-    , sinEl(height)
+SkyArt::SkyArt() : cosAz(width), sinAz(width), cosEl(height), sinEl(height)
 {
     for (int x = 0; x < width; ++x) {
         const double az = 2.0 * Maths::pi * (x + 0.5) / width;
@@ -50,22 +46,22 @@ SkyArt::SkyArt()
 
 SkyArt::Dir SkyArt::texelDirection(int x, int y) const
 {
-    return Dir{ cosEl[y] * cosAz[x], sinEl[y], cosEl[y] * sinAz[x] };
+    return Dir{cosEl[y] * cosAz[x], sinEl[y], cosEl[y] * sinAz[x]};
 }
 
 SkyArt::Dir SkyArt::direction(double u, double v)
 {
     const double az = 2.0 * Maths::pi * u;
     const double el = 0.5 * Maths::pi * (1.0 - v);
-    return Dir{ Maths::cos(el) * Maths::cos(az), Maths::sin(el), Maths::cos(el) * Maths::sin(az) };
+    return Dir{Maths::cos(el) * Maths::cos(az), Maths::sin(el), Maths::cos(el) * Maths::sin(az)};
 }
 
 void SkyArt::drawBase(Image& sky) const
 {
-    const Rgba horizon{ 0.08f, 0.14f, 0.26f, 1.0f };
-    const Rgba middle{ 0.025f, 0.055f, 0.14f, 1.0f };
-    const Rgba zenith{ 0.008f, 0.014f, 0.05f, 1.0f };
-    const Rgba band{ 0.05f, 0.055f, 0.08f, 1.0f };
+    const Rgba horizon{0.08f, 0.14f, 0.26f, 1.0f};
+    const Rgba middle{0.025f, 0.055f, 0.14f, 1.0f};
+    const Rgba zenith{0.008f, 0.014f, 0.05f, 1.0f};
+    const Rgba band{0.05f, 0.055f, 0.08f, 1.0f};
     Noise noise(0x5C1Eu);
     // The galaxy band lies along a tilted great circle.
     const double nx = 0.3, ny = 0.55, nz = -0.78;
@@ -110,7 +106,7 @@ void SkyArt::drawStars(Image& sky) const
         bright *= Maths::smoothstep(0.1, 0.4, angleBetween(d.x - moon.x, d.y - moon.y, d.z - moon.z));
         if (bright < 0.01)
             continue;
-        const Rgba tint{ (float)(1.0 + 0.12 * warmth), 1.0f, (float)(1.0 - 0.12 * warmth), 1.0f };
+        const Rgba tint{(float)(1.0 + 0.12 * warmth), 1.0f, (float)(1.0 - 0.12 * warmth), 1.0f};
         // A point on the sphere covers more texels across where the rows are short.
         const double sigmaY = bright > 0.5 ? 0.8 : 0.55;
         const double sigmaX = std::fmin(sigmaY / std::fmax(Maths::cos(el), 0.03), 24.0);
@@ -134,8 +130,8 @@ void SkyArt::drawClouds(Image& sky) const
 {
     Noise noise(0xC10Du);
     const Dir moon = direction(moonAzimuth, 1.0 - moonElevation / 90.0);
-    const Rgba shadowSide{ 0.035f, 0.05f, 0.1f, 1.0f };
-    const Rgba litSide{ 0.42f, 0.46f, 0.56f, 1.0f };
+    const Rgba shadowSide{0.035f, 0.05f, 0.1f, 1.0f};
+    const Rgba litSide{0.42f, 0.46f, 0.56f, 1.0f};
     for (int y = 0; y < height; ++y) {
         const double v = (y + 0.5) / height;
         const double t = 1.0 - v;
@@ -164,8 +160,8 @@ void SkyArt::drawMoon(Image& sky) const
     const double el = moonElevation * radian;
     const Dir m = direction(moonAzimuth, 1.0 - moonElevation / 90.0);
     // East and up on the sky at the moon.
-    const Dir east{ -Maths::sin(az), 0.0, Maths::cos(az) };
-    const Dir up{ -Maths::sin(el) * Maths::cos(az), Maths::cos(el), -Maths::sin(el) * Maths::sin(az) };
+    const Dir east{-Maths::sin(az), 0.0, Maths::cos(az)};
+    const Dir up{-Maths::sin(el) * Maths::cos(az), Maths::cos(el), -Maths::sin(el) * Maths::sin(az)};
     const double pixelsPerRadian = height / (0.5 * Maths::pi);
     const double radiusPixels = moonRadius * pixelsPerRadian;
 
@@ -178,7 +174,7 @@ void SkyArt::drawMoon(Image& sky) const
         const double r = 0.03 + 0.13 * Maths::pow(random.uniform(), 2.5);
         const double a = random.range(0.0, 2.0 * Maths::pi);
         const double d = std::sqrt(random.uniform()) * (0.95 - r);
-        craters.push_back(Crater{ d * Maths::cos(a), d * Maths::sin(a), r });
+        craters.push_back(Crater{d * Maths::cos(a), d * Maths::sin(a), r});
     }
     Noise noise(0x3A12u);
     // Sunlight from a little to the right: a waxing gibbous moon.
@@ -194,8 +190,9 @@ void SkyArt::drawMoon(Image& sky) const
             if (a > moonRadius * 12.0)
                 continue;
             // Halo: a bright inner glow and a wide faint one.
-            const double halo = 0.5 * Maths::exp(-(a - moonRadius) / (0.9 * moonRadius)) + 0.12 * Maths::exp(-a / (5.0 * moonRadius));
-            sky.add(x, y, Rgba{ 0.5f, 0.58f, 0.78f, 1.0f }, a < moonRadius ? 0.6 : halo);
+            const double halo =
+                0.5 * Maths::exp(-(a - moonRadius) / (0.9 * moonRadius)) + 0.12 * Maths::exp(-a / (5.0 * moonRadius));
+            sky.add(x, y, Rgba{0.5f, 0.58f, 0.78f, 1.0f}, a < moonRadius ? 0.6 : halo);
             const double mx = dot3(d.x, d.y, d.z, east.x, east.y, east.z) / moonRadius;
             const double my = dot3(d.x, d.y, d.z, up.x, up.y, up.z) / moonRadius;
             const double r2 = mx * mx + my * my;
@@ -222,7 +219,7 @@ void SkyArt::drawMoon(Image& sky) const
             }
             const double lambert = std::fmax(0.0, (mx * lx + my * ly + nz * lz) / ll);
             const double light = albedo * (0.05 + 0.98 * Maths::pow(lambert, 0.6));
-            sky.blend(x, y, Rgba{ (float)(1.0 * light), (float)(0.97 * light), (float)(0.9 * light), 1.0f }, cover);
+            sky.blend(x, y, Rgba{(float)(1.0 * light), (float)(0.97 * light), (float)(0.9 * light), 1.0f}, cover);
         }
     }
 }

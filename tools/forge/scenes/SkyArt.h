@@ -5,7 +5,6 @@
 
 #include <vector>
 
-
 class SkyArt {
 public:
     // Polar layout: u runs once round the horizon (seamless at u = 0 and 1),

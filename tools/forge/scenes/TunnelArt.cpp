@@ -20,14 +20,14 @@ double causticNet(const Noise& noise, double u, double v, int period)
     return edge * edge * edge;
 }
 
-} // namespace
+}  // namespace
 
 Image TunnelArt::rock() const
 {
     Noise noise(0x70C4u);
-    const Rgba deep{ 0.1f, 0.2f, 0.24f, 1.0f };
-    const Rgba pale{ 0.42f, 0.55f, 0.55f, 1.0f };
-    const Rgba weed{ 0.2f, 0.42f, 0.24f, 1.0f };
+    const Rgba deep{0.1f, 0.2f, 0.24f, 1.0f};
+    const Rgba pale{0.42f, 0.55f, 0.55f, 1.0f};
+    const Rgba weed{0.2f, 0.42f, 0.24f, 1.0f};
     return Image::square(256, [&](double u, double v, int, int) {
         // Layered stone: broad ridges, cracks between boulders, fine pitting.
         const double ridges = noise.ridged(u * 4.0, v * 4.0, 4, 5);
@@ -52,16 +52,16 @@ Image TunnelArt::caustics() const
         const double light = 0.75 * causticNet(noise, u, v, 5) + 0.35 * causticNet(noise, u + 0.37, v + 0.11, 9);
         const double base = 0.02 + 0.03 * (0.5 + 0.5 * noise.fbm(u * 2.0, v * 2.0, 2, 3));
         const double i = Maths::clamp(base + light * 0.5, 0.0, 1.0);
-        return Rgba{ (float)(i * 0.55), (float)(i * 0.95), (float)(i * 0.9), 1.0f };
+        return Rgba{(float)(i * 0.55), (float)(i * 0.95), (float)(i * 0.9), 1.0f};
     });
 }
 
 Image TunnelArt::reflection() const
 {
     Noise noise(0x5EFAu);
-    const Rgba abyss{ 0.02f, 0.06f, 0.1f, 1.0f };
-    const Rgba water{ 0.08f, 0.3f, 0.38f, 1.0f };
-    const Rgba surface{ 0.75f, 0.95f, 0.95f, 1.0f };
+    const Rgba abyss{0.02f, 0.06f, 0.1f, 1.0f};
+    const Rgba water{0.08f, 0.3f, 0.38f, 1.0f};
+    const Rgba surface{0.75f, 0.95f, 0.95f, 1.0f};
     return Image::square(256, [&](double u, double v, int, int) {
         // Position on the reflecting ball; outside it, the rim's colour continues.
         double nx = u * 2.0 - 1.0;
@@ -73,7 +73,7 @@ Image TunnelArt::reflection() const
         }
         // The reflected direction's height: the ball's normal turned about the view axis.
         const double nz = std::sqrt(std::fmax(0.0, 1.0 - nx * nx - ny * ny));
-        const double up = -(2.0 * nz * ny); // file rows run downwards while sphere-map t runs upwards
+        const double up = -(2.0 * nz * ny);  // file rows run downwards while sphere-map t runs upwards
         Rgba c = ColourMath::mix(abyss, water, Maths::smoothstep(-1.0, 0.2, up));
         c = ColourMath::mix(c, surface, Maths::pow(Maths::smoothstep(0.2, 1.0, up), 1.6));
         const double rays = causticNet(noise, (nx + 1.0) * 0.5, (ny + 1.0) * 0.5, 6);

@@ -3,10 +3,8 @@
 
 #include "Image.h"
 
-
 class TunnelArt {
 public:
-
     // Seamless 256 × 256 teal rock for the tunnel walls.
     Image rock() const;
     // Seamless 256 × 256 caustic light, dark between bright threads: it is added on top of the rock.

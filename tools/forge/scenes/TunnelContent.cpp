@@ -48,7 +48,8 @@ Vec3 catmullRom(const Vec3& p0, const Vec3& p1, const Vec3& p2, const Vec3& p3, 
 {
     const double t2 = t * t;
     const double t3 = t2 * t;
-    return (p1 * 2.0 + (p2 - p0) * t + (p0 * 2.0 - p1 * 5.0 + p2 * 4.0 - p3) * t2 + (p1 * 3.0 - p0 - p2 * 3.0 + p3) * t3) *
+    return (p1 * 2.0 + (p2 - p0) * t + (p0 * 2.0 - p1 * 5.0 + p2 * 4.0 - p3) * t2 +
+            (p1 * 3.0 - p0 - p2 * 3.0 + p3) * t3) *
            0.5;
 }
 
@@ -81,7 +82,7 @@ bool writePath(const char* file, const char* name, const CameraPathFile::Path& a
                                  TunnelContent::KEY_STEP, at, look);
 }
 
-}
+}  // namespace
 
 TunnelContent::TunnelContent() : line(centreLine()), pathStart(0.0), pathEnd(0.0)
 {
@@ -206,9 +207,8 @@ void TunnelContent::buildTube(MeshBuilder& mesh) const
     const int rings = static_cast<int>(length() / RING_STEP) + 1;
     const double step = length() / (rings - 1);
     // Columns run round the ring and rows along the tunnel, so the surface faces inwards.
-    mesh.surface(rings, SIDES, true, -1, [&](int row, int column) {
-        return wall(row * step, 2.0 * Maths::pi * column / SIDES);
-    });
+    mesh.surface(rings, SIDES, true, -1,
+                 [&](int row, int column) { return wall(row * step, 2.0 * Maths::pi * column / SIDES); });
 }
 
 bool TunnelContent::writeTunnel(const char* file) const
@@ -235,7 +235,8 @@ bool TunnelContent::writeCamera(const char* file) const
 
 bool TunnelContent::writeShip(const char* file) const
 {
-    return writePath(file, "ship", [this](double t) { return shipAt(t); }, nullptr);
+    return writePath(
+        file, "ship", [this](double t) { return shipAt(t); }, nullptr);
 }
 
 bool TunnelContent::objects(Forge& forge)

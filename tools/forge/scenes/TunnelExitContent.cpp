@@ -67,8 +67,8 @@ double smoothstepIntegral(double a, double b, double t)
 // The path's key layout, the same for every track of the scene.
 bool writePath(const char* file, const char* name, const CameraPathFile::Path& at, const CameraPathFile::Path& look)
 {
-    return CameraPathFile::write(file, name, SECONDS, TunnelExitContent::FRAMES_PER_SECOND,
-                                 TunnelExitContent::KEY_STEP, at, look);
+    return CameraPathFile::write(file, name, SECONDS, TunnelExitContent::FRAMES_PER_SECOND, TunnelExitContent::KEY_STEP,
+                                 at, look);
 }
 
 // Quads between two matching lines of points, wound to face along `facing`.
@@ -349,7 +349,8 @@ bool TunnelExitContent::writeCamera(const char* file) const
 
 bool TunnelExitContent::writeShip(const char* file) const
 {
-    return writePath(file, "ship", [this](double t) { return shipAt(t); }, nullptr);
+    return writePath(
+        file, "ship", [this](double t) { return shipAt(t); }, nullptr);
 }
 
 bool TunnelExitContent::pictures(Forge& forge) const
