@@ -32,11 +32,12 @@ VIDEO_FPS  ?= 60
 video: build
 	cd $(BUILD) && ./velmora-capture --video $(abspath $(VIDEO)) --size $(VIDEO_SIZE) --fps $(VIDEO_FPS)
 
-# A labelled still of every schedule entry in one picture; readme-sheet remakes the README's small copy of it.
+# A labelled still of every schedule entry in one picture; readme-sheet remakes the README's small copy of it, in
+# 256 colours so the repository stays small.
 sheet: build
 	cd $(BUILD) && ./velmora-capture --sheet $(abspath sheet.png) --size 320x240
 readme-sheet: sheet
-	ffmpeg -v error -y -i sheet.png -vf "scale=iw/2:-1:flags=area" -pred mixed docs/sheet.png
+	ffmpeg -v error -y -i sheet.png -vf "scale=iw/2:-1:flags=area,split[a][b];[a]palettegen=stats_mode=full[p];[b][p]paletteuse=dither=none" docs/sheet.png
 
 # The programs, the launcher velmora-demo, the data and the default settings under PREFIX (as root for /usr/local).
 PREFIX ?= /usr/local
