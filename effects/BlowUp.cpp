@@ -47,16 +47,10 @@ const CityCamera::Setup CAMERA = {CAMERA_NAME, CAMERA_PATH, REST_EYE, REST_TARGE
 const Color FIRE_LIT(1.0f, 0.6f, 0.4f, 1.0f);
 const Color EMBERS(0.07f, 0.04f, 0.035f, 1.0f);
 
-const SceneKit::LightSetup SKY = {Vector3(0.3f, 1.0f, 0.5f),
-                                  Color(0.03f, 0.03f, 0.04f, 1.0f),
-                                  Color(0.08f, 0.09f, 0.15f, 1.0f),
-                                  Color(0.2f, 0.25f, 0.35f, 1.0f),
-                                  {1.0f, 0.0f, 0.0f}};
-const SceneKit::LightSetup FIRE_GLOW = {Vector3(0.0f, 0.3f, 1.0f),
-                                        Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                        Color(1.0f, 0.5f, 0.2f, 1.0f),
-                                        Color(1.0f, 0.7f, 0.4f, 1.0f),
-                                        {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup SKY = {Vector3(0.3f, 1.0f, 0.5f), Color(0.03f, 0.03f, 0.04f, 1.0f),
+                                  Color(0.08f, 0.09f, 0.15f, 1.0f), Color(0.2f, 0.25f, 0.35f, 1.0f)};
+const SceneKit::LightSetup FIRE_GLOW = {Vector3(0.0f, 0.3f, 1.0f), Color(0.0f, 0.0f, 0.0f, 1.0f),
+                                        Color(1.0f, 0.5f, 0.2f, 1.0f), Color(1.0f, 0.7f, 0.4f, 1.0f)};
 
 float smoothstep(float a, float b, float x)
 {

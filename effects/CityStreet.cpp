@@ -36,16 +36,10 @@ const float FOG_START = 30.0f;
 const float FOG_END = 235.0f;
 
 // Cool light from the sky above, and the warm light of the street lamps, for the cars.
-const SceneKit::LightSetup MOON = {Vector3(0.3f, 1.0f, 0.5f),
-                                   Color(0.05f, 0.05f, 0.07f, 1.0f),
-                                   Color(0.12f, 0.14f, 0.24f, 1.0f),
-                                   Color(0.5f, 0.6f, 0.85f, 1.0f),
-                                   {1.0f, 0.0f, 0.0f}};
-const SceneKit::LightSetup STREET = {Vector3(-0.4f, 1.0f, -0.2f),
-                                     Color(0.04f, 0.03f, 0.025f, 1.0f),
-                                     Color(0.34f, 0.22f, 0.12f, 1.0f),
-                                     Color(0.9f, 0.65f, 0.4f, 1.0f),
-                                     {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup MOON = {Vector3(0.3f, 1.0f, 0.5f), Color(0.05f, 0.05f, 0.07f, 1.0f),
+                                   Color(0.12f, 0.14f, 0.24f, 1.0f), Color(0.5f, 0.6f, 0.85f, 1.0f)};
+const SceneKit::LightSetup STREET = {Vector3(-0.4f, 1.0f, -0.2f), Color(0.04f, 0.03f, 0.025f, 1.0f),
+                                     Color(0.34f, 0.22f, 0.12f, 1.0f), Color(0.9f, 0.65f, 0.4f, 1.0f)};
 
 }  // namespace
 

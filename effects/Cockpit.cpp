@@ -29,28 +29,16 @@ const float FIELD_OF_VIEW = 62.0f;
 // The approach speeds up towards the end: distance falls as a power of the time.
 const float APPROACH_EASE = 1.6f;
 
-const SceneKit::LightSetup SUN = {Vector3(-0.7f, 0.35f, 0.6f),
-                                  Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                  Color(1.0f, 0.97f, 0.93f, 1.0f),
-                                  Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                  {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup SUN = {Vector3(-0.7f, 0.35f, 0.6f), Color(0.0f, 0.0f, 0.0f, 1.0f),
+                                  Color(1.0f, 0.97f, 0.93f, 1.0f), Color(0.0f, 0.0f, 0.0f, 1.0f)};
 // Blue light through the window, amber from the instruments below, a little grey from behind.
 const SceneKit::LightSetup CABIN[3] = {
-    {Vector3(0.0f, 0.2f, -1.0f),
-     Color(0.0f, 0.0f, 0.0f, 1.0f),
-     Color(0.2f, 0.35f, 0.6f, 1.0f),
-     Color(0.3f, 0.4f, 0.6f, 1.0f),
-     {1.0f, 0.0f, 0.0f}},
-    {Vector3(0.0f, -1.0f, -0.25f),
-     Color(0.05f, 0.03f, 0.01f, 1.0f),
-     Color(0.55f, 0.3f, 0.08f, 1.0f),
-     Color(0.0f, 0.0f, 0.0f, 1.0f),
-     {1.0f, 0.0f, 0.0f}},
-    {Vector3(0.2f, 0.6f, 1.0f),
-     Color(0.06f, 0.06f, 0.07f, 1.0f),
-     Color(0.3f, 0.3f, 0.34f, 1.0f),
-     Color(0.0f, 0.0f, 0.0f, 1.0f),
-     {1.0f, 0.0f, 0.0f}},
+    {Vector3(0.0f, 0.2f, -1.0f), Color(0.0f, 0.0f, 0.0f, 1.0f), Color(0.2f, 0.35f, 0.6f, 1.0f),
+     Color(0.3f, 0.4f, 0.6f, 1.0f)},
+    {Vector3(0.0f, -1.0f, -0.25f), Color(0.05f, 0.03f, 0.01f, 1.0f), Color(0.55f, 0.3f, 0.08f, 1.0f),
+     Color(0.0f, 0.0f, 0.0f, 1.0f)},
+    {Vector3(0.2f, 0.6f, 1.0f), Color(0.06f, 0.06f, 0.07f, 1.0f), Color(0.3f, 0.3f, 0.34f, 1.0f),
+     Color(0.0f, 0.0f, 0.0f, 1.0f)},
 };
 const Color PLANET_LIGHT = CABIN[0].diffuse;
 

@@ -53,16 +53,10 @@ const float PADDLE_LENGTH = 3.0f;
 const float SHADOW_LIFT = 0.05f;
 
 // A warm sun high over the land and a cool fill from the other side.
-const SceneKit::LightSetup SUN = {Vector3(0.4f, 1.0f, 0.3f),
-                                  Color(0.4f, 0.4f, 0.45f, 1.0f),
-                                  Color(1.0f, 0.96f, 0.88f, 1.0f),
-                                  Color(1.0f, 1.0f, 1.0f, 1.0f),
-                                  {1.0f, 0.0f, 0.0f}};
-const SceneKit::LightSetup FILL = {Vector3(-0.5f, 0.35f, -0.6f),
-                                   Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                   Color(0.3f, 0.38f, 0.6f, 1.0f),
-                                   Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                   {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup SUN = {Vector3(0.4f, 1.0f, 0.3f), Color(0.4f, 0.4f, 0.45f, 1.0f),
+                                  Color(1.0f, 0.96f, 0.88f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f)};
+const SceneKit::LightSetup FILL = {Vector3(-0.5f, 0.35f, -0.6f), Color(0.0f, 0.0f, 0.0f, 1.0f),
+                                   Color(0.3f, 0.38f, 0.6f, 1.0f), Color(0.0f, 0.0f, 0.0f, 1.0f)};
 
 void setColour(GLenum what, const Color& c, float scale)
 {

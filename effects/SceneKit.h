@@ -23,7 +23,8 @@ public:
         Color ambient;
         Color diffuse;
         Color specular;
-        float attenuation[3];
+        // Constant, linear and quadratic; a directional light is left at full strength.
+        float attenuation[3] = {1.0f, 0.0f, 0.0f};
     };
 
     // Through the texture cache, with its pixels (read again when they were given back); null when it cannot be read.

@@ -44,17 +44,11 @@ const float FAR_CLIP = 85.0f;
 const TextureFile OWN_PICTURES[] = {SAND, ROCK, KELP, FAN, FISH, IRIS, SHAFT, BUBBLE, SURFACE};
 // The sun stands high and a little behind the way down; the shafts slant along it.
 const Vector3 SUN(0.3f, 1.0f, 0.45f);
-const SceneKit::LightSetup SUN_SETUP = {SUN,
-                                        Color(0.28f, 0.36f, 0.36f, 1.0f),
-                                        Color(0.8f, 0.95f, 0.9f, 1.0f),
-                                        Color(0.9f, 1.0f, 1.0f, 1.0f),
-                                        {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup SUN_SETUP = {SUN, Color(0.28f, 0.36f, 0.36f, 1.0f), Color(0.8f, 0.95f, 0.9f, 1.0f),
+                                        Color(0.9f, 1.0f, 1.0f, 1.0f)};
 // Light thrown back off the sand, green, from low in front of the way on: it picks out the rock face.
-const SceneKit::LightSetup DEEP_SETUP = {Vector3(-0.25f, -0.35f, 1.0f),
-                                         Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                         Color(0.16f, 0.3f, 0.26f, 1.0f),
-                                         Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                         {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup DEEP_SETUP = {Vector3(-0.25f, -0.35f, 1.0f), Color(0.0f, 0.0f, 0.0f, 1.0f),
+                                         Color(0.16f, 0.3f, 0.26f, 1.0f), Color(0.0f, 0.0f, 0.0f, 1.0f)};
 // The caustic net repeats every five units of sand, and drifts with the swell.
 const float CAUSTIC_TILE = 5.0f;
 const float CAUSTIC_DRIFT_U = 0.021f;

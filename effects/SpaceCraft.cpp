@@ -38,16 +38,10 @@ const int ROWS_PER_BAR = 16;
 const int ROWS_PER_BEAT = 4;
 
 // Starlight, white and hard from high on the left; a faint blue fill from the planet below.
-const SceneKit::LightSetup SUN = {SUN_DIRECTION,
-                                  Color(0.08f, 0.08f, 0.09f, 1.0f),
-                                  Color(1.0f, 0.97f, 0.92f, 1.0f),
-                                  Color(1.0f, 1.0f, 1.0f, 1.0f),
-                                  {1.0f, 0.0f, 0.0f}};
-const SceneKit::LightSetup FILL = {Vector3(0.5f, -0.45f, -0.3f),
-                                   Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                   Color(0.16f, 0.21f, 0.34f, 1.0f),
-                                   Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                   {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup SUN = {SUN_DIRECTION, Color(0.08f, 0.08f, 0.09f, 1.0f), Color(1.0f, 0.97f, 0.92f, 1.0f),
+                                  Color(1.0f, 1.0f, 1.0f, 1.0f)};
+const SceneKit::LightSetup FILL = {Vector3(0.5f, -0.45f, -0.3f), Color(0.0f, 0.0f, 0.0f, 1.0f),
+                                   Color(0.16f, 0.21f, 0.34f, 1.0f), Color(0.0f, 0.0f, 0.0f, 1.0f)};
 
 // GL's own ambient light, which the baked light adds like GL would.
 const float GLOBAL_AMBIENT = 0.2f;

@@ -67,16 +67,10 @@ const float RAY_WIDTH_MIN = 0.03f;
 const float RAY_WIDTH_MAX = 0.075f;
 
 // Light from the surface above the way out, and a dim teal fill from the deep behind.
-const SceneKit::LightSetup SURFACE_LIGHT = {LIGHT_DIRECTION,
-                                            Color(0.25f, 0.3f, 0.35f, 1.0f),
-                                            Color(0.85f, 0.95f, 1.0f, 1.0f),
-                                            Color(1.0f, 1.0f, 1.0f, 1.0f),
-                                            {1.0f, 0.0f, 0.0f}};
-const SceneKit::LightSetup DEEP_LIGHT = {Vector3(0.0f, -0.3f, -1.0f),
-                                         Color(0.1f, 0.1f, 0.1f, 1.0f),
-                                         Color(0.15f, 0.35f, 0.4f, 1.0f),
-                                         Color(0.0f, 0.0f, 0.0f, 1.0f),
-                                         {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup SURFACE_LIGHT = {LIGHT_DIRECTION, Color(0.25f, 0.3f, 0.35f, 1.0f),
+                                            Color(0.85f, 0.95f, 1.0f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f)};
+const SceneKit::LightSetup DEEP_LIGHT = {Vector3(0.0f, -0.3f, -1.0f), Color(0.1f, 0.1f, 0.1f, 1.0f),
+                                         Color(0.15f, 0.35f, 0.4f, 1.0f), Color(0.0f, 0.0f, 0.0f, 1.0f)};
 
 float smoothstep(float from, float to, float x)
 {

@@ -41,11 +41,8 @@ const int CLUSTER_SIZE = 64;
 const float CLUSTER_REACH = 0.5f;
 
 // Cold light from the surface far above, and a magenta bounce from the glows below.
-const SceneKit::LightSetup SURFACE_LIGHT = {Vector3(0.2f, 1.0f, 0.4f),
-                                            Color(0.2f, 0.2f, 0.2f, 1.0f),
-                                            Color(0.55f, 0.8f, 0.8f, 1.0f),
-                                            Color(1.0f, 1.0f, 1.0f, 1.0f),
-                                            {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup SURFACE_LIGHT = {Vector3(0.2f, 1.0f, 0.4f), Color(0.2f, 0.2f, 0.2f, 1.0f),
+                                            Color(0.55f, 0.8f, 0.8f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f)};
 // The files, loaded one at a time by preload or initiate: the pictures, sent to GL while whatever runs before the
 // tunnel draws, then these, then the objects.
 const TextureFile PICTURES[] = {ROCK, CAUSTICS, REFLECTION, SharedLayout::SHIP_TEXTURE, SharedLayout::PARTICLE};
@@ -53,11 +50,8 @@ const int PICTURE_COUNT = static_cast<int>(sizeof PICTURES / sizeof PICTURES[0])
 enum FilePiece { TUNNEL_PIECE, SHIP_PIECE, SHIP_PATH_PIECE, CAMERA_PATH_PIECE, FILE_PIECES };
 const int PIECE_COUNT = PICTURE_COUNT + FILE_PIECES + UnderwaterTunnel::OBJECT_COUNT;
 
-const SceneKit::LightSetup GLOW_LIGHT = {Vector3(-0.3f, -1.0f, -0.2f),
-                                         Color(0.2f, 0.2f, 0.2f, 1.0f),
-                                         Color(0.5f, 0.15f, 0.45f, 1.0f),
-                                         Color(1.0f, 1.0f, 1.0f, 1.0f),
-                                         {1.0f, 0.0f, 0.0f}};
+const SceneKit::LightSetup GLOW_LIGHT = {Vector3(-0.3f, -1.0f, -0.2f), Color(0.2f, 0.2f, 0.2f, 1.0f),
+                                         Color(0.5f, 0.15f, 0.45f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f)};
 
 }  // namespace
 
