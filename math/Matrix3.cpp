@@ -1,4 +1,6 @@
 // Matrix3: element-wise arithmetic, products, determinant and text form.
+// Matrices are written out row by row, as they read on paper: the formatter leaves these files alone.
+// clang-format off
 #include "math/Matrix3.h"
 #include "math/Transform.h"
 
@@ -8,7 +10,9 @@ Matrix3::Matrix3()
         e = 0.0f;
 }
 
-Matrix3::Matrix3(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8)
+Matrix3::Matrix3(float m0, float m1, float m2,
+                 float m3, float m4, float m5,
+                 float m6, float m7, float m8)
 {
     assign(m0, m1, m2, m3, m4, m5, m6, m7, m8);
 }
@@ -19,17 +23,13 @@ Matrix3::Matrix3(const float* values)
         m[i] = values[i];
 }
 
-void Matrix3::assign(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8)
+void Matrix3::assign(float m0, float m1, float m2,
+                     float m3, float m4, float m5,
+                     float m6, float m7, float m8)
 {
-    m[0] = m0;
-    m[1] = m1;
-    m[2] = m2;
-    m[3] = m3;
-    m[4] = m4;
-    m[5] = m5;
-    m[6] = m6;
-    m[7] = m7;
-    m[8] = m8;
+    m[0] = m0; m[1] = m1; m[2] = m2;
+    m[3] = m3; m[4] = m4; m[5] = m5;
+    m[6] = m6; m[7] = m7; m[8] = m8;
 }
 
 bool Matrix3::operator==(const Matrix3& o) const
@@ -120,13 +120,16 @@ float Matrix3::det() const
 
 Matrix3 Matrix3::transpose() const
 {
-    return Matrix3(m[0], m[3], m[6], m[1], m[4], m[7], m[2], m[5], m[8]);
+    return Matrix3(m[0], m[3], m[6],
+                   m[1], m[4], m[7],
+                   m[2], m[5], m[8]);
 }
 
 Vector3 operator*(const Matrix3& mat, const Vector3& v)
 {
     const float* m = mat.m;
-    return Vector3(m[0] * v.x + m[1] * v.y + m[2] * v.z, m[3] * v.x + m[4] * v.y + m[5] * v.z,
+    return Vector3(m[0] * v.x + m[1] * v.y + m[2] * v.z,
+                   m[3] * v.x + m[4] * v.y + m[5] * v.z,
                    m[6] * v.x + m[7] * v.y + m[8] * v.z);
 }
 
@@ -154,3 +157,4 @@ std::ostream& operator<<(std::ostream& out, const Matrix3& mat)
     out.precision(old);
     return out;
 }
+// clang-format on

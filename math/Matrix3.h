@@ -1,4 +1,6 @@
 // 3x3 float matrix, row-major, acting on column vectors (p' = M * p).
+// Matrices are written out row by row, as they read on paper: the formatter leaves these files alone.
+// clang-format off
 #pragma once
 
 #include "math/Vector3.h"
@@ -12,10 +14,14 @@ public:
     float m[9];
 
     Matrix3();  // all zero
-    Matrix3(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8);
+    Matrix3(float m0, float m1, float m2,
+            float m3, float m4, float m5,
+            float m6, float m7, float m8);
     explicit Matrix3(const float* values);
 
-    void assign(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8);
+    void assign(float m0, float m1, float m2,
+                float m3, float m4, float m5,
+                float m6, float m7, float m8);
 
     float& operator[](int i) { return m[i]; }
     float operator[](int i) const { return m[i]; }
@@ -47,3 +53,4 @@ Vector3 operator*(const Vector3& v, const Matrix3& mat);
 
 std::istream& operator>>(std::istream& in, Matrix3& mat);
 std::ostream& operator<<(std::ostream& out, const Matrix3& mat);
+// clang-format on

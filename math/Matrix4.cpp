@@ -1,4 +1,6 @@
 // Matrix4: element-wise arithmetic, products, determinant, adjoint, inverse and text form.
+// Matrices are written out row by row, as they read on paper: the formatter leaves these files alone.
+// clang-format off
 #include "math/Matrix4.h"
 #include "math/Transform.h"
 
@@ -34,8 +36,10 @@ Matrix4::Matrix4()
         e = 0.0f;
 }
 
-Matrix4::Matrix4(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8, float m9,
-                 float m10, float m11, float m12, float m13, float m14, float m15)
+Matrix4::Matrix4(float m0, float m1, float m2, float m3,
+                 float m4, float m5, float m6, float m7,
+                 float m8, float m9, float m10, float m11,
+                 float m12, float m13, float m14, float m15)
 {
     assign(m0, m1, m2, m3, m4, m5, m6, m7, m8, m9, m10, m11, m12, m13, m14, m15);
 }
@@ -46,25 +50,15 @@ Matrix4::Matrix4(const float* values)
         m[i] = values[i];
 }
 
-void Matrix4::assign(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8, float m9,
-                     float m10, float m11, float m12, float m13, float m14, float m15)
+void Matrix4::assign(float m0, float m1, float m2, float m3,
+                     float m4, float m5, float m6, float m7,
+                     float m8, float m9, float m10, float m11,
+                     float m12, float m13, float m14, float m15)
 {
-    m[0] = m0;
-    m[1] = m1;
-    m[2] = m2;
-    m[3] = m3;
-    m[4] = m4;
-    m[5] = m5;
-    m[6] = m6;
-    m[7] = m7;
-    m[8] = m8;
-    m[9] = m9;
-    m[10] = m10;
-    m[11] = m11;
-    m[12] = m12;
-    m[13] = m13;
-    m[14] = m14;
-    m[15] = m15;
+    m[0] = m0;   m[1] = m1;   m[2] = m2;   m[3] = m3;
+    m[4] = m4;   m[5] = m5;   m[6] = m6;   m[7] = m7;
+    m[8] = m8;   m[9] = m9;   m[10] = m10; m[11] = m11;
+    m[12] = m12; m[13] = m13; m[14] = m14; m[15] = m15;
 }
 
 bool Matrix4::operator==(const Matrix4& o) const
@@ -190,7 +184,8 @@ Matrix4 Matrix4::inverse() const
 Vector3 operator*(const Matrix4& mat, const Vector3& v)
 {
     const float* m = mat.m;
-    return Vector3(m[0] * v.x + m[1] * v.y + m[2] * v.z + m[3], m[4] * v.x + m[5] * v.y + m[6] * v.z + m[7],
+    return Vector3(m[0] * v.x + m[1] * v.y + m[2] * v.z + m[3],
+                   m[4] * v.x + m[5] * v.y + m[6] * v.z + m[7],
                    m[8] * v.x + m[9] * v.y + m[10] * v.z + m[11]);
 }
 
@@ -202,7 +197,8 @@ Vector3 operator*(const Vector3& v, const Matrix4& mat)
 Vector4 operator*(const Matrix4& mat, const Vector4& v)
 {
     const float* m = mat.m;
-    return Vector4(m[0] * v.x + m[1] * v.y + m[2] * v.z + m[3] * v.w, m[4] * v.x + m[5] * v.y + m[6] * v.z + m[7] * v.w,
+    return Vector4(m[0] * v.x + m[1] * v.y + m[2] * v.z + m[3] * v.w,
+                   m[4] * v.x + m[5] * v.y + m[6] * v.z + m[7] * v.w,
                    m[8] * v.x + m[9] * v.y + m[10] * v.z + m[11] * v.w,
                    m[12] * v.x + m[13] * v.y + m[14] * v.z + m[15] * v.w);
 }
@@ -235,3 +231,4 @@ std::ostream& operator<<(std::ostream& out, const Matrix4& mat)
     out.precision(old);
     return out;
 }
+// clang-format on

@@ -1,5 +1,7 @@
 // 4x4 float matrix, row-major, acting on column vectors (p' = M * p).
 // Row-major is not OpenGL's order: transpose before handing one to GL.
+// Matrices are written out row by row, as they read on paper: the formatter leaves these files alone.
+// clang-format off
 #pragma once
 
 #include "math/Vector3.h"
@@ -14,12 +16,16 @@ public:
     float m[16];
 
     Matrix4();  // all zero
-    Matrix4(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8, float m9,
-            float m10, float m11, float m12, float m13, float m14, float m15);
+    Matrix4(float m0, float m1, float m2, float m3,
+            float m4, float m5, float m6, float m7,
+            float m8, float m9, float m10, float m11,
+            float m12, float m13, float m14, float m15);
     explicit Matrix4(const float* values);
 
-    void assign(float m0, float m1, float m2, float m3, float m4, float m5, float m6, float m7, float m8, float m9,
-                float m10, float m11, float m12, float m13, float m14, float m15);
+    void assign(float m0, float m1, float m2, float m3,
+                float m4, float m5, float m6, float m7,
+                float m8, float m9, float m10, float m11,
+                float m12, float m13, float m14, float m15);
 
     float& operator[](int i) { return m[i]; }
     float operator[](int i) const { return m[i]; }
@@ -59,3 +65,4 @@ Vector4 operator*(const Vector4& v, const Matrix4& mat);
 
 std::istream& operator>>(std::istream& in, Matrix4& mat);
 std::ostream& operator<<(std::ostream& out, const Matrix4& mat);
+// clang-format on
