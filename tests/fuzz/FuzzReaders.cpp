@@ -67,6 +67,16 @@ std::string savedBytes(T& object)
     return out.str();
 }
 
+// What was read saves, the saved form loads again into a fresh object and saves to the same bytes.
+template <typename T>
+bool roundTrips(T& object)
+{
+    const std::string first = savedBytes(object);
+    T again;
+    std::istringstream in(first, std::ios::binary);
+    return again.load(in) && savedBytes(again) == first;
+}
+
 // --- configuration -------------------------------------------------------
 
 Outcome configFile(const uint8_t* data, size_t size)
@@ -93,10 +103,7 @@ Outcome configFile(const uint8_t* data, size_t size)
 // A loaded mesh saves, the saved form loads again and saves to the same bytes.
 Outcome meshRoundTrip(Mesh& mesh)
 {
-    std::string first = savedBytes(mesh);
-    Mesh again;
-    std::istringstream in(first, std::ios::binary);
-    if (!again.load(in) || savedBytes(again) != first)
+    if (!roundTrips(mesh))
         return FuzzReaders::INCONSISTENT;
     SphericalUV().mapMesh(&mesh, 0);
     return FuzzReaders::LOADED;
@@ -155,19 +162,6 @@ Outcome registrySet(Registry* registry, const uint8_t* data, size_t size)
     return result;
 }
 
-Outcome materialSet(const uint8_t* data, size_t size)
-{
-    return registrySet(MaterialMgr::getHandle(), data, size);
-}
-Outcome lightSet(const uint8_t* data, size_t size)
-{
-    return registrySet(LightMgr::getHandle(), data, size);
-}
-Outcome cameraSet(const uint8_t* data, size_t size)
-{
-    return registrySet(CameraMgr::getHandle(), data, size);
-}
-
 Outcome textureList(const uint8_t* data, size_t size)
 {
     std::istringstream in = streamOf(data, size);
@@ -183,10 +177,7 @@ Outcome bezierFile(const uint8_t* data, size_t size)
     BezierMesh mesh;
     if (!mesh.load(in))
         return FuzzReaders::REJECTED;
-    std::string first = savedBytes(mesh);
-    BezierMesh again;
-    std::istringstream copy(first, std::ios::binary);
-    if (!again.load(copy) || savedBytes(again) != first)
+    if (!roundTrips(mesh))
         return FuzzReaders::INCONSISTENT;
     // What a scene does with it before drawing: a finer grid and a move.
     mesh.setGridSize(2, 3);
@@ -204,10 +195,7 @@ Outcome terrainFile(const uint8_t* data, size_t size)
     Terrain terrain;
     if (!terrain.load(in))
         return FuzzReaders::REJECTED;
-    const std::string first = savedBytes(terrain);
-    Terrain again;
-    std::istringstream copy(first, std::ios::binary);
-    if (!again.load(copy) || savedBytes(again) != first || !terrain.buildPatches(3))
+    if (!roundTrips(terrain) || !terrain.buildPatches(3))
         return FuzzReaders::INCONSISTENT;
     const BoundingBox& limits = terrain.getLimits();
     float sum = 0.0f;
@@ -242,11 +230,7 @@ Outcome octreeFile(const uint8_t* data, size_t size)
         Octree tree;
         if (tree.load(in)) {
             tree.parse(countNode);
-            std::string first = savedBytes(tree);
-            Octree again;
-            std::istringstream copy(first, std::ios::binary);
-            bool same = again.load(copy) && savedBytes(again) == first;
-            result = same ? FuzzReaders::LOADED : FuzzReaders::INCONSISTENT;
+            result = roundTrips(tree) ? FuzzReaders::LOADED : FuzzReaders::INCONSISTENT;
         } else if (!tree.isEmpty()) {
             // A failed load leaves no half-built parts behind.
             result = FuzzReaders::INCONSISTENT;
@@ -267,15 +251,6 @@ void play(Animation& animation)
         animation.update(0.25f);
     animation.setFrame(animation.getLastFrame() + 1);
     animation.update(1.0f);
-}
-
-template <typename Animation>
-bool roundTrips(Animation& animation)
-{
-    std::string first = savedBytes(animation);
-    Animation again;
-    std::istringstream in(first, std::ios::binary);
-    return again.load(in) && savedBytes(again) == first;
 }
 
 // One CANI chunk read as both classes that share the tag.
@@ -376,32 +351,16 @@ const ImageKind jpegKind = {"jpg", {8, 1, 2, 3, 4, 5, 6, 7}, false};
 const ImageKind tiffKind = {"tif", {8, 1, 2, 3, 4, 5, 6, 7}, true};
 const ImageKind pcxKind = {"pcx", {8, 1, 2, 3, 4, 5, 6, 7}, true};
 const ImageKind tgaKind = {"tga", {8, 1, 7}, false};
-const ImageKind bwKind = {"bw", {5, 1, 2, 3, 4}, false};
 
-Outcome pngFile(const uint8_t* data, size_t size)
+template <const ImageKind* kind>
+Outcome imageOf(const uint8_t* data, size_t size)
 {
-    return imageFile(pngKind, data, size);
-}
-Outcome jpegFile(const uint8_t* data, size_t size)
-{
-    return imageFile(jpegKind, data, size);
-}
-Outcome tiffFile(const uint8_t* data, size_t size)
-{
-    return imageFile(tiffKind, data, size);
-}
-Outcome pcxFile(const uint8_t* data, size_t size)
-{
-    return imageFile(pcxKind, data, size);
-}
-Outcome tgaFile(const uint8_t* data, size_t size)
-{
-    return imageFile(tgaKind, data, size);
+    return imageFile(*kind, data, size);
 }
 
 Outcome bwFile(const uint8_t* data, size_t size)
 {
-    Outcome result = imageFile(bwKind, data, size);
+    Outcome result = imageFile({"bw", {5, 1, 2, 3, 4}, false}, data, size);
     // Two- to four-component codes are refused whatever the file holds.
     std::string path = ScratchFile::write("bw", data, size);
     if (TextureMgr::getHandle()->loadTexture(path.c_str(), 8))
@@ -463,19 +422,19 @@ const FuzzReaders::Reader readers[] = {
     {"config", configFile},
     {"mesh", meshFile},
     {"plainmesh", plainMeshFile},
-    {"materials", materialSet},
-    {"lights", lightSet},
-    {"cameras", cameraSet},
+    {"materials", [](const uint8_t* d, size_t n) { return registrySet(MaterialMgr::getHandle(), d, n); }},
+    {"lights", [](const uint8_t* d, size_t n) { return registrySet(LightMgr::getHandle(), d, n); }},
+    {"cameras", [](const uint8_t* d, size_t n) { return registrySet(CameraMgr::getHandle(), d, n); }},
     {"textures", textureList},
     {"octree", octreeFile},
     {"bezier", bezierFile},
     {"terrain", terrainFile},
     {"animation", animationFile},
-    {"png", pngFile},
-    {"jpeg", jpegFile},
-    {"tiff", tiffFile},
-    {"pcx", pcxFile},
-    {"tga", tgaFile},
+    {"png", imageOf<&pngKind>},
+    {"jpeg", imageOf<&jpegKind>},
+    {"tiff", imageOf<&tiffKind>},
+    {"pcx", imageOf<&pcxKind>},
+    {"tga", imageOf<&tgaKind>},
     {"bw", bwFile},
     {"ctx", containerFile},
 };
