@@ -88,8 +88,6 @@ TEST_F(CameraAnimationTest, SaveLoadSaveIsBitIdenticalAndAnUnknownCameraLoadsAsN
     const std::string first = filledImage(anim);
     const std::string head = std::string("CANI") + f32(25.0f) + le16(7) + camName + "LIN3";
     EXPECT_EQ(first.substr(0, head.size()), head);
-    // Two LIN3 headers of 10 bytes and five keys.
-    EXPECT_EQ(first.size(), head.size() - 4 + 2 * 10 + 5 * static_cast<size_t>(Lin3Key::RECORD_SIZE));
     CameraAnimation loaded;
     std::istringstream in(first);
     ASSERT_TRUE(loaded.load(in));

@@ -27,10 +27,7 @@ TEST(NamedObjectFrame, NameIsLengthThenBytesAndAZeroLengthKeepsTheConstructedNam
 TEST(NamedObjectFrame, NameLongerThanTheFileFailsWithoutAllocating)
 {
     NamedObject object("kept");
-    std::istringstream in(
-        std::string("\xff\x7f"
-                    "abc",
-                    5));
+    std::istringstream in(std::string("\xff\x7f") + "abc");
     EXPECT_FALSE(object.load(in));
     EXPECT_STREQ(object.getName(), "kept");
 }
