@@ -55,20 +55,13 @@ Bytes pcxFile()
 
 Bytes tgaFile(int type, int depth, int mapType = 0, int mapLength = 0, int mapBits = 0)
 {
-    return patched(Bytes(18 + 32, 0x55), {{0, 0},
-                                          {1, mapType},
-                                          {2, type},
-                                          {3, 0},
-                                          {4, 0},
-                                          {5, mapLength & 0xff},
-                                          {6, mapLength >> 8},
-                                          {7, mapBits},
-                                          {12, 4},
-                                          {13, 0},
-                                          {14, 2},
-                                          {15, 0},
-                                          {16, depth},
-                                          {17, 0}});
+    // A 4 x 2 picture: type, colour map, size and depth; the 32 bytes after the header are filler.
+    Bytes file = patched(Bytes(18 + 32, 0x55), {{0, 0}, {1, mapType}, {2, type}, {3, 0}, {4, 0}, {7, mapBits}});
+    put16(file, 5, mapLength);
+    put16(file, 12, 4);
+    put16(file, 14, 2);
+    put16(file, 16, depth);
+    return file;
 }
 
 // 5 x 2, bottom row first, with repeat and literal packets when run-length coded.

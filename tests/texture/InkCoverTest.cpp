@@ -50,7 +50,7 @@ bool covered(const InkCover& cover, float s, float t)
 
 }  // namespace
 
-TEST(InkCover, PicturesWithoutPixelsOrAlphaAreOneWholeBox)
+TEST(InkCover, PicturesWithoutPixelsOrAlphaAreOneWholeBoxAndNoInkGivesNone)
 {
     InkCover cover;
     cover.measure(nullptr, 0.0f, 0.5f, 0.25f, 0.5f, 8);
@@ -62,12 +62,7 @@ TEST(InkCover, PicturesWithoutPixelsOrAlphaAreOneWholeBox)
     cover.measure(opaque.get(), 0.0f, 1.0f, 0.0f, 1.0f, 8);
     EXPECT_TRUE(cover.isWhole());
     EXPECT_EQ(cover.getBoxes().size(), 1u);
-}
-
-TEST(InkCover, NoInkNoBoxes)
-{
     const auto empty = picture({});
-    InkCover cover;
     cover.measure(empty.get(), 0.0f, 1.0f, 0.0f, 1.0f, 8);
     EXPECT_FALSE(cover.isWhole());
     EXPECT_TRUE(cover.getBoxes().empty());

@@ -64,6 +64,12 @@ std::string ctxFile(const char* name, int format)
     return path;
 }
 
+void put16(Bytes& file, size_t at, int value, bool bigEndian)
+{
+    file.at(at + (bigEndian ? 1 : 0)) = static_cast<unsigned char>(value & 0xff);
+    file.at(at + (bigEndian ? 0 : 1)) = static_cast<unsigned char>((value >> 8) & 0xff);
+}
+
 Bytes patched(Bytes file, std::initializer_list<std::pair<size_t, int>> edits)
 {
     for (const auto& edit : edits)
@@ -207,17 +213,10 @@ Bytes sgiRow(const unsigned char* row, int width)
 
 Bytes makePcx(int width, int height, int bytesPerLine, const Bytes& indices, const Bytes& palette)
 {
-    Bytes file = patched(Bytes(128, 0), {{0, 0x0a},
-                                         {1, 5},
-                                         {2, 1},
-                                         {3, 8},
-                                         {8, (width - 1) & 0xff},
-                                         {9, (width - 1) >> 8},
-                                         {10, (height - 1) & 0xff},
-                                         {11, (height - 1) >> 8},
-                                         {65, 1},
-                                         {66, bytesPerLine & 0xff},
-                                         {67, bytesPerLine >> 8}});
+    Bytes file = patched(Bytes(128, 0), {{0, 0x0a}, {1, 5}, {2, 1}, {3, 8}, {65, 1}});
+    put16(file, 8, width - 1);
+    put16(file, 10, height - 1);
+    put16(file, 66, bytesPerLine);
     for (size_t i = 0, run = 1; i < indices.size(); i += run) {
         for (run = 1; i + run < indices.size() && run < 63 && indices[i + run] == indices[i];)
             ++run;
@@ -233,17 +232,9 @@ Bytes makePcx(int width, int height, int bytesPerLine, const Bytes& indices, con
 Bytes makeSgi(int width, int height, const Bytes& pixels, bool rle)
 {
     // Magic 474, storage, one byte per channel, two dimensions, the size, one channel, pixmax 255.
-    Bytes file = patched(Bytes(512, 0), {{0, 0x01},
-                                         {1, 0xda},
-                                         {2, rle ? 1 : 0},
-                                         {3, 1},
-                                         {5, 2},
-                                         {6, width >> 8},
-                                         {7, width & 0xff},
-                                         {8, height >> 8},
-                                         {9, height & 0xff},
-                                         {11, 1},
-                                         {19, 255}});
+    Bytes file = patched(Bytes(512, 0), {{0, 0x01}, {1, 0xda}, {2, rle}, {3, 1}, {5, 2}, {11, 1}, {19, 255}});
+    put16(file, 6, width, true);
+    put16(file, 8, height, true);
     if (!rle) {
         file.resize(512 + pixels.size());
         std::copy(pixels.begin(), pixels.end(), file.begin() + 512);

@@ -24,6 +24,8 @@ unsigned char* copyOf(const Bytes& bytes);
 Bytes pixelsOf(const Texture* t);
 // A copy of a file with some bytes replaced: {offset, value} pairs.
 Bytes patched(Bytes file, std::initializer_list<std::pair<size_t, int>> edits);
+// A 16-bit field written in place, little-endian unless asked otherwise.
+void put16(Bytes& file, size_t at, int value, bool bigEndian = false);
 TexturePtr loadBytes(TextureLoader& loader, const Bytes& file, const char* name, int format);
 // Every proper prefix of a valid file must be refused (the last `keep` lengths excepted).
 void expectEveryTruncationFails(TextureLoader& loader, const Bytes& whole, const char* name, int format,

@@ -9,6 +9,7 @@
 #include <zlib.h>
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 namespace {
 
@@ -65,10 +66,8 @@ TEST_F(Container, SaveThenLoadIsIdenticalForEveryFormat)
         // The requested format is ignored: the file's own is used.
         TexturePtr t(loader.loadTexture(scratchPath("trip.ctx").c_str(), 3));
         ASSERT_TRUE(t) << format;
-        EXPECT_EQ(w, t->getWidth());
-        EXPECT_EQ(h, t->getHeight());
-        EXPECT_EQ(bpp, t->getBitsPerPixel());
-        EXPECT_EQ(format, t->getFormat());
+        EXPECT_EQ(std::make_tuple(w, h, bpp, format),
+                  std::make_tuple(t->getWidth(), t->getHeight(), t->getBitsPerPixel(), t->getFormat()));
         EXPECT_EQ(pixels, pixelsOf(t.get()));
     }
 }
