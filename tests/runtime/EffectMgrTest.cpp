@@ -216,7 +216,6 @@ TEST_F(Timeline, PreloadStepsComeOneAFrameInTheSecondsBeforeAStartSoonestStartFi
     EXPECT_EQ(step(1.0f), (Log{"preload later"}));
     EXPECT_EQ(step(1.0f), Log{});
     EXPECT_EQ(step(1.5f), (Log{"initiate later"}));
-    EXPECT_EQ(Effect::PRELOAD_SECONDS, 4.0f);
 }
 
 TEST_F(Timeline, AnEffectMayAskForItsPreloadFromFurtherAhead)

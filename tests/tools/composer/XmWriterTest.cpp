@@ -42,13 +42,6 @@ XmModule tinyModule()
     return m;
 }
 
-std::vector<uint8_t> written(const XmModule& m)
-{
-    std::vector<uint8_t> bytes;
-    EXPECT_TRUE(XmWriter::write(m, bytes));
-    return bytes;
-}
-
 }  // namespace
 
 TEST(XmWriterPatterns, CellsPackToTheirShortestForm)
@@ -94,7 +87,8 @@ TEST(XmWriterLimits, RejectsModulesTheFormatCannotHoldAndLeavesNoBytes)
 
 TEST(XmWriterReader, LibopenmptReadsWhatWasWritten)
 {
-    const std::vector<uint8_t> b = written(tinyModule());
+    std::vector<uint8_t> b;
+    ASSERT_TRUE(XmWriter::write(tinyModule(), b));
     int error = 0;
     openmpt_module* mod = openmpt_module_create_from_memory2(b.data(), b.size(), nullptr, nullptr, nullptr, nullptr,
                                                              &error, nullptr, nullptr);
