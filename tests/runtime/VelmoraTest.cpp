@@ -27,6 +27,7 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <typeinfo>
 #include <vector>
 
@@ -207,9 +208,8 @@ TEST_F(Driver, TheTestTimelineHoldsOneCityStreetForHalfAnHour)
     const std::vector<const Effect*> schedule = scheduleOf(*demo->getEffects());
     ASSERT_EQ(schedule.size(), 1u);
     EXPECT_NE(dynamic_cast<const CityStreet*>(schedule[0]), nullptr);
-    EXPECT_EQ(schedule[0]->getLayer(), 0);
-    EXPECT_EQ(schedule[0]->getTimer().start, 0.0f);
-    EXPECT_EQ(schedule[0]->getTimer().end, 1800.0f);
+    EXPECT_EQ(std::make_tuple(schedule[0]->getLayer(), schedule[0]->getTimer().start, schedule[0]->getTimer().end),
+              std::make_tuple(short(0), 0.0f, 1800.0f));
     EXPECT_EQ(demo->getEffects()->getTimer().current + demo->getEffects()->getTimer().end, 0.0f);
     // Building the schedule afterwards replaces it.
     demo->setupScenes();

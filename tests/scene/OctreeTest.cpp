@@ -224,6 +224,7 @@ std::vector<unsigned char> tunnelFrame(const OffscreenFrame& frame, Camera& came
     camera.lookAt();
     const float direction[4] = {0.3f, 1.0f, 0.2f, 0.0f};
     glLightfv(GL_LIGHT0, GL_POSITION, direction);
+    glPushAttrib(GL_ENABLE_BIT);
     glEnable(GL_LIGHTING);
     glEnable(GL_LIGHT0);
     glEnable(GL_FOG);
@@ -243,10 +244,7 @@ std::vector<unsigned char> tunnelFrame(const OffscreenFrame& frame, Camera& came
     glVertex3f(0.05f, -0.05f, -0.2f);
     glVertex3f(0.0f, 0.05f, -0.2f);
     glEnd();
-    glDisable(GL_TEXTURE_2D);
-    glDisable(GL_FOG);
-    glDisable(GL_LIGHT0);
-    glDisable(GL_LIGHTING);
+    glPopAttrib();
     return frame.read();
 }
 

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -84,10 +85,7 @@ TEST_F(SongMeterTest, LevelsRowsAndSoundFollowTheSong)
     EXPECT_GT(early.levels[0], 0.0f);
     EXPECT_EQ(early.levels[1], 0.0f);
     EXPECT_GT(late.levels[1], 0.0f);
-    EXPECT_EQ(early.order, 0);
-    EXPECT_EQ(late.order, 1);
-    EXPECT_EQ(late.pattern, 1);
-    EXPECT_EQ(early.rows, 16);
+    EXPECT_EQ(std::make_tuple(early.order, late.order, late.pattern, early.rows), std::make_tuple(0, 1, 1, 16));
     EXPECT_NEAR(early.row, static_cast<int>(0.5 / ROW_SECONDS), 1);
     float loudest = 0.0f;
     for (float v : late.wave) {
