@@ -29,6 +29,11 @@ const EffectTimer SPAN(214.5f, 247.5f);
 // Down the middle of the x street at z = 2 pitches, at the camera's height.
 const Vector3 EYE(100.0f, static_cast<float>(CAMERA_HEIGHT), static_cast<float>(2 * PITCH));
 
+// A plain white light from above, for lights that are not the scene's own.
+const SceneKit::LightSetup WHITE_LIGHT = {Vector3(0.0f, 1.0f, 0.0f), Color(0.1f, 0.1f, 0.1f, 1.0f),
+                                          Color(1.0f, 1.0f, 1.0f, 1.0f), Color(1.0f, 1.0f, 1.0f, 1.0f),
+                                          {1.0f, 0.0f, 0.0f}};
+
 bool hidden(Vector3 low, Vector3 high)
 {
     return CityBlock::behindStreetWall(EYE, low, high);
@@ -88,13 +93,8 @@ size_t count(const std::string& text, const std::string& part)
 
 TEST_F(CityStreetTest, OnlyTheScenesOwnLightsShineWhileItDrawsItsCars)
 {
-    const SceneKit::LightSetup setup = {Vector3(0.0f, 1.0f, 0.0f),
-                                        Color(0.1f, 0.1f, 0.1f, 1.0f),
-                                        Color(1.0f, 1.0f, 1.0f, 1.0f),
-                                        Color(1.0f, 1.0f, 1.0f, 1.0f),
-                                        {1.0f, 0.0f, 0.0f}};
-    Light* ours = SceneKit::directionalLight("OwnLightsOurs", setup);
-    Light* left = SceneKit::directionalLight("OwnLightsLeftOn", setup);
+    Light* ours = SceneKit::directionalLight("OwnLightsOurs", WHITE_LIGHT);
+    Light* left = SceneKit::directionalLight("OwnLightsLeftOn", WHITE_LIGHT);
     {
         static const char* const names[] = {"OwnLightsOurs", nullptr};
         const OwnLights only(names);
@@ -232,11 +232,7 @@ std::vector<unsigned char> framesOf(const EffectTimer& span, bool ahead, int fra
         glGenTextures(1, &other);
         glBindTexture(GL_TEXTURE_2D, other);
         glEnable(GL_TEXTURE_2D);
-        const Light* light = SceneKit::directionalLight("OnScreen", {Vector3(0.0f, 1.0f, 0.0f),
-                                                                     Color(0.1f, 0.1f, 0.1f, 1.0f),
-                                                                     Color(1.0f, 1.0f, 1.0f, 1.0f),
-                                                                     Color(1.0f, 1.0f, 1.0f, 1.0f),
-                                                                     {1.0f, 0.0f, 0.0f}});
+        const Light* light = SceneKit::directionalLight("OnScreen", WHITE_LIGHT);
         glClearColor(0.2f, 0.4f, 0.6f, 1.0f);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         glTranslatef(1.0f, 2.0f, 3.0f);

@@ -10,6 +10,7 @@
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
 #include "sound/SongMeter.h"
+#include "support/OffscreenFrame.h"
 
 #include <gtest/gtest.h>
 #include <cmath>
@@ -88,14 +89,6 @@ protected:
     }
 };
 
-size_t differing(const std::vector<unsigned char>& a, const std::vector<unsigned char>& b)
-{
-    size_t count = 0;
-    for (size_t i = 0; i < a.size() && i < b.size(); ++i)
-        count += a[i] != b[i];
-    return count;
-}
-
 }  // namespace
 
 TEST_F(CockpitTest, TheBarsFollowTheSongsLevelsAndTheSameMomentDrawsTheSameFrame)
@@ -123,7 +116,7 @@ TEST_F(CockpitTest, TheBarsFollowTheSongsLevelsAndTheSameMomentDrawsTheSameFrame
             barsChanged += kick[i] != pads[i] || kick[i + 1] != pads[i + 1];
         }
     EXPECT_GT(barsChanged, 10u);
-    EXPECT_EQ(differing(at(2.0f), kick), 0u) << "two captures of one moment differ";
+    EXPECT_EQ(OffscreenFrame::countDifferences(at(2.0f), kick, 0), 0u) << "two captures of one moment differ";
 }
 
 TEST_F(CockpitTest, WithNoSongTheDisplaysIdleQuietly)

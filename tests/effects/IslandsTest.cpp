@@ -1,6 +1,8 @@
 // The islands scene: water heights and the wave's wrap, the birds' loop, reuse on a second start, and running without its data.
 #include "effects/Islands.h"
 
+#include "MissingData.h"
+
 #include "scene/CameraMgr.h"
 #include "scene/LightMgr.h"
 #include "scene/Mesh.h"
@@ -10,9 +12,7 @@
 #include "texture/MaterialMgr.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 
 namespace {
@@ -52,15 +52,11 @@ TEST_F(IslandsTest, WaveAngleWrapsBySubtracting360OncePerUpdate)
 {
     scene.initiate();
     scene.update(7.5f);
-    EXPECT_FLOAT_EQ(scene.getWaterAngle(), 337.5f);
     // Reaching 360 exactly wraps to 0.
     scene.update(0.5f);
     EXPECT_FLOAT_EQ(scene.getWaterAngle(), 0.0f);
-    scene.update(7.5f);
-    scene.update(0.75f);
-    EXPECT_FLOAT_EQ(scene.getWaterAngle(), 11.25f);
     // A long step wraps only once.
-    scene.update(7.25f);
+    scene.update(7.5f);
     scene.update(10.0f);
     EXPECT_FLOAT_EQ(scene.getWaterAngle(), 787.5f - 360.0f);
     scene.shutdown();
@@ -107,11 +103,8 @@ TEST_F(IslandsTest, FullDataLoadsAndASecondInitiateReusesCameraLightsAndSkyMater
 
 TEST_F(IslandsTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns)
 {
-    char dir[] = "/tmp/islands-empty-XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    char* previous = getcwd(nullptr, 0);
-    ASSERT_EQ(chdir(dir), 0);
-    testing::internal::CaptureStderr();
+    MissingData nothing;
+    ASSERT_TRUE(nothing.entered());
     {
         Islands bare(0, EffectTimer(35.5f, 68.5f));
         EXPECT_EQ(bare.getMountainCount(), 0);
@@ -122,10 +115,8 @@ TEST_F(IslandsTest, WithoutItsDataTheScenePrintsItsMessagesAndStillRuns)
         bare.display();
         bare.shutdown();
     }
-    const std::string errors = testing::internal::GetCapturedStderr();
-    ASSERT_EQ(chdir(previous), 0);
-    std::free(previous);
-    rmdir(dir);
+    nothing.finish();
+    const std::string& errors = nothing.getErrors();
     EXPECT_NE(errors.find("Couldn't 'data/3d/load ship.msh'\n"), std::string::npos) << errors;
     EXPECT_NE(errors.find("Unable to load bird 0\n"), std::string::npos) << errors;
     EXPECT_EQ(errors.find("Unable to load bird 1"), std::string::npos) << errors;

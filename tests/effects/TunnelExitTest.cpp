@@ -137,9 +137,7 @@ TEST_F(TunnelExitTest, WithItsDataEverythingLoadsAndIsWiredTogether)
 // frame as the first start.
 TEST_F(TunnelExitTest, ItsPicturesGoAtTheEndAndASecondStartDrawsTheSameFrame)
 {
-    if (access(OCTREE, R_OK) != 0)
-        GTEST_SKIP() << "no forged data tree in the working directory";
-    SceneHarness::prepare();
+    SKIP_WITHOUT_DATA(OCTREE);
     const TextureFile pictures[] = {ROCK, CAUSTICS, LIGHT, RAY};
     const float moment = HIT_TIME - 1.0f;
     std::vector<unsigned char> first;

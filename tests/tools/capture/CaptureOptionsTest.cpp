@@ -44,6 +44,8 @@ TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)
         {{"--sheet="}, "non-empty"},
         {{"--csv", "b.csv", "--to", "3"}, "--csv writes the frame times of --bench"},
         {{"--bench", "--csv="}, "non-empty"},
+        {{"--memory=5", "--shot", "3"}, "--shot"},
+        {{"--memory=5", "--list"}, "--list"},
     };
     std::vector<std::pair<std::vector<const char*>, const char*>> all = cases;
     for (const char* size : {"640", "640x", "640X480", "640x480x2", "6a0x480", " 640x480", "+640x480", "0x480",
@@ -53,6 +55,8 @@ TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)
         all.push_back({{"--fps", rate}, "--fps"});
     for (const char* time : {"-1", "86400.5", "nan", "inf", "0x10", "1s", "", " 5"})
         all.push_back({{"--from", time}, "--from"});
+    for (const char* every : {"0", "-1", "abc", "1e9", ""})
+        all.push_back({{"--memory", every}, "--memory"});
     for (const auto& [words, mentions] : all) {
         SCOPED_TRACE(std::string(words[0]) + (words.size() > 1 ? std::string(" ") + words[1] : ""));
         CaptureOptions options;
@@ -62,12 +66,14 @@ TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)
     }
 }
 
-TEST(CaptureOptionsAccepted, TheBenchWritesItsFramesToACsvFile)
+TEST(CaptureOptionsAccepted, TheBenchWritesItsFramesToACsvFileAndMemoryFiguresDrawARange)
 {
     CaptureOptions options;
     std::string error;
-    ASSERT_TRUE(parse(options, {"--bench", "--csv", "bench.csv", "--size", "640x480"}, error)) << error;
+    ASSERT_TRUE(parse(options, {"--bench", "--csv", "bench.csv", "--memory", "120", "--to", "1800"}, error)) << error;
     EXPECT_TRUE(options.bench);
     EXPECT_EQ(options.csvFile, "bench.csv");
+    EXPECT_EQ(options.memoryEvery, 120.0);
+    EXPECT_TRUE(options.rendersRange());
     EXPECT_TRUE(options.hasWork());
 }
