@@ -20,7 +20,7 @@ bool loads(Variable& v, const std::string& text)
 
 }  // namespace
 
-TEST(VariableConversion, SettersWriteFixedFormats)
+TEST(VariableConversion, SettersWriteFixedFormatsOnlyYesIsTrueAndIntegersTakeLeadingDigits)
 {
     Variable v;
     v.setValue(0.5f);
@@ -30,10 +30,6 @@ TEST(VariableConversion, SettersWriteFixedFormats)
     EXPECT_TRUE(v.getBoolean());
     v.setBoolean(false);
     EXPECT_STREQ(v.getString(), "no");
-}
-
-TEST(VariableConversion, OnlyYesIsTrueAndIntegersTakeLeadingDigits)
-{
     EXPECT_TRUE(withText("YES").getBoolean());
     for (const char* text : {"1", "true", "on", "yes ", "yes\r"})
         EXPECT_FALSE(withText(text).getBoolean()) << text;
@@ -68,7 +64,7 @@ TEST(VariableIdentity, CopiesOwnTheirTextAndNamesAreCaseSensitive)
     EXPECT_STREQ(c.getString(), "255");
 }
 
-TEST(VariableRecord, NameSpaceEqualsValueWithEveryBlankKept)
+TEST(VariableRecord, NameSpaceEqualsValueWithEveryBlankKeptAndMissingEqualsOrOverlongFieldsFail)
 {
     Variable v("Old", "x", true);
     ASSERT_TRUE(loads(v, "Width = 800\n"));
@@ -81,11 +77,6 @@ TEST(VariableRecord, NameSpaceEqualsValueWithEveryBlankKept)
     EXPECT_STREQ(v.getString(), "  two\r");
     ASSERT_TRUE(loads(v, "\nWidth = 800\n"));
     EXPECT_STREQ(v.getName(), "\nWidth");
-}
-
-TEST(VariableRecord, MissingEqualsOrOverlongFieldsFail)
-{
-    Variable v;
     for (const char* text : {"Width : 800\n", "Width=800", "", "Width ="})
         EXPECT_FALSE(loads(v, text)) << text;
     ASSERT_TRUE(loads(v, std::string(127, 'n') + " = " + std::string(127, 'v') + "\n"));

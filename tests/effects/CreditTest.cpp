@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -243,11 +244,7 @@ protected:
 // and only along lines where the interpolation rounds otherwise.
 TEST_F(CreditPictureTest, QuadsCutToTheirInkKeepThePicture)
 {
-    const struct {
-        int width, height;
-    } sizes[] = {{640, 480}, {1280, 720}};
-    for (const auto& size : sizes) {
-        const int width = size.width, height = size.height;
+    for (const auto& [width, height] : {std::pair<int, int>{640, 480}, {1280, 720}}) {
         OffscreenFrame frame(width, height);
         ASSERT_TRUE(frame.isComplete());
         for (int index = 0; index < 4; ++index) {

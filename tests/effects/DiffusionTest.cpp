@@ -41,16 +41,12 @@ protected:
 
 }  // namespace
 
-TEST(DiffusionStrength, IsKeptBetweenOneAndSixteenCopies)
+TEST(DiffusionCopies, OneToSixteenSitOnABalancedRingWithEqualShares)
 {
     EXPECT_EQ(Diffusion(0).getStrength(), 1);
     EXPECT_EQ(Diffusion(-3).getStrength(), 1);
     EXPECT_EQ(Diffusion(16).getStrength(), 16);
     EXPECT_EQ(Diffusion(17).getStrength(), 16);
-}
-
-TEST(DiffusionCopies, SitOnABalancedRingWithEqualShares)
-{
     Diffusion diffusion(5);
     float sumU = 0.0f, sumV = 0.0f, blended = 0.0f;
     for (int i = 0; i < 5; ++i) {

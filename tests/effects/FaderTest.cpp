@@ -69,14 +69,11 @@ TEST(FaderRamp, RisesToOneAtTheMiddleAndFallsToZeroAtTheEnd)
     fader.update(0.25f);
     EXPECT_EQ(fader.getAlpha(), 0.0f);
     EXPECT_EQ(fader.getRate(), 0.0f);
-}
-
-TEST(FaderRamp, OvershootPastTheMiddleDescendsFromExactlyOne)
-{
-    Fader fader = started(white, {0.7f});
-    EXPECT_EQ(fader.getAlpha(), 1.0f);
-    fader.update(0.125f);
-    EXPECT_EQ(fader.getAlpha(), 0.75f);
+    // Overshooting the middle descends from exactly one.
+    Fader overshot = started(white, {0.7f});
+    EXPECT_EQ(overshot.getAlpha(), 1.0f);
+    overshot.update(0.125f);
+    EXPECT_EQ(overshot.getAlpha(), 0.75f);
 }
 
 TEST(TextureFaderRamp, KeepsItsOwnNameAndNeverRises)

@@ -37,7 +37,7 @@ TEST(GreetingsFont, TheMissingFontIsReportedByTheOtherNameAndTheFallbackLoads)
     EXPECT_EQ(greetings.getFont()->getFaceSize(), 24u);
 }
 
-TEST(GreetingsRoll, StartsWithTheHeadingAndALongFrameLetsInOneLineOnly)
+TEST(GreetingsRoll, LinesEnterOneAFrameTwentyFourApartAndTheTopLineNeverPassesTheLast)
 {
     Greetings& greetings = roll();
     greetings.resetRoll();
@@ -47,11 +47,6 @@ TEST(GreetingsRoll, StartsWithTheHeadingAndALongFrameLetsInOneLineOnly)
     EXPECT_EQ(greetings.getLast(), 2);
     EXPECT_EQ(greetings.getFirst(), 0);
     EXPECT_NEAR(greetings.getLead(), 464.0f - 24.0f - 24.0f, 1e-3f);
-}
-
-TEST(GreetingsRoll, LinesEnterTwentyFourApartUpToTheLastEntryAndTheTopLineNeverPassesTheLast)
-{
-    Greetings& greetings = roll();
     greetings.resetRoll();
     int entered = 0;
     int last = greetings.getLast();

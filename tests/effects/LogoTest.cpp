@@ -32,7 +32,7 @@ protected:
 
 }  // namespace
 
-TEST_F(LogoTest, RestingGridStopsOneTwelfthShortOfThePicturesEdges)
+TEST_F(LogoTest, RestingGridStopsOneTwelfthShortOfThePicturesEdgesAndTheWaveStartsFromTheBottomRow)
 {
     const Logo::GridVertex& first = logo.getVertex(0, 0);
     EXPECT_EQ(first.x + first.y + first.u, 0.0f);
@@ -42,10 +42,6 @@ TEST_F(LogoTest, RestingGridStopsOneTwelfthShortOfThePicturesEdges)
     EXPECT_NEAR(last.v, 1.0f / 12.0f, 1e-6f);
     EXPECT_NEAR(last.x, 586.6667f, 1e-3f);
     EXPECT_EQ(last.y, 440.0f);
-}
-
-TEST_F(LogoTest, AtPhaseZeroTheWaveStartsFromTheBottomRow)
-{
     logo.update(0.0f);
     EXPECT_NEAR(logo.getVertex(0, 0).x, -33.3333f, 1e-3f);
     EXPECT_NEAR(logo.getVertex(0, 0).y, -20.0f, 1e-3f);

@@ -40,7 +40,7 @@ float gap(const Box& a, const Box& b)
 
 }  // namespace
 
-TEST(OneWayStreet, EveryCarKeepsToItsLaneGoingItsStreetsWay)
+TEST(OneWayStreet, EveryCarKeepsToItsLaneGoingItsStreetsWayAndNoTwoEverShareAPlace)
 {
     const OneWayStreet street;
     ASSERT_GT(street.getCars().size(), 300u);
@@ -67,11 +67,6 @@ TEST(OneWayStreet, EveryCarKeepsToItsLaneGoingItsStreetsWay)
             }
         }
     }
-}
-
-TEST(OneWayStreet, NoTwoCarsEverShareAPlaceEvenAtTheCrossings)
-{
-    const OneWayStreet street;
     const std::vector<OneWayStreet::Car>& cars = street.getCars();
     float closest = 1e9f;
     // A tenth of a second for the whole race and a second lap: a car crosses a lane in a quarter second.

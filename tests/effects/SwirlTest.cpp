@@ -26,7 +26,7 @@ TEST(SwirlCurve, TakesDegrees)
     expectNear(Swirl::curve(90.0f), Vector3(-4.369861f, 6.0f, 7.862006f), CLOSE);
 }
 
-TEST(SwirlTrail, AnUpdateAddsOnePointAtMostOnceTheFramesMakeUpAStepUpToSixty)
+TEST(SwirlTrail, AnUpdateAddsOnePointAtMostOnceTheFramesMakeUpAStepUpToSixtyAndOnlyThoseFollowTheHead)
 {
     Swirl swirl(0, SPAN);
     swirl.resetTrail();
@@ -48,11 +48,6 @@ TEST(SwirlTrail, AnUpdateAddsOnePointAtMostOnceTheFramesMakeUpAStepUpToSixty)
     for (int i = 0; i < 100; ++i)
         swirl.update(Swirl::STEP);
     EXPECT_EQ(swirl.getCount(), 60);
-}
-
-TEST(SwirlTrail, OnlyPointsInUseFollowTheHead)
-{
-    Swirl swirl(0, SPAN);
     swirl.resetTrail();
     ASSERT_EQ(swirl.getPoints()->getNumVertices(), Swirl::MAX_POINTS);
     swirl.update(0.5f);

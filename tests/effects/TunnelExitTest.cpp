@@ -36,7 +36,7 @@ float fromAxis(int ring, int sector, float t)
 }  // namespace
 
 // Deep teal until the riser's last bars, the white flood only from the hit, white-blue at the end.
-TEST(TunnelExitLight, TurnsFromTheDeepToTheSurfaceAtTheHit)
+TEST(TunnelExitLight, TurnsFromTheDeepToTheSurfaceAndTheShaftsBeatWithTheSnareRollUntilTheHit)
 {
     EXPECT_EQ(TunnelExit::brightness(0.0f), 0.0f);
     EXPECT_LT(TunnelExit::brightness(HIT_TIME - 0.01f), 0.31f);
@@ -49,11 +49,7 @@ TEST(TunnelExitLight, TurnsFromTheDeepToTheSurfaceAtTheHit)
     EXPECT_LT(TunnelExit::flash(HIT_TIME + 0.6f), 0.1f);
     // It ends bright, for the black fade.
     EXPECT_GT(TunnelExit::flash(static_cast<float>(SECONDS)), 0.25f);
-}
-
-// In the roll's last two bars every row is a snare: the shafts flare at each and die back between.
-TEST(TunnelExitLight, ShaftsBeatWithTheSnareRollThenBlazeAtTheHit)
-{
+    // In the roll's last two bars every row is a snare: the shafts flare at each and die back between.
     const float row = static_cast<float>(ROW);
     for (int r = 36; r < 48; ++r) {
         const float onBeat = TunnelExit::rayStrength(r * row + 0.001f);

@@ -44,10 +44,6 @@ TEST_F(GLFCheckError, EachErrorHasItsText)
     glMatrixMode(GL_MODELVIEW);
     glPopMatrix();
     EXPECT_EQ("OpenGL ERROR detected in pop\nCommand would cause a stack underflow\n", report("pop", true));
-}
-
-TEST_F(GLFCheckError, StackOverflow)
-{
     GLint depth = 0;
     glGetIntegerv(GL_MAX_MODELVIEW_STACK_DEPTH, &depth);
     for (GLint i = 0; i < depth; ++i)

@@ -24,19 +24,14 @@ Matrix4 identity4()
 
 }  // namespace
 
-TEST(MatrixProduct, PointIsAColumnWithTranslationLastAndNoDivision)
+TEST(MatrixProduct, PointIsAColumnWithTranslationLastAndNoDivisionAndTheRightFactorActsFirst)
 {
     // x' = 2 + 0 + 3 + 3, y' = 1 + 6 + 0 - 1, z' = 0 + 2 + 12 + 2; row 3 is ignored.
     EXPECT_EQ(sample * Vector3(1, 2, 3), Vector3(8, 6, 16));
     EXPECT_EQ(Vector3(1, 2, 3) * sample, sample * Vector3(1, 2, 3));
     EXPECT_EQ(sample * Vector4(1, 2, 3, 1), Vector4(8, 6, 16, 2));
     EXPECT_EQ(Vector4(1, 2, 3, 0) * sample, Vector4(5, 7, 14, 1));
-    Matrix3 a(1, 2, 3, 4, 5, 6, 7, 8, 9);
-    EXPECT_EQ(Vector3(1, 0, -1) * a, Vector3(-2, -2, -2));
-}
-
-TEST(MatrixProduct, RightFactorActsFirst)
-{
+    EXPECT_EQ(Vector3(1, 0, -1) * Matrix3(1, 2, 3, 4, 5, 6, 7, 8, 9), Vector3(-2, -2, -2));
     Matrix4 rotate, move;
     RotateAroundZ(rotate, 90);
     Translate(move, 10, 0, 0);
@@ -61,7 +56,7 @@ TEST(MatrixDeterminant, KnownValuesAndAdjoint)
     expectNear(sample * sample.adjoint(), scaledIdentity, 1e-4f);
 }
 
-TEST(MatrixInverse, UndoesARigidTransform)
+TEST(MatrixInverse, UndoesARigidTransformAndClampsASmallOrNegativeDeterminant)
 {
     Matrix4 rotate, move;
     RotateXYZ(rotate, 30, -40, 75);
@@ -69,10 +64,6 @@ TEST(MatrixInverse, UndoesARigidTransform)
     Matrix4 m = move * rotate;
     expectNear(m.inverse() * m, identity4());
     EXPECT_EQ(Matrix4().inverse(), Matrix4());
-}
-
-TEST(MatrixInverse, SmallOrNegativeDeterminantIsClamped)
-{
     Matrix4 mirror;
     Scale(mirror, -1, 1, 1, 1);
     // The adjoint diag(1, -1, -1, -1) is divided by 0.000001 instead of -1.

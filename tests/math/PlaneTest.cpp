@@ -23,16 +23,12 @@ TEST(Plane, CreateFollowsTheWindingAndNormalizeSkipsZeroNormals)
     EXPECT_FLOAT_EQ(Vector3(5, 3, 5) * Plane(0, 2, 0, -1), 5.0f);
 }
 
-TEST(Plane, PointsWithinToleranceAreOnThePlane)
+TEST(Plane, PointsWithinToleranceAreOnThePlaneAndASphereCentreInFrontWinsEvenWhenCrossing)
 {
     EXPECT_EQ(ground.classifyPoint(Vector3(0, 0.0000005f, 0)), Plane::ON);
     EXPECT_EQ(ground.classifyPoint(Vector3(0, -0.0000005f, 0)), Plane::ON);
     EXPECT_EQ(ground.classifyPoint(Vector3(0, 0.000002f, 0)), Plane::FRONT);
     EXPECT_EQ(ground.classifyPoint(Vector3(0, -0.000002f, 0)), Plane::BEHIND);
-}
-
-TEST(Plane, SphereCentreInFrontWinsEvenWhenCrossing)
-{
     EXPECT_EQ(ground.classifySphere(Vector3(0, 0.5f, 0), 3), Plane::FRONT);
     EXPECT_EQ(ground.classifySphere(Vector3(0, -2.5f, 0), 3), Plane::ON);
     EXPECT_EQ(ground.classifySphere(Vector3(0, -3.5f, 0), 3), Plane::BEHIND);

@@ -17,7 +17,7 @@ TEST(Builders, OverwriteEveryEntryAndTranslateFourthArgumentIsTheCorner)
     EXPECT_EQ(t, Matrix3(1, 0, 5, 0, 1, 6, 0, 0, 7));
 }
 
-TEST(Rotations, PositiveAnglesTurnCounterClockwise)
+TEST(Rotations, PositiveAnglesTurnCounterClockwiseAndVectorRotateDoesNotNormaliseTheAxis)
 {
     Matrix4 x, y, z, z2;
     RotateAroundX(x, 90);
@@ -28,11 +28,7 @@ TEST(Rotations, PositiveAnglesTurnCounterClockwise)
     expectNear(z * Vector3(1, 0, 0), Vector3(0, 1, 0));
     Rotate2D(z2, 90);
     EXPECT_EQ(z, z2);
-}
-
-TEST(Rotations, VectorRotateDoesNotNormaliseTheAxis)
-{
-    Matrix4 z, v;
+    Matrix4 v;
     RotateAroundZ(z, 30);
     vectorRotate(v, Vector3(0, 0, 1), 30);
     for (int i = 0; i < 16; ++i)
@@ -42,7 +38,7 @@ TEST(Rotations, VectorRotateDoesNotNormaliseTheAxis)
     EXPECT_NEAR(v.m[10], 4.0f, 1e-6f);
 }
 
-TEST(Projection, FrustumTakesTopBeforeBottom)
+TEST(Projection, FrustumTakesTopBeforeBottomPerspectiveIsMirroredAndOrthoMapsTopToPlusOne)
 {
     Matrix4 m;
     frustum(m, -2, 4, 3, -1, 1, 11);
@@ -51,21 +47,11 @@ TEST(Projection, FrustumTakesTopBeforeBottom)
     EXPECT_FLOAT_EQ(m.m[11], -22.0f / 10.0f);
     EXPECT_EQ(m.m[14], -1.0f);
     EXPECT_EQ(m.m[15], 0.0f);
-}
-
-TEST(Projection, PerspectiveIsMirroredVertically)
-{
-    Matrix4 m;
     perspective(m, 90, 2, 1, 10);
     EXPECT_NEAR(m.m[0], 0.5f, 1e-6f);
     EXPECT_NEAR(m.m[5], -1.0f, 1e-6f);
     // A point above the axis lands below the centre of the image.
     EXPECT_LT((m * Vector4(0, 1, -5, 1)).homogenize().y, 0.0f);
-}
-
-TEST(Projection, OrthoMapsTopToPlusOne)
-{
-    Matrix4 m;
     ortho3D(m, 0, 640, 0, 480, 1, 3);
     expectNear(m * Vector3(0, 0, -1), Vector3(-1, 1, -1), 1e-6f);
     expectNear(m * Vector3(640, 480, -3), Vector3(1, -1, 1), 1e-6f);

@@ -26,16 +26,12 @@ TEST(Vector, NormalizeLeavesZeroAloneAndScalesTheRest)
     EXPECT_FLOAT_EQ(Vector4(1, 1, 1, 1).normalize().w, 0.5f);
 }
 
-TEST(Vector, CrossIsRightHandedAndDotIncludesW)
+TEST(Vector, CrossIsRightHandedDotIncludesWAndHomogenizeSkipsZeroW)
 {
     EXPECT_EQ(Vector3(1, 0, 0).cross(Vector3(0, 1, 0)), Vector3(0, 0, 1));
     EXPECT_EQ(Vector3(2, 3, 4).cross(Vector3(5, 6, 7)), Vector3(-3, 6, -3));
     EXPECT_FLOAT_EQ(Vector4(1, 2, 3, 4).dot(Vector4(1, 1, 1, 10)), 46.0f);
     EXPECT_EQ(Vector3(4, 5, 6) / Vector3(1, 2, 3), Vector3(4, 2.5f, 2));
-}
-
-TEST(Vector, HomogenizeSkipsZeroW)
-{
     EXPECT_EQ(Vector4(2, 4, 6, 0).homogenize(), Vector4(2, 4, 6, 0));
     EXPECT_EQ(Vector4(2, 4, 6, 2).homogenize(), Vector4(1, 2, 3, 1));
 }

@@ -44,7 +44,7 @@ TEST(FramePaste, CopiesInPlaceAndLeavesOutWhatFallsOutside)
     EXPECT_EQ(empty.getByteCount(), 0u);
 }
 
-TEST(ContactSheetLayout, SixToARowWithEachLabelUnderItsStill)
+TEST(ContactSheetLayout, SixToARowEachLabelUnderItsStillAndFewStillsMakeOneShortRow)
 {
     const int w = 10, h = 8, label = 3, gap = ContactSheet::GAP;
     ContactSheet sheet(w, h, label, 24);
@@ -70,13 +70,9 @@ TEST(ContactSheetLayout, SixToARowWithEachLabelUnderItsStill)
     EXPECT_EQ(std::vector<uint8_t>(before.getPixels(), before.getPixels() + before.getByteCount()),
               std::vector<uint8_t>(sheet.getPicture().getPixels(),
                                    sheet.getPicture().getPixels() + sheet.getPicture().getByteCount()));
-}
-
-TEST(ContactSheetLayout, FewStillsMakeOneShortRowAndLabelsFitTheStill)
-{
-    ContactSheet sheet(10, 8, 3, 4);
-    EXPECT_EQ(sheet.getColumns(), 4);
-    EXPECT_EQ(sheet.getRows(), 1);
+    ContactSheet four(10, 8, 3, 4);
+    EXPECT_EQ(four.getColumns(), 4);
+    EXPECT_EQ(four.getRows(), 1);
     ContactSheet seven(10, 8, 3, 7);
     EXPECT_EQ(seven.getRows(), 2);
     EXPECT_EQ(ContactSheet::labelHeightFor(240), 30);

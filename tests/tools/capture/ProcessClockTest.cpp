@@ -18,15 +18,11 @@ std::string statLine(const std::string& name)
 
 }  // namespace
 
-TEST(ProcessClockParse, TheTwentySecondFieldCountedAfterTheName)
+TEST(ProcessClockParse, TheTwentySecondFieldCountedAfterTheNameAndShortOrMalformedLinesRefused)
 {
     EXPECT_EQ(ProcessClock::parseStartTicks(statLine("velmora-capture")), 777);
     // Spaces and parentheses in the command name do not shift the fields.
     EXPECT_EQ(ProcessClock::parseStartTicks(statLine("a (b) c")), 777);
-}
-
-TEST(ProcessClockParse, RefusesShortOrMalformedLines)
-{
     EXPECT_EQ(ProcessClock::parseStartTicks(""), -1);
     EXPECT_EQ(ProcessClock::parseStartTicks("4242 velmora S 1 2"), -1);
     EXPECT_EQ(ProcessClock::parseStartTicks("4242 (velmora) S 4 5 6"), -1);

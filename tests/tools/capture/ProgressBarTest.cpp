@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
-TEST(ProgressBarText, BarPercentDetailRateAndTimeLeft)
+TEST(ProgressBarText, BarPercentDetailRateAndTimeLeftRoundedToTheSecond)
 {
     EXPECT_EQ(ProgressBar::render("video", 250, 1000, 59.94, 12.5 * 60 + 0.4, "121.8 s Islands"),
               "video [######..................] 25%  121.8 s Islands  59.9 fps  12:30 left");
@@ -14,10 +14,6 @@ TEST(ProgressBarText, BarPercentDetailRateAndTimeLeft)
               "sheet [........................] 0%  0.0 fps  --:-- left");
     // More steps than announced stay a full bar.
     EXPECT_EQ(ProgressBar::render("x", 50, 40, 1.0, 0.0, "").substr(0, 33), "x [########################] 100%");
-}
-
-TEST(ProgressBarText, MinutesRoundToTheSecond)
-{
     EXPECT_EQ(ProgressBar::minutes(0.0), "0:00");
     EXPECT_EQ(ProgressBar::minutes(59.6), "1:00");
     EXPECT_EQ(ProgressBar::minutes(125.0), "2:05");

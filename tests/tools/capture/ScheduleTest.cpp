@@ -17,7 +17,7 @@ Schedule sample()
 
 }  // namespace
 
-TEST(ScheduleScenes, FadesAreLeftOutAndSpansEndBeforeTheirEnd)
+TEST(Schedule, FadesAreLeftOutOfTheScenesAndHaveTheirStillThreeQuartersIn)
 {
     const Schedule schedule = sample();
     EXPECT_EQ(schedule.scenesAt(0.0), "Credit");
@@ -26,11 +26,6 @@ TEST(ScheduleScenes, FadesAreLeftOutAndSpansEndBeforeTheirEnd)
     EXPECT_EQ(schedule.scenesAt(20.0), "no scene");
     EXPECT_EQ(Schedule().scenesAt(1.0), "no scene");
     EXPECT_DOUBLE_EQ(schedule.getEnd(), 20.0);
-}
-
-TEST(ScheduleStills, AScenesMiddleAndAFadeThreeQuartersIn)
-{
-    const Schedule schedule = sample();
     EXPECT_DOUBLE_EQ(Schedule::stillTime(schedule.getEntries()[0]), 4.4375);
     EXPECT_DOUBLE_EQ(Schedule::stillTime(schedule.getEntries()[1]), 9.5);
     EXPECT_TRUE(Schedule::isFade(schedule.getEntries()[1]));

@@ -33,8 +33,6 @@ TEST(CityArt, FacadesAreDarkWallsWithSomeWindowsLitAndMostNot)
     const CityArt art;
     for (int kind = 0; kind < FACADE_KINDS; ++kind) {
         const Image facade = art.facade(FACADE_GLASS + kind);
-        ASSERT_EQ(facade.width(), SURFACES[kind].width);
-        ASSERT_EQ(facade.height(), SURFACES[kind].height);
         const double bright = lit(facade, 0, 0, facade.width(), facade.height(), 0.5);
         EXPECT_GT(bright, 0.05) << kind;
         EXPECT_LT(bright, 0.5) << kind;
@@ -46,7 +44,6 @@ TEST(CityArt, FacadesAreDarkWallsWithSomeWindowsLitAndMostNot)
 TEST(CityArt, EveryNeonSignGlowsOnBlack)
 {
     const Image neon = CityArt().neon();
-    ASSERT_EQ(neon.width(), NEON_SIZE);
     for (int k = 0; k < BLADE_SIGNS; ++k) {
         const int x0 = k * BLADE_WIDTH;
         EXPECT_GT(lit(neon, x0, 0, x0 + BLADE_WIDTH, BLADE_HEIGHT, 0.5), 0.03) << "blade " << k;

@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(Image, WritesOutsideChangeNothingAndShapesAreClipped)
+TEST(Image, WritesOutsideChangeNothingShapesAreClippedAndBytesRoundAndClampIncludingNaN)
 {
     const Rgba red{1.0f, 0.0f, 0.0f, 1.0f};
     Image image(8, 8, Rgba{0.0f, 0.0f, 0.0f, 0.0f});
@@ -21,10 +21,6 @@ TEST(Image, WritesOutsideChangeNothingAndShapesAreClipped)
     EXPECT_EQ(image.at(7, 0).a, 1.0f);
     EXPECT_TRUE(image.resized(0, 4).empty());
     EXPECT_TRUE(image.toBytes(2).empty());
-}
-
-TEST(Image, BytesRoundAndClampIncludingNaN)
-{
     const std::pair<float, int> cases[] = {{0.0f, 0},          {1.0f, 255}, {-0.2f, 0},         {7.0f, 255},
                                            {std::nanf(""), 0}, {0.5f, 128}, {0.4f / 255.0f, 0}, {0.6f / 255.0f, 1}};
     for (const auto& [value, byte] : cases)
