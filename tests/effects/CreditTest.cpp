@@ -61,7 +61,7 @@ protected:
 
 }  // namespace
 
-TEST_F(CreditTest, PictureStopsAtZeroWhileTheTrailBounces)
+TEST_F(CreditTest, PictureStopsAtZeroWhileTheTrailBouncesAndOddTrailsTurnClockwise)
 {
     Credit credit(0, 4, EffectTimer(0.0f, 2.0f));
     credit.initiate();
@@ -73,10 +73,6 @@ TEST_F(CreditTest, PictureStopsAtZeroWhileTheTrailBounces)
     credit.update(1.0f);
     credit.update(0.5f);
     EXPECT_EQ(alphas(credit), (std::vector<float>{0.0f, 0.0f, 0.5f, -1.0f}));
-}
-
-TEST_F(CreditTest, OddTrailsTurnClockwiseOneTurnPerCredit)
-{
     Credit even(2, 2, EffectTimer(17.75f, 26.625f));
     Credit odd(1, 3, EffectTimer(8.875f, 17.75f));
     even.initiate();

@@ -72,7 +72,7 @@ TEST(FlipperBall, DroppedOnASlopeStaysOnTheGroundAndNeverGainsEnergy)
     }
 }
 
-TEST(FlipperBall, AtRestOnFlatGroundItStaysAtRest)
+TEST(FlipperBall, AtRestOnFlatGroundItStaysAtRestAndDroppedEachBounceIsLowerUntilItRolls)
 {
     const Slope flat(0.0f);
     FlipperBall ball(0.6f);
@@ -83,22 +83,17 @@ TEST(FlipperBall, AtRestOnFlatGroundItStaysAtRest)
     EXPECT_EQ(ball.getPosition(), place);
     EXPECT_EQ(ball.getVelocity(), Vector3(0.0f, 0.0f, 0.0f));
     EXPECT_TRUE(ball.isRolling());
-}
-
-TEST(FlipperBall, EachBounceIsLowerUntilItRolls)
-{
-    const Slope flat(0.0f);
-    FlipperBall ball(0.5f);
-    ball.place(Vector3(0.0f, 5.5f, 0.0f), Vector3(0.0f, 0.0f, 0.0f));
-    // Heights of the ball's underside.
+    FlipperBall bouncing(0.5f);
+    bouncing.place(Vector3(0.0f, 5.5f, 0.0f), Vector3(0.0f, 0.0f, 0.0f));
+    // Heights of the bouncing's underside.
     float apex = 5.0f;
     float highest = 0.0f;
     int bounces = 0;
     bool rising = false;
     for (int i = 0; i < 2000; ++i) {
-        ball.step(flat, STEP);
-        const float y = ball.getPosition().y - 0.5f;
-        if (ball.getVelocity().y > 0.0f) {
+        bouncing.step(flat, STEP);
+        const float y = bouncing.getPosition().y - 0.5f;
+        if (bouncing.getVelocity().y > 0.0f) {
             rising = true;
             highest = std::fmax(highest, y);
         } else if (rising) {
@@ -110,8 +105,8 @@ TEST(FlipperBall, EachBounceIsLowerUntilItRolls)
         }
     }
     EXPECT_GE(bounces, 2);
-    EXPECT_TRUE(ball.isRolling());
-    EXPECT_NEAR(ball.getPosition().y, 0.5f, 1e-4f);
+    EXPECT_TRUE(bouncing.isRolling());
+    EXPECT_NEAR(bouncing.getPosition().y, 0.5f, 1e-4f);
 }
 
 // Ground heaving up under a resting ball throws it into the air, faster than the ground rises.

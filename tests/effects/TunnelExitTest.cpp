@@ -110,12 +110,10 @@ TEST_F(TunnelExitTest, WithItsDataEverythingLoadsAndIsWiredTogether)
     ASSERT_NE(exit.getTunnel(), nullptr);
     EXPECT_TRUE(exit.getTunnel()->isComplete());
     EXPECT_GT(exit.getLeafCount(), 4);
-    EXPECT_NE(exit.getSlab(), nullptr);
     ASSERT_NE(exit.getShipAnimation(), nullptr);
     EXPECT_EQ(exit.getShipAnimation()->getMesh(), exit.getShip());
     ASSERT_NE(exit.getCameraAnimation(), nullptr);
     EXPECT_EQ(exit.getCameraAnimation()->getCamera(), CameraMgr::getHandle()->find(CAMERA_NAME));
-    ASSERT_NE(exit.getRockMaterial(), nullptr);
     EXPECT_EQ(exit.getMoteCount(), TunnelExit::MOTE_COUNT);
     // The fog starts as the tunnel's and has turned white-blue by the end.
     EXPECT_FLOAT_EQ(exit.getFogColour().b, 0.2f);

@@ -14,7 +14,7 @@ class FonterTest : public GLTest {};
 
 }  // namespace
 
-TEST_F(FonterTest, StylesOneToSixLoadAndMeasureAndOthersAreRefused)
+TEST_F(FonterTest, StylesOneToSixLoadAndOthersOrNoFontOrASecondLoadAreRefused)
 {
     for (int kind = 0; kind <= 7; ++kind) {
         Fonter font;
@@ -25,10 +25,6 @@ TEST_F(FonterTest, StylesOneToSixLoadAndMeasureAndOthersAreRefused)
             EXPECT_GT(font.getAdvance(L"Velmora"), font.getAdvance("Vel")) << "style " << kind;
         }
     }
-}
-
-TEST_F(FonterTest, LoadsAreRefusedWithoutAFontOrASecondTime)
-{
     Fonter font;
     EXPECT_FALSE(font.loadTTF(nullptr, Fonter::POLYGON, 12.0f, 0.0f));
     EXPECT_FALSE(font.loadTTF(VELMORA_SOURCE_DIR "/velmora.cfg", Fonter::POLYGON, 12.0f, 0.0f));

@@ -51,7 +51,7 @@ TEST(MemoryProbeLive, ThisProcessHasAResidentSetAndAPeakAtLeastAsHigh)
     EXPECT_GE(MemoryProbe::peakKilobytes(), resident);
 }
 
-TEST(MemoryReportLines, StartMarksLastSceneAndEnd)
+TEST(MemoryReportLines, StartMarksLastSceneAndEndAndMarksNeverRepeat)
 {
     MemoryReport report(1.0, 2.5);
     std::ostringstream out;
@@ -63,24 +63,20 @@ TEST(MemoryReportLines, StartMarksLastSceneAndEnd)
     EXPECT_NE(printed[0].find("0.000 s  VmRSS      100 kB  start"), std::string::npos) << printed[0];
     EXPECT_NE(printed[3].find("2.500 s  VmRSS      110 kB  last scene starts"), std::string::npos) << printed[3];
     EXPECT_NE(printed[6].find("4.750 s  VmRSS      119 kB  end"), std::string::npos) << printed[6];
-}
-
-TEST(MemoryReportLines, MarksCountFromTheFirstFrameAndNeverRepeat)
-{
     // Frames every 0.4 s from 10 s land between the 1 s marks: each mark prints once, at the
     // first frame on or after it.
-    MemoryReport report(1.0, 1000.0);
-    std::ostringstream out;
+    MemoryReport marks(1.0, 1000.0);
+    std::ostringstream marked;
     for (int k = 0; k < 8; ++k)
-        report.addFrame(10.0 + k * 0.4, 5, false, out);
-    std::vector<std::string> printed = lines(out.str());
-    ASSERT_EQ(printed.size(), 3u) << out.str();
-    EXPECT_NE(printed[0].find("10.000 s"), std::string::npos);
-    EXPECT_NE(printed[1].find("11.200 s"), std::string::npos);
-    EXPECT_NE(printed[2].find("12.000 s"), std::string::npos);
+        marks.addFrame(10.0 + k * 0.4, 5, false, marked);
+    const std::vector<std::string> later = lines(marked.str());
+    ASSERT_EQ(later.size(), 3u) << marked.str();
+    EXPECT_NE(later[0].find("10.000 s"), std::string::npos);
+    EXPECT_NE(later[1].find("11.200 s"), std::string::npos);
+    EXPECT_NE(later[2].find("12.000 s"), std::string::npos);
 }
 
-TEST(MemoryReportGrowth, HighestSinceTheLastSceneLessItsFirstFrame)
+TEST(MemoryReportGrowth, HighestSinceTheLastSceneLessItsFirstFrameAndNoVerdictForARunEndingBeforeIt)
 {
     MemoryReport report(100.0, 2.0);
     std::ostringstream out;
@@ -95,18 +91,13 @@ TEST(MemoryReportGrowth, HighestSinceTheLastSceneLessItsFirstFrame)
     EXPECT_EQ(summary.str(),
               "memory since the last scene started at 2.000 s: first 300 kB, highest 340 kB, "
               "last 310 kB, growth 40 kB\n");
-}
-
-TEST(MemoryReportGrowth, ARunEndingBeforeTheLastSceneGivesNoVerdict)
-{
-    MemoryReport report(1.0, 50.0);
-    std::ostringstream out;
-    report.addFrame(0.0, 10, true, out);
-    EXPECT_FALSE(report.sawLastScene());
-    EXPECT_EQ(report.growthAfterLastStart(), 0);
-    std::ostringstream summary;
-    report.printSummary(summary);
-    EXPECT_NE(summary.str().find("no growth figure"), std::string::npos);
+    MemoryReport early(1.0, 50.0);
+    early.addFrame(0.0, 10, true, out);
+    EXPECT_FALSE(early.sawLastScene());
+    EXPECT_EQ(early.growthAfterLastStart(), 0);
+    std::ostringstream none;
+    early.printSummary(none);
+    EXPECT_NE(none.str().find("no growth figure"), std::string::npos);
 }
 
 TEST(ScheduleLastStart, LatestStartOfAnyEntry)

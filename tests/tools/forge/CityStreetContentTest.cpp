@@ -25,7 +25,7 @@ const CityBlockMesh& block()
 
 }  // namespace
 
-TEST(CityStreetContent, EveryBlockSideIsAnUnbrokenWallAtLeastTheLowestRoofTall)
+TEST(CityStreetContent, EveryBlockSideIsAnUnbrokenWallAndTheRacePassesACrossingOnEveryBar)
 {
     const double size = PITCH - 2.0 * BLOCK_EDGE;
     for (int bx = FIRST_BLOCK; bx <= LAST_BLOCK; ++bx) {
@@ -46,10 +46,6 @@ TEST(CityStreetContent, EveryBlockSideIsAnUnbrokenWallAtLeastTheLowestRoofTall)
             }
         }
     }
-}
-
-TEST(CityStreetContent, TheRacePassesACrossingOnEveryBarDownTheStreetsMiddles)
-{
     const CityStreetContent content;
     for (int k = 0; k < ROUTE_NODES; ++k) {
         const Vec3 at = content.cameraAt(k * BAR);

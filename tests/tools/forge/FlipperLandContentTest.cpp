@@ -24,7 +24,7 @@ std::unique_ptr<Mesh> built(void (*make)(MeshBuilder&))
 
 // Neighbouring patches share their edge points, and the points either side of an edge line up
 // with it, so the land has no seam a rolling ball could feel.
-TEST(FlipperLandContent, TheLandIsSeamlessPatchesCoveringTheSquare)
+TEST(FlipperLandContent, TheLandIsSeamlessAndItsHollowsHoldTheStationsBelowTheHillAndTheRim)
 {
     BezierMesh land;
     FlipperLandContent::buildLand(land);
@@ -46,11 +46,7 @@ TEST(FlipperLandContent, TheLandIsSeamlessPatchesCoveringTheSquare)
     EXPECT_FLOAT_EQ(land.getPatch(0).points[0].x, -HALF_SIZE);
     EXPECT_FLOAT_EQ(land.getPatch(PATCHES * PATCHES - 1).points[15].z, HALF_SIZE);
     EXPECT_FLOAT_EQ(land.getPatch(0).points[3].z - land.getPatch(0).points[0].z, side);
-}
-
-// Balls roll down into the stations' hollows; the middle's hill and the rim stand above them.
-TEST(FlipperLandContent, TheHollowsHoldTheStationsBelowTheHillAndTheRim)
-{
+    // Balls roll down into the stations' hollows; the middle's hill and the rim stand above them.
     for (const Vector3& s : STATIONS) {
         const double hollow = FlipperLandContent::height(s.x, s.z);
         for (double a = 0.0; a < 6.28; a += 0.5) {

@@ -16,7 +16,7 @@
 
 using namespace SeaBedLayout;
 
-TEST(SeaBedContent, TheDiveKeepsClearOfTheSandAndTheRocksAndEndsInTheCave)
+TEST(SeaBedContent, TheDiveAndTheSchoolKeepClearOfTheSandAndTheRocksAndTheEyeSitsBeforeTheRock)
 {
     for (double t = 0.0; t <= SeaBedContent::SECONDS; t += 0.05) {
         const Vec3 camera = SeaBedContent::cameraAt(t);
@@ -38,10 +38,6 @@ TEST(SeaBedContent, TheDiveKeepsClearOfTheSandAndTheRocksAndEndsInTheCave)
     // Before it goes in, the camera looks the eye in the face.
     const Vec3 look = SeaBedContent::targetAt(26.0);
     EXPECT_LT((look - Vec3{EYE_CENTRE.x, EYE_CENTRE.y, EYE_CENTRE.z}).length(), 1e-9);
-}
-
-TEST(SeaBedContent, TheSchoolSwimsAboveTheSandAndTheEyeSitsBeforeTheRock)
-{
     for (double t = 0.0; t <= SeaBedContent::SECONDS; t += 0.1) {
         const Vec3 school = SeaBedContent::schoolAt(t);
         ASSERT_GT(school.y - SeaBedContent::floorHeight(school.x, school.z), SCHOOL_RADIUS * 0.6 + 1.0) << t;

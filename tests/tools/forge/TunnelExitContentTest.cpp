@@ -32,7 +32,7 @@ const TunnelExitContent& exitContent()
 }  // namespace
 
 // The scene draws the slabs from the layout's point and frame: the forged tube must end exactly there.
-TEST(TunnelExitContent, TheTubeEndsAtTheLayoutsBreakInItsFrame)
+TEST(TunnelExitContent, TheTubeEndsAtTheLayoutsBreakAndTheFlightsStayInsideUntilTheHit)
 {
     const TunnelExitContent& content = exitContent();
     const double z = TunnelExitContent::BREAK_Z;
@@ -49,11 +49,6 @@ TEST(TunnelExitContent, TheTubeEndsAtTheLayoutsBreakInItsFrame)
         EXPECT_NEAR(content.radius(z, theta), RADIUS, 1e-9) << theta;
     // Straight from the break on: the slabs' stretch continues the line.
     EXPECT_LT((content.flight(12.0) - (toVec3(BREAK) + toVec3(AXIS) * 12.0)).length(), 1e-9);
-}
-
-TEST(TunnelExitContent, TheFlightsStayInsideUntilTheHitAndTheCameraIsJustShortOfTheBreakThen)
-{
-    const TunnelExitContent& content = exitContent();
     for (double t = 0.0; t <= TunnelExitContent::HIT; t += 0.05) {
         const Vec3 camera = content.cameraAt(t);
         const Vec3 ship = content.shipAt(t);
