@@ -39,16 +39,12 @@ TEST(VariableConversion, SettersWriteFixedFormatsOnlyYesIsTrueAndIntegersTakeLea
     EXPECT_FLOAT_EQ(withText("0.25xyz").getFloat(), 0.25f);
 }
 
-TEST(VariableConversion, UnsetValueReadsAsNothing)
+TEST(VariableIdentity, UnsetReadsAsNothingCopiesOwnTheirTextAndNamesAreCaseSensitive)
 {
     Variable v;
     EXPECT_EQ(v.getInteger(), 0);
     EXPECT_FALSE(v.getBoolean());
     EXPECT_FALSE(v == "Key");
-}
-
-TEST(VariableIdentity, CopiesOwnTheirTextAndNamesAreCaseSensitive)
-{
     Variable a("Volume", 255, true);
     Variable b(a);
     EXPECT_STREQ(b.getName(), "Volume");
@@ -64,7 +60,7 @@ TEST(VariableIdentity, CopiesOwnTheirTextAndNamesAreCaseSensitive)
     EXPECT_STREQ(c.getString(), "255");
 }
 
-TEST(VariableRecord, NameSpaceEqualsValueWithEveryBlankKeptAndMissingEqualsOrOverlongFieldsFail)
+TEST(VariableRecord, NameSpaceEqualsValueWithEveryBlankKeptOverlongFieldsFailAndSaveWritesOneLine)
 {
     Variable v("Old", "x", true);
     ASSERT_TRUE(loads(v, "Width = 800\n"));
@@ -83,12 +79,8 @@ TEST(VariableRecord, NameSpaceEqualsValueWithEveryBlankKeptAndMissingEqualsOrOve
     EXPECT_EQ(std::string(v.getString()).size(), 127u);
     EXPECT_FALSE(loads(v, std::string(128, 'n') + " = v\n"));
     EXPECT_FALSE(loads(v, "n = " + std::string(128, 'v') + "\n"));
-}
-
-TEST(VariableRecord, SaveWritesOneLine)
-{
-    Variable v("Song", "data/music/velmora.xm", false);
+    Variable song("Song", "data/music/velmora.xm", false);
     std::ostringstream out;
-    ASSERT_TRUE(v.save(out));
+    ASSERT_TRUE(song.save(out));
     EXPECT_EQ(out.str(), "Song = data/music/velmora.xm\n");
 }

@@ -79,7 +79,7 @@ TEST(BezierAnimMotion, ControlPointsStayInsideTheirBounds)
     EXPECT_EQ(land.getWeight(4, 5), 1.0f);
 }
 
-TEST(BezierAnimGround, IsThePatchSurfaceWithItsNormalAndHowFastItRises)
+TEST(BezierAnimGround, IsThePatchSurfaceWithItsNormalAndRiseAndPatchesOffAGridAreRefused)
 {
     BezierMesh mesh;
     makeLand(mesh);
@@ -109,23 +109,19 @@ TEST(BezierAnimGround, IsThePatchSurfaceWithItsNormalAndHowFastItRises)
     ASSERT_TRUE(land.groundAt(2.0f, 1.0f, point));
     EXPECT_NEAR(point.rise, (point.height - before.height) / 0.1f, 1e-3f);
     EXPECT_NE(point.rise, 0.0f);
-}
-
-TEST(BezierAnimGround, RefusesPatchesThatDoNotStandOnAGrid)
-{
-    BezierAnim land;
+    BezierAnim refusing;
     BezierMesh empty;
-    EXPECT_FALSE(land.create(empty, 6));
+    EXPECT_FALSE(refusing.create(empty, 6));
     BezierMesh skewed;
     makeLand(skewed, 0.5f);
-    EXPECT_FALSE(land.create(skewed, 6));
-    EXPECT_FALSE(land.isCreated());
+    EXPECT_FALSE(refusing.create(skewed, 6));
+    EXPECT_FALSE(refusing.isCreated());
     BezierMesh twice;
     makeLand(twice);
     twice.addPatch(twice.getPatch(0));
-    EXPECT_FALSE(land.create(twice, 6));
+    EXPECT_FALSE(refusing.create(twice, 6));
     BezierMesh good;
     makeLand(good);
-    EXPECT_TRUE(land.create(good, 6));
-    EXPECT_EQ(land.getVertexCount(), SIDE * SIDE * 49);
+    EXPECT_TRUE(refusing.create(good, 6));
+    EXPECT_EQ(refusing.getVertexCount(), SIDE * SIDE * 49);
 }

@@ -20,7 +20,7 @@ FishSchool school()
 
 }  // namespace
 
-TEST(FishSchool, EveryFishKeepsWithinTheRadiusAtEveryMoment)
+TEST(FishSchool, EveryFishKeepsWithinTheRadiusAndItsTailBeatsQuickerJustAfterEachKick)
 {
     const FishSchool fish = school();
     ASSERT_GE(fish.getCount(), 30);
@@ -43,10 +43,6 @@ TEST(FishSchool, EveryFishKeepsWithinTheRadiusAtEveryMoment)
     FishSchool tight;
     tight.create(8, 0.1f);
     EXPECT_EQ(tight.getFish(3).offset.length(), 0.0f);
-}
-
-TEST(FishSchool, TailsBeatSteadilyAndQuickerJustAfterEachKick)
-{
     // Kicks fall on rows 0 and 10 of each sixteen-row bar: 0 s and 1.25 s into each 2 s bar.
     EXPECT_FLOAT_EQ(FishSchool::sinceKick(0.1f), 0.1f);
     EXPECT_FLOAT_EQ(FishSchool::sinceKick(1.3f), 1.3f - 1.25f);

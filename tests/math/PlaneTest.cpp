@@ -10,7 +10,7 @@ const Plane ground(0, 1, 0, 0);
 
 }  // namespace
 
-TEST(Plane, CreateFollowsTheWindingAndNormalizeSkipsZeroNormals)
+TEST(Plane, CreateFollowsTheWindingAndClassificationHasItsToleranceAndSphereRule)
 {
     Plane p;
     p.create(Vector3(0, 0, 5), Vector3(0, 10, 5), Vector3(10, 0, 5));
@@ -21,10 +21,6 @@ TEST(Plane, CreateFollowsTheWindingAndNormalizeSkipsZeroNormals)
     Plane degenerate(0, 0, 0, 7);
     EXPECT_EQ(degenerate.normalize(), Plane(0, 0, 0, 7));
     EXPECT_FLOAT_EQ(Vector3(5, 3, 5) * Plane(0, 2, 0, -1), 5.0f);
-}
-
-TEST(Plane, PointsWithinToleranceAreOnThePlaneAndASphereCentreInFrontWinsEvenWhenCrossing)
-{
     EXPECT_EQ(ground.classifyPoint(Vector3(0, 0.0000005f, 0)), Plane::ON);
     EXPECT_EQ(ground.classifyPoint(Vector3(0, -0.0000005f, 0)), Plane::ON);
     EXPECT_EQ(ground.classifyPoint(Vector3(0, 0.000002f, 0)), Plane::FRONT);

@@ -8,15 +8,11 @@
 #include <cstring>
 #include <sstream>
 
-TEST(Vector, EqualityHasNoTolerance)
+TEST(Vector, EqualityHasNoToleranceAndNormalizeLeavesZeroAlone)
 {
     EXPECT_FALSE(Vector3(1, 2, 3) == Vector3(1, 2, std::nextafter(3.0f, 4.0f)));
     EXPECT_TRUE(Vector3(1, 2, 3) != Vector3(1, 2, std::nextafter(3.0f, 4.0f)));
     EXPECT_FALSE(Vector4(1, 2, 3, 4) == Vector4(1, 2, 3, 4.0001f));
-}
-
-TEST(Vector, NormalizeLeavesZeroAloneAndScalesTheRest)
-{
     Vector3 zero;
     EXPECT_EQ(zero.normalize(), Vector3());
     EXPECT_EQ(Vector4().normalize(), Vector4());

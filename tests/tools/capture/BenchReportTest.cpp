@@ -46,14 +46,10 @@ bool contains(const std::string& text, const std::string& part)
 
 }  // namespace
 
-TEST(BenchBudget, OneTwentyFramesASecondUpTo640x480AndSixtyAbove)
+TEST(BenchFrames, TheBudgetBySizeAndScenesStartOnTheirFirstFrameUnlessAFadeCoversIt)
 {
     EXPECT_DOUBLE_EQ(BenchReport::budgetFor(640, 480).median, 8.3);
     EXPECT_DOUBLE_EQ(BenchReport::budgetFor(641, 480).median, 16.7);
-}
-
-TEST(BenchFrames, ScenesStartOnTheirFirstFrameAndAFadeAcrossTheCutCoversIt)
-{
     const std::vector<BenchReport::FrameKind> kinds = frames(1.0).classify(sample());
     ASSERT_EQ(kinds.size(), 20u);
     EXPECT_EQ(kinds[0], BenchReport::RUN_START);

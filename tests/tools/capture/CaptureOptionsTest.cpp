@@ -16,7 +16,7 @@ bool parse(CaptureOptions& options, std::vector<const char*> words, std::string&
 
 }  // namespace
 
-TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)
+TEST(CaptureOptions, EveryBadFormNamesItsOptionAndTheBenchWithCsvAndMemoryIsAccepted)
 {
     const std::vector<std::pair<std::vector<const char*>, const char*>> cases = {
         {{"--fast"}, "unknown option '--fast'"},
@@ -64,10 +64,6 @@ TEST(CaptureOptionsRefused, EveryBadFormNamesItsOption)
         EXPECT_FALSE(parse(options, words, error));
         EXPECT_NE(error.find(mentions), std::string::npos) << "error was: " << error;
     }
-}
-
-TEST(CaptureOptionsAccepted, TheBenchWritesItsFramesToACsvFileAndMemoryFiguresDrawARange)
-{
     CaptureOptions options;
     std::string error;
     ASSERT_TRUE(parse(options, {"--bench", "--csv", "bench.csv", "--memory", "120", "--to", "1800"}, error)) << error;

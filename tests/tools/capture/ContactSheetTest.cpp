@@ -21,7 +21,7 @@ uint8_t at(const Frame& frame, int x, int y)
 
 }  // namespace
 
-TEST(FramePaste, CopiesInPlaceAndLeavesOutWhatFallsOutside)
+TEST(ContactSheet, PastesInPlaceSixToARowEachLabelUnderItsStillAndFewStillsMakeOneShortRow)
 {
     Frame target = plain(6, 4, 0);
     target.paste(plain(2, 2, 9), 1, 1);
@@ -42,10 +42,6 @@ TEST(FramePaste, CopiesInPlaceAndLeavesOutWhatFallsOutside)
     EXPECT_EQ(target.getByteCount(), 6u * 4u * 3u);
     Frame empty = plain(-3, 2, 1);
     EXPECT_EQ(empty.getByteCount(), 0u);
-}
-
-TEST(ContactSheetLayout, SixToARowEachLabelUnderItsStillAndFewStillsMakeOneShortRow)
-{
     const int w = 10, h = 8, label = 3, gap = ContactSheet::GAP;
     ContactSheet sheet(w, h, label, 24);
     EXPECT_EQ(sheet.getColumns(), 6);

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
-TEST(ProgressBarText, BarPercentDetailRateAndTimeLeftRoundedToTheSecond)
+TEST(ProgressBar, BarPercentDetailRateAndTimeLeftButNothingToAStreamThatIsNoTerminal)
 {
     EXPECT_EQ(ProgressBar::render("video", 250, 1000, 59.94, 12.5 * 60 + 0.4, "121.8 s Islands"),
               "video [######..................] 25%  121.8 s Islands  59.9 fps  12:30 left");
@@ -21,10 +21,6 @@ TEST(ProgressBarText, BarPercentDetailRateAndTimeLeftRoundedToTheSecond)
     EXPECT_EQ(ProgressBar::minutes(-1.0), "--:--");
     EXPECT_EQ(ProgressBar::minutes(std::nan("")), "--:--");
     EXPECT_EQ(ProgressBar::minutes(INFINITY), "--:--");
-}
-
-TEST(ProgressBarOutput, WritesNothingToAStreamThatIsNoTerminal)
-{
     FILE* file = std::tmpfile();
     ASSERT_NE(file, nullptr);
     ProgressBar bar(file);

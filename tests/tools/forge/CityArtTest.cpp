@@ -28,7 +28,7 @@ double lit(const Image& image, int x0, int y0, int x1, int y1, double level)
 
 }  // namespace
 
-TEST(CityArt, FacadesAreDarkWallsWithSomeWindowsLitAndMostNot)
+TEST(CityArt, FacadesAreDarkNeonGlowsOnBlackAndTheOneWaySignPointsBothWays)
 {
     const CityArt art;
     for (int kind = 0; kind < FACADE_KINDS; ++kind) {
@@ -39,10 +39,6 @@ TEST(CityArt, FacadesAreDarkWallsWithSomeWindowsLitAndMostNot)
         // Night: most of the picture is dark.
         EXPECT_GT(1.0 - lit(facade, 0, 0, facade.width(), facade.height(), 0.2), 0.5) << kind;
     }
-}
-
-TEST(CityArt, EveryNeonSignGlowsOnBlackAndTheOneWaySignPointsBothWays)
-{
     const Image neon = CityArt().neon();
     for (int k = 0; k < BLADE_SIGNS; ++k) {
         const int x0 = k * BLADE_WIDTH;

@@ -25,7 +25,7 @@ const CityBlockMesh& block()
 
 }  // namespace
 
-TEST(CityStreetContent, EveryBlockSideIsAnUnbrokenWallAndTheRacePassesACrossingOnEveryBar)
+TEST(CityStreetContent, UnbrokenWallsTheRaceOnEveryBarAndTheCarAtItsLayoutsSize)
 {
     const double size = PITCH - 2.0 * BLOCK_EDGE;
     for (int bx = FIRST_BLOCK; bx <= LAST_BLOCK; ++bx) {
@@ -74,10 +74,6 @@ TEST(CityStreetContent, EveryBlockSideIsAnUnbrokenWallAndTheRacePassesACrossingO
         const Vec3 ahead = content.cameraAt(t + 0.1) - content.cameraAt(t);
         EXPECT_GT(look.x * ahead.x + look.z * ahead.z, 0.0) << t;
     }
-}
-
-TEST(CityStreetContent, TheCarIsItsLayoutsSizeWithItsNoseAlongZ)
-{
     MeshBuilder builder;
     CarMesh().build(builder);
     ASSERT_GT(builder.triangleCount(), 20);

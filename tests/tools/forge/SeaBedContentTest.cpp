@@ -16,7 +16,7 @@
 
 using namespace SeaBedLayout;
 
-TEST(SeaBedContent, TheDiveAndTheSchoolKeepClearOfTheSandAndTheRocksAndTheEyeSitsBeforeTheRock)
+TEST(SeaBedContent, TheDiveAndTheSchoolKeepClearTheEyeSitsBeforeTheRockAndTheFilesReadBack)
 {
     for (double t = 0.0; t <= SeaBedContent::SECONDS; t += 0.05) {
         const Vec3 camera = SeaBedContent::cameraAt(t);
@@ -51,10 +51,6 @@ TEST(SeaBedContent, TheDiveAndTheSchoolKeepClearOfTheSandAndTheRocksAndTheEyeSit
     }
     for (double z = CLIFF_Z - 1.0; z > CLIFF_Z - CAVE_LENGTH; z -= 2.0)
         EXPECT_LT(SeaBedContent::floorHeight(CAVE_MOUTH.x, z), CAVE_MOUTH.y - CAVE_HEIGHT) << z;
-}
-
-TEST(SeaBedContent, TheFloorAndThePathsReadBackAsForged)
-{
     const std::string base = "/tmp/seabed-content-" + std::to_string(getpid());
     const std::string floor = base + ".ter", camera = base + ".cam", school = base + "-school.cam";
     ASSERT_TRUE(SeaBedContent::writeTerrain(floor.c_str()));

@@ -69,10 +69,11 @@ TEST(TunnelExitContent, TheTubeEndsAtTheLayoutsBreakAndTheFlightsStayInsideUntil
     EXPECT_GT(atHit, 1.5 * (content.cameraDistance(8.0) - content.cameraDistance(7.9)));
 }
 
-TEST(TunnelExitContent, TheSlabFillsItsSectorOfTheRingAndRunsBackAlongItsZ)
+TEST(TunnelExitContent, TheSlabFillsItsSectorAndThePathsReadBackAsTheFlights)
 {
     MeshBuilder builder;
-    exitContent().buildSlab(builder);
+    const TunnelExitContent& content = exitContent();
+    content.buildSlab(builder);
     std::unique_ptr<Mesh> mesh(builder.build(false, {}));
     ASSERT_NE(mesh, nullptr);
     const VertexArray& vertices = *mesh->getVertices();
@@ -90,11 +91,6 @@ TEST(TunnelExitContent, TheSlabFillsItsSectorOfTheRingAndRunsBackAlongItsZ)
     }
     // Both faces and the four broken edges.
     EXPECT_GT(mesh->getFaces()->getNumFaces(), 40);
-}
-
-TEST(TunnelExitContent, PathsReadBackAsTheFlightsAtTheirFrames)
-{
-    const TunnelExitContent& content = exitContent();
     const std::string camera = "/tmp/exit-camera-" + std::to_string(getpid());
     ASSERT_TRUE(content.writeCamera(camera.c_str()));
     CameraAnimation path;
