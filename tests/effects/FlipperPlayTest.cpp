@@ -31,7 +31,7 @@ TEST(FlipperPlayMusic, FlippersFireOnTheStabsAndAllAtOnceOnTheToms)
     EXPECT_EQ(FlipperPlay::stationForRow(-1), FlipperPlay::NO_STATION);
 }
 
-TEST(FlipperPlayMusic, TheKickClockRestartsOnEveryKick)
+TEST(FlipperPlayMusic, TheKickClockRestartsOnEveryKickAndPaddlesFallBackWithinHalfASecond)
 {
     const float row = static_cast<float>(ROW);
     EXPECT_FLOAT_EQ(FlipperPlay::sinceKick(0.0f), 0.0f);
@@ -42,10 +42,6 @@ TEST(FlipperPlayMusic, TheKickClockRestartsOnEveryKick)
     EXPECT_NEAR(FlipperPlay::sinceKick((128.0f + 3.0f) * row), 3.0f * row, 1e-4f);
     EXPECT_NEAR(FlipperPlay::sinceKick((128.0f + 14.5f) * row), 0.5f * row, 1e-4f);
     EXPECT_GT(FlipperPlay::sinceKick(-1.0f), 1000.0f);
-}
-
-TEST(FlipperPlayMusic, PaddlesSnapUpAndFallBackWithinHalfASecond)
-{
     EXPECT_EQ(FlipperPlay::paddleLift(-0.1f), 0.0f);
     EXPECT_EQ(FlipperPlay::paddleLift(0.0f), 0.0f);
     EXPECT_EQ(FlipperPlay::paddleLift(0.1f), FlipperPlay::PADDLE_LIFT);

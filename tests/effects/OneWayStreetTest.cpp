@@ -40,7 +40,7 @@ float gap(const Box& a, const Box& b)
 
 }  // namespace
 
-TEST(OneWayStreet, EveryCarKeepsToItsLaneGoingItsStreetsWayAndNoTwoEverShareAPlace)
+TEST(OneWayStreet, EveryCarKeepsToItsLaneNoTwoShareAPlaceAndTheCamerasCrossingsAreClear)
 {
     const OneWayStreet street;
     ASSERT_GT(street.getCars().size(), 300u);
@@ -93,11 +93,6 @@ TEST(OneWayStreet, EveryCarKeepsToItsLaneGoingItsStreetsWayAndNoTwoEverShareAPla
     }
     // Crossing streets run half a slot apart: a car clears the crossing before the next comes.
     EXPECT_GT(closest, 0.3f);
-}
-
-TEST(OneWayStreet, TheCrossingsTheCameraCutsAreClearWhenItPasses)
-{
-    const OneWayStreet street;
     for (int k = 0; k < ROUTE_NODES; ++k) {
         const Node& node = ROUTE[k];
         const Node& from = ROUTE[k > 0 ? k - 1 : 1];

@@ -67,7 +67,7 @@ TEST(SeaBedWater, PaleUnderTheSurfaceDeepOnTheSandAndTheTunnelsTealInTheCave)
     EXPECT_EQ(SeaBed::causticFrame(-3.0f), 0);
 }
 
-TEST(SeaBedPlants, RootsStayPutAndTopsLeanNoFurtherThanTheirReach)
+TEST(SeaBedPlants, RootsStayPutTopsLeanWithinReachAndBatchesNumberEachCopysOwnVertices)
 {
     const SwayingPlants kelp(14.0f, 2.0f, Vector3(1.0f, 0.0f, 0.5f));
     for (float t = 0.0f; t < 33.0f; t += 0.1f) {
@@ -103,14 +103,10 @@ TEST(SeaBedPlants, RootsStayPutAndTopsLeanNoFurtherThanTheirReach)
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(fans.add({Vector3(float(i), 0.0f, 0.0f), 0.0f, 1.0f, 0.0f}), i < 2);
     EXPECT_EQ(fans.getCount(), 2);
-}
-
-TEST(SeaBedMeshes, IndexedMeshesKeepDrawableFacesAndBatchesNumberEachCopysOwnVertices)
-{
-    Mesh* mesh = square();
+    Mesh* squareMesh = square();
     IndexedMesh indexed;
-    ASSERT_TRUE(indexed.build(*mesh));
-    delete mesh;
+    ASSERT_TRUE(indexed.build(*squareMesh));
+    delete squareMesh;
     // The face naming vertex 9 is left out.
     EXPECT_EQ(indexed.getIndexCount(), 6);
     EXPECT_EQ(indexed.getVertexCount(), 4);

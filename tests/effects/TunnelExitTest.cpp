@@ -36,7 +36,7 @@ float fromAxis(int ring, int sector, float t)
 }  // namespace
 
 // Deep teal until the riser's last bars, the white flood only from the hit, white-blue at the end.
-TEST(TunnelExitLight, TurnsFromTheDeepToTheSurfaceAndTheShaftsBeatWithTheSnareRollUntilTheHit)
+TEST(TunnelExitTiming, TheLightTurnsTheShaftsBeatAndTheSlabsHoldUntilTheRiserThenFlyOutAfterTheHit)
 {
     EXPECT_EQ(TunnelExit::brightness(0.0f), 0.0f);
     EXPECT_LT(TunnelExit::brightness(HIT_TIME - 0.01f), 0.31f);
@@ -58,11 +58,7 @@ TEST(TunnelExitLight, TurnsFromTheDeepToTheSurfaceAndTheShaftsBeatWithTheSnareRo
     }
     EXPECT_GT(TunnelExit::rayStrength(HIT_TIME), 0.99f);
     EXPECT_GT(TunnelExit::rayStrength(HIT_TIME), 2.0f * TunnelExit::rayStrength(1.0f));
-}
-
-// Still, then creeping outwards by a hand's breadth, then flung clear of the tube after the hit.
-TEST(TunnelExitSlabs, HoldUntilTheRiserThenFlyOutwardsAfterTheHit)
-{
+    // Still, then creeping outwards by a hand's breadth, then flung clear of the tube after the hit.
     for (int ring = 0; ring < RINGS; ++ring) {
         for (int sector = 0; sector < SECTORS; ++sector) {
             SCOPED_TRACE(ring * 100 + sector);
