@@ -16,7 +16,7 @@ float openness(float t)
 
 }  // namespace
 
-TEST(Eye, ShutUntilItOpensThenOpenButForItsBlinksAndTheLidsFollow)
+TEST(Eye, ShutUntilItOpensButForItsBlinksTheLidsFollowAndTheGazeStaysWithinItsLimits)
 {
     EXPECT_EQ(openness(0.0f), 0.0f);
     EXPECT_EQ(openness(OPENS), 0.0f);
@@ -47,10 +47,6 @@ TEST(Eye, ShutUntilItOpensThenOpenButForItsBlinksAndTheLidsFollow)
     eye.update(OPENS + 5.0f, 0.0f, Vector3(0.0f, 0.0f, 10.0f));
     EXPECT_FLOAT_EQ(eye.getUpperLid(), Eye::UPPER_OPEN);
     EXPECT_FLOAT_EQ(eye.getLowerLid(), Eye::LOWER_OPEN);
-}
-
-TEST(Eye, TheGazeTurnsTowardsItsTargetWithinItsLimits)
-{
     const Vector3 centre(5.0f, 2.0f, -3.0f);
     float yaw = 1.0f;
     float pitch = 1.0f;
@@ -75,12 +71,12 @@ TEST(Eye, TheGazeTurnsTowardsItsTargetWithinItsLimits)
     EXPECT_EQ(pitch, -Eye::MAX_PITCH);
 
     // The ball turns at most TURN_SPEED degrees a second, and settles on the target.
-    Eye eye;
-    eye.place(centre, 3.0f);
-    eye.update(0.0f, 0.1f, targets[0]);
-    EXPECT_NEAR(eye.getYaw(), -0.1f * Eye::TURN_SPEED, 1e-4f);
+    Eye ball;
+    ball.place(centre, 3.0f);
+    ball.update(0.0f, 0.1f, targets[0]);
+    EXPECT_NEAR(ball.getYaw(), -0.1f * Eye::TURN_SPEED, 1e-4f);
     for (int frame = 0; frame < 100; ++frame)
-        eye.update(0.0f, 0.05f, targets[0]);
-    EXPECT_EQ(eye.getYaw(), -Eye::MAX_YAW);
-    EXPECT_EQ(eye.getPitch(), 0.0f);
+        ball.update(0.0f, 0.05f, targets[0]);
+    EXPECT_EQ(ball.getYaw(), -Eye::MAX_YAW);
+    EXPECT_EQ(ball.getPitch(), 0.0f);
 }

@@ -45,7 +45,7 @@ TEST(MatrixProduct, PointIsAColumnWithTranslationLastAndNoDivisionAndTheRightFac
     EXPECT_EQ(Matrix3(1, 2, 3, 4, 5, 6, 7, 8, 9) * b, Matrix3(3, 1, 2, 6, 4, 5, 9, 7, 8));
 }
 
-TEST(MatrixDeterminant, KnownValuesAndAdjoint)
+TEST(MatrixInverse, DeterminantAndAdjointUndoARigidTransformAndASmallOrNegativeDeterminantIsClamped)
 {
     EXPECT_FLOAT_EQ(det3(1, 2, 3, 0, 1, 4, 5, 6, 0), 1.0f);
     EXPECT_FLOAT_EQ(sample.det(), -4.0f);
@@ -54,10 +54,6 @@ TEST(MatrixDeterminant, KnownValuesAndAdjoint)
     Matrix4 scaledIdentity;
     Scale(scaledIdentity, -4, -4, -4, -4);
     expectNear(sample * sample.adjoint(), scaledIdentity, 1e-4f);
-}
-
-TEST(MatrixInverse, UndoesARigidTransformAndClampsASmallOrNegativeDeterminant)
-{
     Matrix4 rotate, move;
     RotateXYZ(rotate, 30, -40, 75);
     Translate(move, 5, -3, 12);

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <cmath>
 
-TEST(Builders, OverwriteEveryEntryAndTranslateFourthArgumentIsTheCorner)
+TEST(Builders, OverwriteEveryEntryTranslateTakesTheCornerAndRotationsTurnCounterClockwise)
 {
     Matrix4 m(9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9);
     RotateAroundX(m, 0);
@@ -15,10 +15,6 @@ TEST(Builders, OverwriteEveryEntryAndTranslateFourthArgumentIsTheCorner)
     Matrix3 t;
     Translate(t, 5, 6, 7);
     EXPECT_EQ(t, Matrix3(1, 0, 5, 0, 1, 6, 0, 0, 7));
-}
-
-TEST(Rotations, PositiveAnglesTurnCounterClockwiseAndVectorRotateDoesNotNormaliseTheAxis)
-{
     Matrix4 x, y, z, z2;
     RotateAroundX(x, 90);
     RotateAroundY(y, 90);

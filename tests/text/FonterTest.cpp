@@ -14,7 +14,7 @@ class FonterTest : public GLTest {};
 
 }  // namespace
 
-TEST_F(FonterTest, StylesOneToSixLoadAndOthersOrNoFontOrASecondLoadAreRefused)
+TEST_F(FonterTest, StylesOneToSixLoadOthersAreRefusedAndPolygonTextDrawsWhereTheCallerPlacesIt)
 {
     for (int kind = 0; kind <= 7; ++kind) {
         Fonter font;
@@ -34,18 +34,14 @@ TEST_F(FonterTest, StylesOneToSixLoadAndOthersOrNoFontOrASecondLoadAreRefused)
     EXPECT_EQ(font.getFaceSize(), 17u);
     EXPECT_FALSE(font.loadTTF(FONT, Fonter::OUTLINE, 40.0f, 0.0f));
     EXPECT_EQ(font.getType(), Fonter::PIXMAP);
-}
-
-TEST_F(FonterTest, PolygonTextDrawsWhereTheCallerPlacesIt)
-{
-    Fonter font;
-    ASSERT_TRUE(font.loadTTF(FONT, Fonter::POLYGON, 100.0f, 0.0f));
+    Fonter polygon;
+    ASSERT_TRUE(polygon.loadTTF(FONT, Fonter::POLYGON, 100.0f, 0.0f));
     glMatrixMode(GL_PROJECTION);
     glOrtho(0, GLContext::width(), 0, GLContext::height(), -1, 1);
     glMatrixMode(GL_MODELVIEW);
     glColor3f(1.0f, 1.0f, 1.0f);
     glTranslatef(10.0f, 10.0f, 0.0f);
-    font.draw(L"\u2588");
+    polygon.draw(L"\u2588");
     unsigned char inside[4], outside[4];
     GLContext::readPixel(30, 40, inside);
     GLContext::readPixel(5, 5, outside);

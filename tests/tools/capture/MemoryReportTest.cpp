@@ -21,7 +21,7 @@ std::vector<std::string> lines(const std::string& text)
 
 }  // namespace
 
-TEST(MemoryProbeParse, ReadsTheFigureOfALineStartingWithTheKeyAndRefusesMalformedFigures)
+TEST(MemoryProbe, ReadsTheFigureAfterTheKeyRefusesMalformedOnesAndThisProcessHasAResidentSet)
 {
     const struct {
         const char* text;
@@ -42,10 +42,6 @@ TEST(MemoryProbeParse, ReadsTheFigureOfALineStartingWithTheKeyAndRefusesMalforme
     for (const auto& c : cases)
         EXPECT_EQ(MemoryProbe::parseResident(c.text), c.kilobytes) << c.text;
     EXPECT_EQ(MemoryProbe::parseKilobytes("VmHWM:\t 2345 kB\nVmRSS:\t 1234 kB\n", "VmHWM:"), 2345);
-}
-
-TEST(MemoryProbeLive, ThisProcessHasAResidentSetAndAPeakAtLeastAsHigh)
-{
     const long resident = MemoryProbe::residentKilobytes();
     EXPECT_GT(resident, 0);
     EXPECT_GE(MemoryProbe::peakKilobytes(), resident);

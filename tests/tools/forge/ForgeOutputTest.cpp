@@ -155,7 +155,7 @@ TEST_F(ForgeOutput, EveryPictureHasTheSizeItsUnitListsAndAlphaExactlyWhenItsForm
     EXPECT_GE(pictures, 13);
 }
 
-TEST_F(ForgeOutput, GlyphAtlasHasInkInsideEveryPrintableCell)
+TEST_F(ForgeOutput, GlyphsAndCreditsAreInkInsideTheirCellsAndTheCreditsWhite)
 {
     const PngFile png = load(Console::FONT_TEXTURE.file);
     ASSERT_EQ(png.channels, 4);
@@ -164,20 +164,16 @@ TEST_F(ForgeOutput, GlyphAtlasHasInkInsideEveryPrintableCell)
         EXPECT_GT(alphaSum(png, x0, y0, 16, 24), 3.0) << "character " << c;
         EXPECT_EQ(rimSum(png, x0, y0, 16, 24), 0.0) << "character " << c << " touches its cell's edge";
     }
-}
-
-TEST_F(ForgeOutput, CreditsAreWhiteInkInEightSeparateCells)
-{
-    const PngFile png = load(CreditsLayout::TEXTURE.file);
-    ASSERT_EQ(png.channels, 4);
+    const PngFile credits = load(CreditsLayout::TEXTURE.file);
+    ASSERT_EQ(credits.channels, 4);
     // Read as luminance with alpha, the luminance comes from blue: it must be white throughout.
-    for (size_t i = 2; i < png.bytes.size(); i += 4)
-        ASSERT_EQ(png.bytes[i], 255);
+    for (size_t i = 2; i < credits.bytes.size(); i += 4)
+        ASSERT_EQ(credits.bytes[i], 255);
     for (int i = 0; i < 4; ++i) {
         for (int half = 0; half < 2; ++half) {
-            EXPECT_GT(alphaSum(png, half * 512, i * 512, 512, 512), 2000.0) << "credit " << i << " half " << half;
+            EXPECT_GT(alphaSum(credits, half * 512, i * 512, 512, 512), 2000.0) << "credit " << i << " half " << half;
             const double rim =
-                rimSum(png, half * 512, i * 512, 512, 512) + rimSum(png, half * 512 + 1, i * 512 + 1, 510, 510);
+                rimSum(credits, half * 512, i * 512, 512, 512) + rimSum(credits, half * 512 + 1, i * 512 + 1, 510, 510);
             EXPECT_LT(rim, 2.0) << "credit " << i << " half " << half;
         }
     }
