@@ -17,7 +17,7 @@ const EffectTimer SPAN(150.5f, 168.5f);
 }  // namespace
 
 // Always outside the land and above it, looking down at the play, and round it over the scene.
-TEST(FlipperLandCamera, SwingsRoundThePlayFromOutsideAndAbove)
+TEST(FlipperLandPlaces, TheCameraSwingsRoundFromOutsideAndAboveAndThePaddlesPairUpAcrossEachHollow)
 {
     float turned = 0.0f;
     Vector3 last = FlipperLand::cameraAt(0.0f);
@@ -31,11 +31,7 @@ TEST(FlipperLandCamera, SwingsRoundThePlayFromOutsideAndAbove)
         last = eye;
     }
     EXPECT_GT(std::fabs(turned), 3.14159f);
-}
-
-// The paddles of a station straddle its lane, hinged outside the hollow and pointing into it.
-TEST(FlipperLandPaddles, PairUpAcrossEachHollow)
-{
+    // The paddles of a station straddle its lane, hinged outside the hollow and pointing into it.
     for (int station = 0; station < STATION_COUNT; ++station) {
         Vector3 hinges[2];
         Vector3 along[2];

@@ -50,7 +50,7 @@ Mesh* square()
 
 }  // namespace
 
-TEST(SeaBedWater, PaleUnderTheSurfaceDeepOnTheSandAndTheTunnelsTealInTheCave)
+TEST(SeaBedParts, WaterDeepensToTheTunnelsTealPlantsLeanWithinReachAndBatchesNumberTheirCopies)
 {
     const Color top = SeaBed::waterColour(SeaBedLayout::SURFACE_HEIGHT, 0.0f);
     const Color floor = SeaBed::waterColour(3.0f, 0.0f);
@@ -65,10 +65,6 @@ TEST(SeaBedWater, PaleUnderTheSurfaceDeepOnTheSandAndTheTunnelsTealInTheCave)
     EXPECT_EQ(SeaBed::causticFrame(1.01f / SeaBed::CAUSTIC_RATE), 1);
     EXPECT_EQ(SeaBed::causticFrame(SeaBed::CAUSTIC_FRAMES / SeaBed::CAUSTIC_RATE + 0.01f), 0);
     EXPECT_EQ(SeaBed::causticFrame(-3.0f), 0);
-}
-
-TEST(SeaBedPlants, RootsStayPutTopsLeanWithinReachAndBatchesNumberEachCopysOwnVertices)
-{
     const SwayingPlants kelp(14.0f, 2.0f, Vector3(1.0f, 0.0f, 0.5f));
     for (float t = 0.0f; t < 33.0f; t += 0.1f) {
         EXPECT_EQ(kelp.lean(0.0f, t, 1.0f).length(), 0.0f);

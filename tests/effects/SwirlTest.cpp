@@ -19,15 +19,11 @@ const float CLOSE = 1e-4f;
 
 }  // namespace
 
-TEST(SwirlCurve, TakesDegrees)
+TEST(SwirlTrail, TheCurveTakesDegreesAndAnUpdateAddsOnePointOnceTheFramesMakeUpAStepUpToSixty)
 {
     // x = 0.3, y = 0.2, z = 1 + sin(pi squared), all times 10.
     expectNear(Swirl::curve(0.0f), Vector3(3.0f, 2.0f, 5.6969f), CLOSE);
     expectNear(Swirl::curve(90.0f), Vector3(-4.369861f, 6.0f, 7.862006f), CLOSE);
-}
-
-TEST(SwirlTrail, AnUpdateAddsOnePointAtMostOnceTheFramesMakeUpAStepUpToSixtyAndOnlyThoseFollowTheHead)
-{
     Swirl swirl(0, SPAN);
     swirl.resetTrail();
     EXPECT_EQ(swirl.getCount(), 1);

@@ -113,7 +113,7 @@ TEST(BenchVerdict, CoveredStartsAndTheFirstFrameAreExcusedAndTheMedianAndSpreadJ
     EXPECT_EQ(empty.describe(BenchReport::budgetFor(640, 480)), "no frames to judge");
 }
 
-TEST(BenchPrint, TheTableJudgesEveryEntryAndNamesTheStarts)
+TEST(BenchReport, TheTableJudgesEveryEntryAndTheCsvHasOneRowPerFrame)
 {
     std::ostringstream out;
     frames(4.0, {{9, 110.0}, {15, 70.0}}).print(out, sample(), "softpipe", 640, 480, 1);
@@ -128,17 +128,13 @@ TEST(BenchPrint, TheTableJudgesEveryEntryAndNamesTheStarts)
     EXPECT_TRUE(contains(text, "no frames to judge (excused first frame 110.00 ms)")) << text;
     EXPECT_TRUE(contains(text, "no fade covers the cut: OVER")) << text;
     EXPECT_TRUE(contains(text, "verdict: 1 of 3 entries within the budget; over: 3 Islands, 4 Swirl\n")) << text;
-}
-
-TEST(BenchCsv, OneRowPerFrameWithItsKindBudgetScenesAndSplit)
-{
     BenchReport report;
     report.addFrame(0.0, 30.0);
     report.addFrame(9.0, 110.25, BenchReport::Split{60.0, 40.25, 10.0});
     report.addFrame(15.0, 3.5);
-    std::ostringstream out;
-    report.writeCsv(out, sample(), 1280, 720);
-    EXPECT_EQ(out.str(), std::string(BenchReport::CSV_HEADER) + "\n" +
+    std::ostringstream csv;
+    report.writeCsv(csv, sample(), 1280, 720);
+    EXPECT_EQ(csv.str(), std::string(BenchReport::CSV_HEADER) + "\n" +
                              "1280,720,0.0000,30.0000,16.7,run-start,Credit,0.0000,0.0000,0.0000\n"
                              "1280,720,9.0000,110.2500,16.7,covered-start,Islands,60.0000,40.2500,10.0000\n"
                              "1280,720,15.0000,3.5000,16.7,scene-start,Islands+Swirl,0.0000,0.0000,0.0000\n");

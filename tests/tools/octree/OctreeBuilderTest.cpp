@@ -135,7 +135,7 @@ TEST(OctreeBuilderTest, EveryFaceLandsInLeavesItTouchesWithinTheLimits)
     EXPECT_GT(homes.back(), 4);
 }
 
-TEST(OctreeBuilderTest, AUselessSplitIsNotMade)
+TEST(OctreeBuilderTest, AUselessSplitIsNotMadeAndFacesNamingMissingVerticesAreLeftOut)
 {
     // Forty copies of a triangle on the plane x = z, which every octant touches (boxes are closed):
     // a split would copy all forty into each child.
@@ -147,10 +147,6 @@ TEST(OctreeBuilderTest, AUselessSplitIsNotMade)
     std::unique_ptr<Octree> tree(builder.build(same.vertices, same.faces));
     EXPECT_FALSE(tree->getRoot()->hasChildren());
     EXPECT_EQ(tree->getRoot()->getNumFaces(), 40);
-}
-
-TEST(OctreeBuilderTest, FacesNamingMissingVerticesAreLeftOut)
-{
     std::unique_ptr<Mesh> mesh = sheet(2);
     mesh->faces.resize(mesh->faces.getNumFaces() + 2);
     Face bad;
@@ -162,15 +158,15 @@ TEST(OctreeBuilderTest, FacesNamingMissingVerticesAreLeftOut)
     Face tooFew;
     tooFew.create(2);
     mesh->faces.addFace(tooFew);
-    std::unique_ptr<Octree> tree(OctreeBuilder().build(mesh->vertices, mesh->faces));
+    std::unique_ptr<Octree> kept(OctreeBuilder().build(mesh->vertices, mesh->faces));
     std::set<uint32_t> placed;
-    for (const Leaf& leaf : leavesOf(tree->getRoot()))
+    for (const Leaf& leaf : leavesOf(kept->getRoot()))
         for (int i = 0; i < leaf.node->getNumFaces(); ++i)
             placed.insert(leaf.node->getFaceIndex(i));
     const int n = mesh->faces.getNumFaces();
     EXPECT_EQ(placed.size(), static_cast<size_t>(n - 2));
     EXPECT_EQ(placed.count(static_cast<uint32_t>(n - 1)) + placed.count(static_cast<uint32_t>(n - 2)), 0u);
-    EXPECT_EQ(tree->getFaces()->getNumFaces(), n);  // the arrays are copied whole
+    EXPECT_EQ(kept->getFaces()->getNumFaces(), n);  // the arrays are copied whole
 }
 
 TEST(OctreeBuilderTest, BuildingIsDeterministicAndAnEmptyMeshStillSaves)
