@@ -26,19 +26,15 @@ Greetings& roll()
 
 }  // namespace
 
-TEST(GreetingsFont, TheMissingFontIsReportedByTheOtherNameAndTheFallbackLoads)
+TEST(GreetingsRoll, TheFallbackFontLoadsAndLinesEnterTwentyFourApartAndTheTopNeverPassesTheLast)
 {
     testing::internal::CaptureStdout();
     // Its font is never released, like every roll's.
-    Greetings greetings(1, SPAN);
+    Greetings fallback(1, SPAN);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Couldn't load arial.ttf\n");
-    ASSERT_NE(greetings.getFont(), nullptr);
-    EXPECT_TRUE(greetings.getFont()->isLoaded());
-    EXPECT_EQ(greetings.getFont()->getFaceSize(), 24u);
-}
-
-TEST(GreetingsRoll, LinesEnterOneAFrameTwentyFourApartAndTheTopLineNeverPassesTheLast)
-{
+    ASSERT_NE(fallback.getFont(), nullptr);
+    EXPECT_TRUE(fallback.getFont()->isLoaded());
+    EXPECT_EQ(fallback.getFont()->getFaceSize(), 24u);
     Greetings& greetings = roll();
     greetings.resetRoll();
     EXPECT_EQ(greetings.getFirst() * 10 + greetings.getLast(), 1);

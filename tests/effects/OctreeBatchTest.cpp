@@ -95,7 +95,7 @@ TEST(OctreeBatch, EveryDrawableFaceOnceInTheFirstLeafThatListsItGroupedByMateria
     EXPECT_EQ(grouped.getFaceCount(), ROW);
 }
 
-TEST(OctreeBatch, AViewSeesTheLeavesInFrontOfItWithinItsReach)
+TEST(OctreeBatch, AViewSeesTheLeavesInFrontWithinItsReachAndItsPlanesCutWhatTheCameraCannotSee)
 {
     Row row;
     OctreeBatch batch;
@@ -110,14 +110,10 @@ TEST(OctreeBatch, AViewSeesTheLeavesInFrontOfItWithinItsReach)
     EXPECT_EQ(batch.getVisibleFaces(), 0);
     OctreeBatch::viewPlanes(lookingFrom(Vector3(10, 10, 200), Vector3(10, 10, 0), 1000.0f), aspect, planes);
     EXPECT_EQ(batch.cull(planes, OctreeBatch::VIEW_PLANES), 2);
-}
-
-TEST(OctreeBatch, ViewPlanesKeepWhatTheCameraSeesAndCutTheRest)
-{
-    Plane planes[OctreeBatch::VIEW_PLANES];
-    OctreeBatch::viewPlanes(lookingFrom(Vector3(0, 0, 0), Vector3(0, 0, -1), 100.0f), 1.0f, planes);
+    Plane square[OctreeBatch::VIEW_PLANES];
+    OctreeBatch::viewPlanes(lookingFrom(Vector3(0, 0, 0), Vector3(0, 0, -1), 100.0f), 1.0f, square);
     const auto inside = [&](const Vector3& p) {
-        for (const Plane& plane : planes)
+        for (const Plane& plane : square)
             if (plane.distance(p) < 0.0f)
                 return false;
         return true;

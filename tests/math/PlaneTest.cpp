@@ -10,7 +10,7 @@ const Plane ground(0, 1, 0, 0);
 
 }  // namespace
 
-TEST(Plane, CreateFollowsTheWindingAndClassificationHasItsToleranceAndSphereRule)
+TEST(Plane, CreateFollowsTheWindingClassificationHasItsToleranceAndSlopeAccelerationIsNegated)
 {
     Plane p;
     p.create(Vector3(0, 0, 5), Vector3(0, 10, 5), Vector3(10, 0, 5));
@@ -30,10 +30,6 @@ TEST(Plane, CreateFollowsTheWindingAndClassificationHasItsToleranceAndSphereRule
     EXPECT_EQ(ground.classifySphere(Vector3(0, -3.5f, 0), 3), Plane::BEHIND);
     EXPECT_EQ(ground.classifySphere(Vector3(0, -3.0f, 0), 3), Plane::BEHIND);
     EXPECT_EQ(ground.classifySphere(Vector3(0, 0, 0), 0), Plane::BEHIND);
-}
-
-TEST(Plane, SlopeAccelerationIsTheNegatedInPlaneGravity)
-{
     Vector3 out;
     // In-plane part of g is (4.8, -3.6, 0); the result is its negation.
     EXPECT_TRUE(Plane::accelerationOnSlope(Vector3(0, -10, 0), Vector3(9, 9, 9), Plane(0.6f, 0.8f, 0, 0), out));
