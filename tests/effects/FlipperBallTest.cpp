@@ -72,7 +72,7 @@ TEST(FlipperBall, DroppedOnASlopeStaysOnTheGroundAndNeverGainsEnergy)
     }
 }
 
-TEST(FlipperBall, AtRestOnFlatGroundItStaysAtRestAndDroppedEachBounceIsLowerUntilItRolls)
+TEST(FlipperBall, AtRestItStaysEachBounceIsLowerUntilItRollsAndRisingGroundThrowsItUp)
 {
     const Slope flat(0.0f);
     FlipperBall ball(0.6f);
@@ -107,15 +107,11 @@ TEST(FlipperBall, AtRestOnFlatGroundItStaysAtRestAndDroppedEachBounceIsLowerUnti
     EXPECT_GE(bounces, 2);
     EXPECT_TRUE(bouncing.isRolling());
     EXPECT_NEAR(bouncing.getPosition().y, 0.5f, 1e-4f);
-}
-
-// Ground heaving up under a resting ball throws it into the air, faster than the ground rises.
-TEST(FlipperBall, RisingGroundThrowsTheBallUp)
-{
+    // Ground heaving up under a resting ball throws it into the air, faster than the ground rises.
     const Slope heaving(0.0f, 3.0f);
-    FlipperBall ball(0.5f);
-    ball.place(Vector3(0.0f, 0.49f, 0.0f), Vector3(0.0f, 0.0f, 0.0f));
-    ball.step(heaving, STEP);
-    EXPECT_GT(ball.getVelocity().y, 3.0f);
-    EXPECT_GT(ball.getLastBounce(), 2.9f);
+    FlipperBall thrown(0.5f);
+    thrown.place(Vector3(0.0f, 0.49f, 0.0f), Vector3(0.0f, 0.0f, 0.0f));
+    thrown.step(heaving, STEP);
+    EXPECT_GT(thrown.getVelocity().y, 3.0f);
+    EXPECT_GT(thrown.getLastBounce(), 2.9f);
 }

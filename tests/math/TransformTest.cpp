@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <cmath>
 
-TEST(Builders, OverwriteEveryEntryTranslateTakesTheCornerAndRotationsTurnCounterClockwise)
+TEST(Transform, BuildersOverwriteEveryEntryRotationsTurnCounterClockwiseAndProjectionsKeepTheirSigns)
 {
     Matrix4 m(9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9);
     RotateAroundX(m, 0);
@@ -32,11 +32,6 @@ TEST(Builders, OverwriteEveryEntryTranslateTakesTheCornerAndRotationsTurnCounter
     // A doubled axis gives t * z^2 + c = 4 on the diagonal.
     vectorRotate(v, Vector3(0, 0, 2), 90);
     EXPECT_NEAR(v.m[10], 4.0f, 1e-6f);
-}
-
-TEST(Projection, FrustumTakesTopBeforeBottomPerspectiveIsMirroredOrthoMapsTopToPlusOneAndLookAtLooksDownPlusZ)
-{
-    Matrix4 m;
     frustum(m, -2, 4, 3, -1, 1, 11);
     EXPECT_FLOAT_EQ(m.m[5], 2.0f / 4.0f);
     EXPECT_FLOAT_EQ(m.m[6], 2.0f / 4.0f);

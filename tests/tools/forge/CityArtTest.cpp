@@ -28,7 +28,7 @@ double lit(const Image& image, int x0, int y0, int x1, int y1, double level)
 
 }  // namespace
 
-TEST(CityArt, FacadesAreDarkNeonGlowsOnBlackAndTheOneWaySignPointsBothWays)
+TEST(CityArt, FacadesNeonAndSignsAndThePolylineFindsPointsByDistanceHeldAtItsEnds)
 {
     const CityArt art;
     for (int kind = 0; kind < FACADE_KINDS; ++kind) {
@@ -60,10 +60,6 @@ TEST(CityArt, FacadesAreDarkNeonGlowsOnBlackAndTheOneWaySignPointsBothWays)
     EXPECT_LT(brightness(sign.at(w * 22 / 100, top)), 0.5);
     EXPECT_GT(brightness(sign.at(w * 22 / 100, bottom)), 0.5);
     EXPECT_LT(brightness(sign.at(w * 78 / 100, bottom)), 0.5);
-}
-
-TEST(Polyline, PointsAreFoundByTheirDistanceAlongThePathAndHeldAtItsEnds)
-{
     Polyline path(Vec3{0.0, 0.0, 0.0});
     path.add(Vec3{3.0, 0.0, 0.0});
     path.add(Vec3{3.0, 4.0, 0.0});

@@ -32,7 +32,7 @@ const TunnelExitContent& exitContent()
 }  // namespace
 
 // The scene draws the slabs from the layout's point and frame: the forged tube must end exactly there.
-TEST(TunnelExitContent, TheTubeEndsAtTheLayoutsBreakAndTheFlightsStayInsideUntilTheHit)
+TEST(TunnelExitContent, TheTubeEndsAtTheBreakTheFlightsStayInsideTheSlabFitsAndThePathsReadBack)
 {
     const TunnelExitContent& content = exitContent();
     const double z = TunnelExitContent::BREAK_Z;
@@ -67,12 +67,7 @@ TEST(TunnelExitContent, TheTubeEndsAtTheLayoutsBreakAndTheFlightsStayInsideUntil
     const double atHit = content.cameraDistance(6.05) - content.cameraDistance(5.95);
     EXPECT_GT(atHit, 2.0 * (content.cameraDistance(1.05) - content.cameraDistance(0.95)));
     EXPECT_GT(atHit, 1.5 * (content.cameraDistance(8.0) - content.cameraDistance(7.9)));
-}
-
-TEST(TunnelExitContent, TheSlabFillsItsSectorAndThePathsReadBackAsTheFlights)
-{
     MeshBuilder builder;
-    const TunnelExitContent& content = exitContent();
     content.buildSlab(builder);
     std::unique_ptr<Mesh> mesh(builder.build(false, {}));
     ASSERT_NE(mesh, nullptr);
